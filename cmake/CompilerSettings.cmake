@@ -1,0 +1,35 @@
+# One interface target carries the language standard, the warnings and Qt's strictness; every library links it.
+# SPDX-License-Identifier: MIT
+option(VELMORA_WERROR "Treat warnings as errors" OFF)
+option(VELMORA_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(VELMORA_COVERAGE "Build with coverage counters" OFF)
+option(VELMORA_HARDENED "Build with hardening: PIE, RELRO, stack protector, _FORTIFY_SOURCE" OFF)
+
+add_library(velmora_settings INTERFACE)
+target_compile_features(velmora_settings INTERFACE cxx_std_20)
+target_compile_options(velmora_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat-security -Wundef
+    $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
+target_compile_definitions(velmora_settings INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(VELMORA_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(VELMORA_COVERAGE)
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+if(VELMORA_HARDENED)
+    include(CheckPIESupported)
+    check_pie_supported()
+    add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+    add_compile_definitions(_FORTIFY_SOURCE=2)
+    add_link_options(-Wl,-z,relro,-z,now)
+endif()

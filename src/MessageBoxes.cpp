@@ -1,0 +1,52 @@
+// Message boxes in plain text.
+// SPDX-License-Identifier: MIT
+#include "MessageBoxes.h"
+
+#include "Product.h"
+
+#include <QMessageBox>
+#include <QPointer>
+#include <QStyle>
+
+namespace
+{
+
+// The box lives on the heap: a parent that is closed while its box runs takes the box along.
+void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text, bool windowIcon = false)
+{
+    QPointer<QMessageBox> box = new QMessageBox(icon, title, text, QMessageBox::Ok, parent);
+    box->setTextFormat(Qt::PlainText);
+    if (windowIcon && parent != nullptr) {
+        const int size = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
+        box->setIconPixmap(parent->windowIcon().pixmap(QSize(size, size), parent->devicePixelRatioF()));
+    }
+    box->exec();
+    delete box;
+}
+
+} // namespace
+
+QString messageBox::titleOf(const char* action)
+{
+    return QLatin1String(product::name) + QStringLiteral(" - ") + QLatin1String(action);
+}
+
+void messageBox::information(QWidget* parent, const QString& title, const QString& text)
+{
+    show(parent, QMessageBox::Information, title, text);
+}
+
+void messageBox::warning(QWidget* parent, const QString& title, const QString& text)
+{
+    show(parent, QMessageBox::Warning, title, text);
+}
+
+void messageBox::critical(QWidget* parent, const QString& title, const QString& text)
+{
+    show(parent, QMessageBox::Critical, title, text);
+}
+
+void messageBox::about(QWidget* parent, const QString& title, const QString& text)
+{
+    show(parent, QMessageBox::NoIcon, title, text, true);
+}

@@ -1,0 +1,23 @@
+// The program's message boxes: modal, with an OK button, and always plain text, since file names, interface names and
+// gateway answers are foreign texts that must not be taken for markup.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace messageBox
+{
+
+/// Title of a box about an action of the program: "Velmora - Print" for "Print".
+QString titleOf(const char* action);
+
+/// Shows `text` under `title` and returns when the user has closed the box.
+void information(QWidget* parent, const QString& title, const QString& text);
+void warning(QWidget* parent, const QString& title, const QString& text);
+void critical(QWidget* parent, const QString& title, const QString& text);
+/// The same with the icon of the parent's window in place of a symbol.
+void about(QWidget* parent, const QString& title, const QString& text);
+
+} // namespace messageBox

@@ -1,0 +1,95 @@
+// The persistent settings, stored with QSettings under the organisation alone.
+// SPDX-License-Identifier: MIT
+#include "Settings.h"
+
+#include "Product.h"
+
+#include <QSettings>
+
+namespace
+{
+
+constexpr char recentFileKey[] = "/%1/Recent File List/File%2";
+constexpr char usedInterfaceKey[] = "/%1/Used Interfaces/Interface%2";
+constexpr char displayModeKey[] = "/%1/Settings/Display";
+
+// The user's own settings only: a file of the whole system must not fill slots that the user has never used.
+class CUserSettings : public QSettings
+{
+public:
+    CUserSettings() : QSettings(QLatin1String(product::organisation)) { setFallbacksEnabled(false); }
+};
+
+QString slotKey(const char* pattern, int slot)
+{
+    return QLatin1String(pattern).arg(QLatin1String(product::title), QString::number(slot));
+}
+
+QStringList usedSlots(const char* pattern)
+{
+    const CUserSettings store;
+    QStringList list;
+    for (int slot = 1; slot <= settings::listSlots; ++slot) {
+        const QString text = store.value(slotKey(pattern, slot)).toString();
+        if (!text.isEmpty())
+            list.append(text);
+    }
+    return list;
+}
+
+// Kept: slots behind the list are neither cleared nor removed; stored lists of other program versions rely on it.
+void writeSlots(const char* pattern, const QStringList& list)
+{
+    CUserSettings store;
+    for (int slot = 1; slot <= settings::listSlots && slot <= list.size(); ++slot)
+        store.setValue(slotKey(pattern, slot), list[slot - 1]);
+}
+
+QString displayKey()
+{
+    return QLatin1String(displayModeKey).arg(QLatin1String(product::title));
+}
+
+} // namespace
+
+QStringList settings::recentFiles()
+{
+    return usedSlots(recentFileKey);
+}
+
+void settings::setRecentFiles(const QStringList& files)
+{
+    writeSlots(recentFileKey, files);
+}
+
+QStringList settings::usedInterfaces()
+{
+    return usedSlots(usedInterfaceKey);
+}
+
+void settings::setUsedInterfaces(const QStringList& interfaces)
+{
+    writeSlots(usedInterfaceKey, interfaces);
+}
+
+int settings::displayMode()
+{
+    return CUserSettings().value(displayKey(), 0).toInt();
+}
+
+void settings::setDisplayMode(int mode)
+{
+    CUserSettings().setValue(displayKey(), mode);
+}
+
+QStringList settings::promoted(const QStringList& list, const QString& name)
+{
+    return QStringList(name) + without(list, name);
+}
+
+QStringList settings::without(const QStringList& list, const QString& name)
+{
+    QStringList rest = list;
+    rest.removeAll(name);
+    return rest;
+}

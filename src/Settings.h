@@ -1,0 +1,33 @@
+// The persistent settings: keys, limits and defaults stand here only. Lists are kept in ten numbered slots.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStringList>
+
+namespace settings
+{
+
+/// Slots of a stored list; further elements are not written.
+inline constexpr int listSlots = 10;
+
+/// The recently used files, most recent first: the used slots in order. A missing or empty slot counts as unused.
+QStringList recentFiles();
+
+/// Writes the list to the slots 1 upwards, at most ten elements. Slots behind it keep what they hold.
+void setRecentFiles(const QStringList& files);
+
+/// The interfaces that could be initialised, most recent first; stored like the recent files.
+QStringList usedInterfaces();
+void setUsedInterfaces(const QStringList& interfaces);
+
+/// The number of the display mode: 0 hexadecimal (default), 1 decimal, 2 octal; other numbers as stored.
+int displayMode();
+void setDisplayMode(int mode);
+
+/// `list` with `name` in front, held only once. Compares case-sensitively.
+QStringList promoted(const QStringList& list, const QString& name);
+
+/// `list` without any element equal to `name`. Compares case-sensitively.
+QStringList without(const QStringList& list, const QString& name);
+
+} // namespace settings
