@@ -11,9 +11,10 @@ target_compile_options(velmora_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wformat-security -Wundef
     $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
+# Tests compare with plain literals: they set VELMORA_PLAIN_LITERALS.
 target_compile_definitions(velmora_settings INTERFACE
-    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS
-    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>:QT_NO_CAST_FROM_ASCII>
+    QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

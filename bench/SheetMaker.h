@@ -1,0 +1,19 @@
+// Makes electronic data sheets of any size for the benchmarks.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QTemporaryDir>
+
+/// A data sheet of `objects` RECORD objects with five entries each, about 600 bytes an object, in a folder of its own.
+class CSheet
+{
+public:
+    explicit CSheet(int objects);
+
+    QString fileName() const { return m_folder.filePath(QStringLiteral("sheet.eds")); }
+    qint64 size() const;
+
+private:
+    QTemporaryDir m_folder;
+};

@@ -1,0 +1,63 @@
+#!/bin/bash
+# Sets up what is missing and runs every check: the suite in dev (gcc 12) and in asan (clang 14, both sanitizers), the
+# formatting, clang-tidy, and the demonstration without a display.
+#   ./test.sh            everything
+#   ./test.sh --quick    the suite in dev only
+# SPDX-License-Identifier: MIT
+set -eu
+cd "$(dirname "$0")"
+. scripts/common.sh
+
+quick=false
+case "${1:-}" in
+    "") ;;
+    --quick) quick=true ;;
+    *) echo "usage: ./test.sh [--quick]" >&2; exit 2 ;;
+esac
+mkdir -p build
+summaries=()
+
+# suite PRESET: builds and runs the tests; keeps ctest's closing lines for the end.
+suite() {
+    build "$1"
+    stage "Testing $1"
+    ctest --preset "$1" 2>&1 | tee "build/$1.ctest.log"
+    [ "${PIPESTATUS[0]}" -eq 0 ] || fail "tests of $1 failed"
+    summaries+=("$1: $(grep 'tests passed' "build/$1.ctest.log")")
+}
+
+format() {
+    stage "Formatting"
+    git ls-files '*.cpp' '*.h' | xargs clang-format-14 --dry-run -Werror || fail "run clang-format-14 -i on these files"
+}
+
+# The sources that this branch changes, or all of them where there is nothing to compare with.
+tidy_files() {
+    if git rev-parse -q --verify origin/main > /dev/null; then
+        git diff --name-only --diff-filter=d origin/main -- 'src/*.cpp' 'sim/*.cpp'
+    else
+        git ls-files 'src/*.cpp' 'sim/*.cpp'
+    fi
+}
+
+tidy() {
+    stage "clang-tidy"
+    tidy_files | xargs -r -n 1 -P "$(nproc)" clang-tidy-14 --quiet -p build/asan > build/tidy.log 2> build/tidy.err ||
+        { cat build/tidy.log; fail "clang-tidy found something"; }
+    echo "$(tidy_files | wc -l) files without findings"
+}
+
+if $quick; then
+    install_missing "${build_packages[@]}"
+    suite dev
+else
+    install_missing "${build_packages[@]}" "${test_packages[@]}"
+    format
+    suite dev
+    suite asan
+    tidy
+    stage "Demonstration without a display"
+    ./demo.sh --headless
+fi
+stage "Summary"
+printf '%s\n' "${summaries[@]}"

@@ -1,0 +1,54 @@
+// The message boxes: plain text, whatever a foreign name holds.
+// SPDX-License-Identifier: MIT
+#include "MessageBoxes.h"
+
+#include "BoxCatcher.h"
+
+#include <QTest>
+
+class TestMessageBoxes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aTitleNamesProductAndAction()
+    {
+        QCOMPARE(messageBox::titleOf("Read parameter"), QString("Velmora - Read parameter"));
+    }
+
+    void everyBoxIsPlainText_data()
+    {
+        using tShow = void (*)(QWidget*, const QString&, const QString&);
+        QTest::addColumn<tShow>("show");
+        QTest::addColumn<QMessageBox::Icon>("icon");
+        QTest::newRow("information") << &messageBox::information << QMessageBox::Information;
+        QTest::newRow("warning") << &messageBox::warning << QMessageBox::Warning;
+        QTest::newRow("critical") << &messageBox::critical << QMessageBox::Critical;
+        QTest::newRow("about") << &messageBox::about << QMessageBox::NoIcon;
+    }
+    void everyBoxIsPlainText()
+    {
+        QFETCH(void (*)(QWidget*, const QString&, const QString&), show);
+        QFETCH(const QMessageBox::Icon, icon);
+        CBoxCatcher catcher;
+        QWidget parent;
+        show(&parent, "Title", "can<b>0</b>\n\n\t%1 &amp; tail");
+        const CBoxCatcher::tBox box = catcher.only();
+        QCOMPARE(box.title, QString("Title"));
+        QCOMPARE(box.text, QString("can<b>0</b>\n\n\t%1 &amp; tail"));
+        QCOMPARE(box.icon, icon);
+        QCOMPARE(box.format, Qt::PlainText);
+    }
+
+    void aBoxOutlivesItsParentsEnd()
+    {
+        QPointer<QWidget> parent = new QWidget;
+        QTimer::singleShot(0, parent, [parent] { delete parent; });
+        messageBox::warning(parent, "Title", "text");
+        QVERIFY(parent.isNull());
+
+    }
+};
+
+QTEST_MAIN(TestMessageBoxes)
+#include "TestMessageBoxes.moc"
