@@ -1,0 +1,289 @@
+// Forwarding to the device-access libraries: one row of functions a library, two endings for all operations.
+// SPDX-License-Identifier: MIT
+#include "CANopenAccess.h"
+
+#include "ErrorTexts.h"
+#include "Product.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+struct CCANopenAccess::tLibrary {
+    int number;
+    std::int32_t (*init)(long board, void* param, BYTE baudrate);
+    std::int32_t (*exit)();
+    std::int32_t (*reset)(BYTE baudrate);
+    std::int32_t (*write)(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data);
+    std::int32_t (*read)(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size);
+    std::int32_t (*write8)(BYTE node, WORD index, BYTE subindex, std::uint8_t value);
+    std::int32_t (*write16)(BYTE node, WORD index, BYTE subindex, std::uint16_t value);
+    std::int32_t (*write32)(BYTE node, WORD index, BYTE subindex, std::uint32_t value);
+    std::int32_t (*read8)(BYTE node, WORD index, BYTE subindex, std::uint8_t* value);
+    std::int32_t (*read16)(BYTE node, WORD index, BYTE subindex, std::uint16_t* value);
+    std::int32_t (*read32)(BYTE node, WORD index, BYTE subindex, std::uint32_t* value);
+    std::int32_t (*timeout)(WORD timeout, WORD* previous);
+    std::int32_t (*startNode)(BYTE node);
+    std::int32_t (*stopNode)(BYTE node);
+    std::int32_t (*enterPreOperational)(BYTE node);
+    std::int32_t (*resetNode)(BYTE node);
+    std::int32_t (*resetCommunication)(BYTE node);
+    std::int32_t (*transmit)(std::int32_t cob_id, short length, const BYTE* data);
+    std::int32_t (*request)(std::int32_t cob_id, short* length, BYTE* data);
+    std::int32_t (*readQueue)(WORD* cob_id, short* length, BYTE* data);
+    std::int32_t (*clearQueue)();
+    std::int32_t (*hardware)(char* buffer, short size);
+    std::int32_t (*software)(char* buffer, short size);
+    const char* (*version)();
+};
+
+namespace
+{
+
+std::int32_t initGateway(long, void* param, BYTE baudrate)
+{
+    if (param == nullptr)
+        return ERR_NULL_POINTER;
+    auto* gateway = static_cast<_top_param*>(param);
+    return top_init(gateway->addr, gateway->port, &gateway->settings, baudrate);
+}
+
+} // namespace
+
+// clang-format off
+constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
+    { 700, initGateway, top_exit, top_reset,
+      top_write, top_read,
+      top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
+      top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
+      top_transmit, top_request, top_queue_read, top_queue_clear,
+      top_hardware, top_software, top_version },
+};
+// clang-format on
+
+CCANopenAccess::~CCANopenAccess()
+{
+    call(&tLibrary::exit);
+}
+
+bool CCANopenAccess::initialize(short library, long board, void* param, BYTE baudrate)
+{
+    if (m_library != -1)
+        return finished(ERR_ALREADY_INITIALIZED);
+    const tLibrary* row = libraryOf(library);
+    if (!finished(row != nullptr ? row->init(board, param, baudrate) : ERR_NOT_SUPPORTED))
+        return false;
+    m_library = library;
+    return true;
+}
+
+bool CCANopenAccess::terminate()
+{
+    if (!finished(call(&tLibrary::exit)))
+        return false;
+    m_library = -1;
+    return true;
+}
+
+bool CCANopenAccess::reset(BYTE baudrate)
+{
+    return finished(call(&tLibrary::reset, baudrate));
+}
+
+bool CCANopenAccess::write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data)
+{
+    return transferred(call(&tLibrary::write, node, index, subindex, length, data));
+}
+
+bool CCANopenAccess::read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size)
+{
+    return transferred(call(&tLibrary::read, node, index, subindex, length, data, size));
+}
+
+bool CCANopenAccess::writeUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t value)
+{
+    return transferred(call(&tLibrary::write8, node, index, subindex, value));
+}
+
+bool CCANopenAccess::writeUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t value)
+{
+    return transferred(call(&tLibrary::write16, node, index, subindex, value));
+}
+
+bool CCANopenAccess::writeUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t value)
+{
+    return transferred(call(&tLibrary::write32, node, index, subindex, value));
+}
+
+bool CCANopenAccess::readUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t* value)
+{
+    return transferred(call(&tLibrary::read8, node, index, subindex, value));
+}
+
+bool CCANopenAccess::readUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t* value)
+{
+    return transferred(call(&tLibrary::read16, node, index, subindex, value));
+}
+
+bool CCANopenAccess::readUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t* value)
+{
+    return transferred(call(&tLibrary::read32, node, index, subindex, value));
+}
+
+bool CCANopenAccess::writeInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t value)
+{
+    return writeUnsigned8(node, index, subindex, static_cast<std::uint8_t>(value));
+}
+
+bool CCANopenAccess::writeInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t value)
+{
+    return writeUnsigned16(node, index, subindex, static_cast<std::uint16_t>(value));
+}
+
+bool CCANopenAccess::writeInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t value)
+{
+    return writeUnsigned32(node, index, subindex, static_cast<std::uint32_t>(value));
+}
+
+// A signed integer may be written through a pointer to the unsigned integer of its width.
+bool CCANopenAccess::readInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t* value)
+{
+    return readUnsigned8(node, index, subindex, reinterpret_cast<std::uint8_t*>(value));
+}
+
+bool CCANopenAccess::readInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t* value)
+{
+    return readUnsigned16(node, index, subindex, reinterpret_cast<std::uint16_t*>(value));
+}
+
+bool CCANopenAccess::readInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t* value)
+{
+    return readUnsigned32(node, index, subindex, reinterpret_cast<std::uint32_t*>(value));
+}
+
+bool CCANopenAccess::setSDOTimeout(WORD timeout, WORD* previous)
+{
+    return finished(call(&tLibrary::timeout, timeout, previous));
+}
+
+bool CCANopenAccess::startRemoteNode(BYTE node)
+{
+    return finished(call(&tLibrary::startNode, node));
+}
+
+bool CCANopenAccess::stopRemoteNode(BYTE node)
+{
+    return finished(call(&tLibrary::stopNode, node));
+}
+
+bool CCANopenAccess::enterPreOperationalState(BYTE node)
+{
+    return finished(call(&tLibrary::enterPreOperational, node));
+}
+
+bool CCANopenAccess::resetNode(BYTE node)
+{
+    return finished(call(&tLibrary::resetNode, node));
+}
+
+bool CCANopenAccess::resetCommunication(BYTE node)
+{
+    return finished(call(&tLibrary::resetCommunication, node));
+}
+
+bool CCANopenAccess::transmitMessage(WORD cob_id, short length, const BYTE* data)
+{
+    return finished(call(&tLibrary::transmit, cob_id, length, data));
+}
+
+bool CCANopenAccess::requestMessage(WORD cob_id, short* length, BYTE* data)
+{
+    return finished(call(&tLibrary::request, cob_id, length, data));
+}
+
+bool CCANopenAccess::readQueue(WORD* cob_id, short* length, BYTE* data)
+{
+    return finished(call(&tLibrary::readQueue, cob_id, length, data));
+}
+
+bool CCANopenAccess::clearQueue()
+{
+    return finished(call(&tLibrary::clearQueue));
+}
+
+bool CCANopenAccess::getHardwareVersion(char* buffer, short size)
+{
+    return finished(call(&tLibrary::hardware, buffer, size));
+}
+
+bool CCANopenAccess::getFirmwareVersion(char* buffer, short size)
+{
+    return finished(call(&tLibrary::software, buffer, size));
+}
+
+const char* CCANopenAccess::getAPIVersion()
+{
+    const tLibrary* library = libraryOf(m_library);
+    if (library != nullptr)
+        return library->version();
+    finished(ERR_NOT_INITIALIZED);
+    return nullptr;
+}
+
+bool CCANopenAccess::getCopyright(char* buffer, short size)
+{
+    if (buffer == nullptr)
+        return finished(ERR_NULL_POINTER);
+    constexpr int length = sizeof product::copyright; // with the terminator
+    std::memcpy(buffer, product::copyright, static_cast<std::size_t>(std::clamp<int>(size, 0, length)));
+    return true;
+}
+
+const char* CCANopenAccess::version()
+{
+    return "Velmora CANopen access facade, revision 2026-11-21";
+}
+
+const char* CCANopenAccess::getErrorText(int error) const
+{
+    return errorTexts::ofError(error != 0 ? error : m_lastError);
+}
+
+const char* CCANopenAccess::getAbortText(long code) const
+{
+    return errorTexts::ofAbort(static_cast<std::uint32_t>(code != 0 ? code : m_lastAbort));
+}
+
+const CCANopenAccess::tLibrary* CCANopenAccess::libraryOf(int number)
+{
+    const auto* row = std::find_if(std::begin(libraries), std::end(libraries),
+                                   [number](const tLibrary& library) { return library.number == number; });
+    return row != std::end(libraries) ? row : nullptr;
+}
+
+template <typename... Parameters>
+std::int32_t CCANopenAccess::call(std::int32_t (*tLibrary::*operation)(Parameters...),
+                                  std::type_identity_t<Parameters>... arguments) const
+{
+    const tLibrary* library = libraryOf(m_library);
+    return library != nullptr ? (library->*operation)(arguments...) : ERR_NOT_INITIALIZED;
+}
+
+// The ending of SDO reads and writes, which know aborts.
+bool CCANopenAccess::transferred(std::int32_t result)
+{
+    if (result > 0) {
+        m_lastAbort = result;
+        return finished(ERR_SDO_ABORTED);
+    }
+    if (result == 0)
+        m_lastAbort = 0;
+    return finished(result);
+}
+
+// The ending of everything else: the result as it is, which may be an abort code of a text query.
+bool CCANopenAccess::finished(std::int32_t result)
+{
+    m_lastError = result;
+    return result == 0;
+}

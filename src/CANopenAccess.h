@@ -1,0 +1,104 @@
+// The one object through which the program reaches a CANopen network: binds one of the device-access libraries,
+// forwards every operation to it and keeps how the last one ended.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CANopenErrors.h"
+#include "cop/can_ctrl.h"
+#include "tcp/tcp_open.h"
+
+#include <cstdint>
+#include <type_traits>
+
+/// The gateway to connect to, the parameter of library 700.
+struct _top_param {
+    unsigned long addr;     ///< its IPv4 address in host byte order, 0x7F000001 for 127.0.0.1
+    unsigned short port;    ///< its TCP port in host byte order
+    _top_settings settings; ///< network number, node-id and master used towards it
+};
+
+/// Every operation that returns `bool` is true on success; after a failure `getLastError` tells why. Without a bound
+/// library each operation that needs one fails with -95. Each blocks until it is answered or has timed out.
+class CCANopenAccess
+{
+public:
+    CCANopenAccess() = default;
+    ~CCANopenAccess(); ///< closes the interface when it is still open
+    CCANopenAccess(const CCANopenAccess&) = delete;
+    CCANopenAccess& operator=(const CCANopenAccess&) = delete;
+
+    /// Opens the interface and binds its library: 700 is the gateway client, whose `param` is a `_top_param`; `board`
+    /// is not used there. `baudrate` is an index 0 to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s). Fails
+    /// with -96 while a library is bound, -98 for a library that is not available, -94 without `param`.
+    bool initialize(short library, long board, void* param, BYTE baudrate);
+    /// Closes the interface; the object can then be initialised again.
+    bool terminate();
+    bool reset(BYTE baudrate);
+
+    /// SDO transfers to and from a parameter of a node. `size` is the room at `data`, in bytes; `length` counts bytes.
+    /// Data handed to `write` need one readable byte behind them. When the node aborts the transfer, the last error is
+    /// 4 and the last abort its code; a success clears the last abort, any other failure leaves it as it was.
+    bool write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data);
+    bool read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size);
+    bool writeUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t value);
+    bool writeUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t value);
+    bool writeUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t value);
+    bool readUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t* value);
+    bool readUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t* value);
+    bool readUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t* value);
+    /// The same with the bits of the value taken as two's complement: -1 is sent as 0xFF by `writeInteger8`.
+    bool writeInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t value);
+    bool writeInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t value);
+    bool writeInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t value);
+    bool readInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t* value);
+    bool readInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t* value);
+    bool readInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t* value);
+    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null.
+    bool setSDOTimeout(WORD timeout, WORD* previous);
+
+    /// Network management of one node.
+    bool startRemoteNode(BYTE node);
+    bool stopRemoteNode(BYTE node);
+    bool enterPreOperationalState(BYTE node);
+    bool resetNode(BYTE node);
+    bool resetCommunication(BYTE node);
+
+    /// CAN messages of at most eight bytes.
+    bool transmitMessage(WORD cob_id, short length, const BYTE* data);
+    bool requestMessage(WORD cob_id, short* length, BYTE* data);
+    /// The oldest message received; fails with -30 when there is none.
+    bool readQueue(WORD* cob_id, short* length, BYTE* data);
+    bool clearQueue();
+
+    /// Texts about the opened interface.
+    bool getHardwareVersion(char* buffer, short size);
+    bool getFirmwareVersion(char* buffer, short size);
+    /// The revision line of the bound library; null without one.
+    const char* getAPIVersion();
+    /// The copyright notice, at most `size` characters of it, terminated only when it is shorter. Needs no library and
+    /// leaves the last error alone, unless `buffer` is null (-94).
+    bool getCopyright(char* buffer, short size);
+    static const char* version();
+
+    bool isSDOAborted() const { return m_lastError == ERR_SDO_ABORTED; }
+    int getLastError() const { return m_lastError; }
+    long getLastAbort() const { return m_lastAbort; }
+    /// Texts for people; never null. A code of 0 stands for the last error or the last abort.
+    const char* getErrorText(int error) const;
+    const char* getAbortText(long code) const;
+
+private:
+    struct tLibrary; // what a library offers, as a row of functions
+    static const tLibrary libraries[];
+    static const tLibrary* libraryOf(int number);
+
+    template <typename... Parameters>
+    std::int32_t call(std::int32_t (*tLibrary::*operation)(Parameters...),
+                      std::type_identity_t<Parameters>... arguments) const;
+    bool transferred(std::int32_t result);
+    bool finished(std::int32_t result);
+
+    int m_library = -1; // number of the bound library, -1 for none
+    int m_lastError = 0;
+    long m_lastAbort = 0;
+};
