@@ -1,0 +1,26 @@
+// Base64 codec for one group: up to three bytes into up to four characters and back.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/// True for the 64 characters "A"-"Z", "a"-"z", "0"-"9", "+" and "/".
+bool base64_belongs(char character);
+
+/// Encodes one group of `length` bytes, padded with "=" to four characters. Writes the first `room` of them and no
+/// terminating zero.
+///
+/// The byte behind a group of two is looked at and must be readable; its upper two bits enter the third character, so
+/// callers keep a zero byte there. `"ABC"` gives `"QUJD"`, `"A"` gives `"QQ=="`.
+/// @return the characters that carry data: 4, 3 or 2 for a group of 3, 2 or 1 bytes with room for all four, 0 for an
+/// empty group, and `room` when no padding was written
+int base64_encode(const unsigned char* input, int length, char* output, int room);
+
+/// Decodes one group of `length` characters (up to four) into at most `room` bytes (up to three).
+///
+/// A character outside the alphabet yields unspecified bits and its byte does not count. A group shorter than the room
+/// asks for ends with such a character, which is looked at. `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a single
+/// character gives one byte, its six bits shifted left by two. There are no errors.
+/// @return the bytes that count; bytes are written as far as the room allows, counted or not
+int base64_decode(const char* input, int length, unsigned char* output, int room);
+
+/// The revision text of this module.
+const char* base64_version();

@@ -1,0 +1,53 @@
+// Evaluators of the gateway's response lines: one line into a status and typed values.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CANopenErrors.h"
+
+// Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items, what follows
+// the last expected one is not looked at, and the sequence number in brackets may be any. The line is never modified.
+//
+// They share these results:
+//   0          success
+//   -70        format error: any other grammar, an unexpected word, a number out of range
+//   -94        a value has arrived and a pointer for it is null
+//   -600 - n   the gateway answered "Error: n" (computed modulo 2^32)
+// The SDO evaluators (`tcp_eval_sdo_...`) know one more:
+//   4          n is 0x05000000 or above: a device aborted the transfer and n, stored in `abort`, is its abort code
+// `abort` may be null everywhere. It is cleared when a value arrives.
+
+/// "OK": the answer to commands without a result.
+int32_t tcp_eval_response(const char* line);
+
+/// "OK": the answer to SDO writes.
+int32_t tcp_eval_sdo_response(const char* line, uint32_t* abort);
+
+/// An unsigned number that fits the width, for example "[12] 0x1F": the answer to typed reads. A number out of range is
+/// stored cut to the width, together with the result -70.
+int32_t tcp_eval_sdo_unsigned8(const char* line, uint8_t* value, uint32_t* abort);
+int32_t tcp_eval_sdo_unsigned16(const char* line, uint16_t* value, uint32_t* abort);
+int32_t tcp_eval_sdo_unsigned32(const char* line, uint32_t* value, uint32_t* abort);
+
+/// A signed number that fits the width, for example "[12] -128". Hexadecimal and octal forms are bit patterns: 0xFF is -1.
+int32_t tcp_eval_sdo_integer8(const char* line, int8_t* value, uint32_t* abort);
+int32_t tcp_eval_sdo_integer16(const char* line, int16_t* value, uint32_t* abort);
+int32_t tcp_eval_sdo_integer32(const char* line, int32_t* value, uint32_t* abort);
+
+/// Data in base64, for example "[3] QUJD": the answer to domain reads. At most `size` bytes are stored, the rest is
+/// dropped; `length` is the number of bytes stored.
+int32_t tcp_eval_sdo_domain(const char* line, short* length, BYTE* buffer, short size, uint32_t* abort);
+
+/// A plain word or a text in double quotes ("" stands for one quote within it): the answer to info queries. At most
+/// `size` - 1 characters and a terminating zero are stored, the rest is dropped; `length` counts the characters stored.
+int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short size, uint32_t* abort);
+
+/// Identifier, length and data bytes of a CAN message, for example "[3] 0x181 2 0x11 0x22". At most eight bytes are read
+/// into `data`, also when `length` says more.
+/// @return -30 on "OK", which means that the gateway holds no message
+int32_t tcp_eval_can_message(const char* line, uint16_t* cob_id, short* length, BYTE* data);
+
+/// Length and data bytes in answer to a remote frame, at most eight. `data` may be null when `length` points to 0.
+int32_t tcp_eval_rtr_message(const char* line, short* length, BYTE* data);
+
+/// The revision text of this module.
+const char* tcp_eval_version();

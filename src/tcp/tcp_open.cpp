@@ -1,0 +1,337 @@
+// Client of an ASCII gateway over one TCP connection: each command is one line, answered by one line.
+// SPDX-License-Identifier: MIT
+#include "tcp/tcp_open.h"
+
+#include "tcp/base64.h"
+#include "tcp/tcp_eval.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+static constexpr int32_t top_connect_failed = -20000;
+static constexpr int32_t top_send_failed = -793;
+static constexpr time_t top_line_timeout = 66; // seconds
+static constexpr int top_line_size = 1024;     // with the terminating zero
+static constexpr int top_group_bytes = 3;
+static constexpr int top_group_characters = 4;
+static constexpr _top_settings top_default_settings = { 1, 1, 255 };
+
+static int top_client = -1;            // the connected socket, always below FD_SETSIZE; -1 when not connected
+static long top_sequence = 1;          // number of the next command; lives as long as the process
+static char top_buffer[top_line_size]; // the command, overwritten by the answer
+static _top_settings top_settings = top_default_settings; // kept for the application, no command carries them
+
+/// Starts a command in the line buffer: the next sequence number in brackets, a blank, then the text.
+[[gnu::format(printf, 1, 2)]] static void top_format(const char* format, ...)
+{
+    const int length = std::snprintf(top_buffer, sizeof top_buffer, "[%li] ", top_sequence);
+    top_sequence = static_cast<long>(static_cast<unsigned long>(top_sequence) + 1);
+
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(top_buffer + length, sizeof top_buffer - static_cast<std::size_t>(length), format, arguments);
+    va_end(arguments);
+}
+
+/// Appends to the command as much of the text as fits.
+static void top_append(const char* text)
+{
+    const std::size_t length = std::strlen(top_buffer);
+    const std::size_t appended = std::min(std::strlen(text), sizeof top_buffer - 1 - length);
+    std::memcpy(top_buffer + length, text, appended);
+    top_buffer[length + appended] = '\0';
+}
+
+/// Appends data in base64; the encoder cuts off what does not fit.
+static void top_append_base64(short length, const BYTE* data)
+{
+    constexpr int last = top_line_size - 1;
+    int position = static_cast<int>(std::strlen(top_buffer));
+    for (int offset = 0; offset < length; offset += top_group_bytes) {
+        const int group = std::min(top_group_bytes, length - offset);
+        const int room = position < last - top_group_characters ? top_group_characters : last - position;
+        base64_encode(data + offset, group, top_buffer + std::min(position, last), room);
+        position += top_group_characters;
+        top_buffer[std::min(position, last)] = '\0';
+    }
+}
+
+/// The number in brackets at the start of a line as "[%li]" reads it, 0 without one.
+static long top_sequence_of(const char* line)
+{
+    return line[0] == '[' ? std::strtol(line + 1, nullptr, 0) : 0;
+}
+
+/// Reads one response line into `buffer`, at most `size` - 1 characters. `buffer` stays untouched until the first byte
+/// arrives and is terminated from then on. Waits up to 66 s for the whole line, since `select` writes the time that is
+/// left back; longer lines are cut and the rest is dropped.
+/// @return the characters kept, CR LF included; fewer when the peer closes; 0 on time-out, whatever is kept
+static int top_readline(int socket, char* buffer, int size)
+{
+    int count = 0;
+    char byte = '\0';
+    timeval rest = { top_line_timeout, 0 };
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(socket, &readable);
+
+    while (select(socket + 1, &readable, nullptr, nullptr, &rest) > 0) {
+        const ssize_t received = recv(socket, &byte, 1, 0);
+        if (received == 0)
+            return count;
+        // A socket that fails for good stays readable, and a time of zero makes `select` poll: stop with the time.
+        if (received < 0 && rest.tv_sec == 0 && rest.tv_usec == 0)
+            return 0;
+        // Kept: a failed receive stores the byte before it again. A broken connection reports its error once and the
+        // end of the stream from then on, so that gateways which reset the connection end the line.
+        if (count + 1 < size) {
+            buffer[count++] = byte;
+            buffer[count] = '\0';
+        }
+        if (byte == '\n')
+            return count;
+    }
+    return 0;
+}
+
+/// Waits for the line with the number; others answer commands that timed out before, or nobody's.
+static void top_await(long sequence)
+{
+    while (top_readline(top_client, top_buffer, top_line_size) != 0 && top_sequence_of(top_buffer) != sequence) {
+    }
+}
+
+/// One exchange: sends the command in the line buffer, waits for its answer and evaluates it with
+/// `evaluator(line, out..., &abort)`, or without `abort` when the evaluator knows none.
+/// @return the evaluator's result or the abort code that it delivered; -793 when the command cannot be sent
+template <typename Evaluator, typename... Out>
+static int32_t top_exchange(Evaluator evaluator, Out... out)
+{
+    if (send(top_client, top_buffer, std::strlen(top_buffer), 0) < 0)
+        return top_send_failed;
+    top_await(top_sequence_of(top_buffer));
+
+    // Kept: without an answer this is the command itself; reads then succeed with its first word, as callers expect
+    // from gateways that stay silent.
+    uint32_t abort = 0;
+    int32_t result = ERR_NO_ERROR;
+    if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>)
+        result = evaluator(top_buffer, out..., &abort);
+    else
+        result = evaluator(top_buffer, out...);
+    return result == ERR_SDO_ABORTED ? static_cast<int32_t>(abort) : result;
+}
+
+int32_t top_init(unsigned long addr, unsigned short port, _top_settings* settings, [[maybe_unused]] BYTE baudrate)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(static_cast<uint32_t>(addr));
+
+    // Kept: an open connection is not closed first; programs end it with top_exit.
+    top_client = socket(AF_INET, SOCK_STREAM, 0);
+    if (top_client < 0)
+        return top_connect_failed;
+    // The socket must fit into the set that `select` waits for.
+    if (top_client >= FD_SETSIZE ||
+        connect(top_client, reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0) {
+        close(top_client);
+        top_client = -1;
+        return top_connect_failed;
+    }
+    if (settings != nullptr)
+        top_settings = *settings;
+    return ERR_NO_ERROR;
+}
+
+int32_t top_exit()
+{
+    if (top_client < 0)
+        return ERR_NOT_INITIALIZED;
+    close(top_client);
+    top_client = -1;
+    top_settings = top_default_settings;
+    return ERR_NO_ERROR;
+}
+
+int32_t top_reset(BYTE baudrate)
+{
+    top_format("init %u\r\n", baudrate);
+    // Kept: the answer is awaited but not looked at; gateways without this command refuse it.
+    return top_exchange([](const char*) -> int32_t { return ERR_NO_ERROR; });
+}
+
+int32_t top_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data)
+{
+    if (length > 0 && data == nullptr)
+        return ERR_NULL_POINTER;
+    top_format("%u write 0x%X 0x%X d ", node, index, subindex);
+    top_append_base64(length, data);
+    top_append("\r\n");
+    return top_exchange(tcp_eval_sdo_response);
+}
+
+int32_t top_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size)
+{
+    top_format("%u read 0x%X 0x%X d\r\n", node, index, subindex);
+    return top_exchange(tcp_eval_sdo_domain, length, data, size);
+}
+
+int32_t top_timeout(WORD timeout, WORD* previous)
+{
+    if (previous != nullptr)
+        *previous = 0;
+    top_format("set sdo_timeout %u\r\n", timeout);
+    return top_exchange(tcp_eval_response);
+}
+
+int32_t top_write_8bit(BYTE node, WORD index, BYTE subindex, uint8_t value)
+{
+    top_format("%u write 0x%X 0x%X u8 0x%X\r\n", node, index, subindex, value);
+    return top_exchange(tcp_eval_sdo_response);
+}
+
+int32_t top_read_8bit(BYTE node, WORD index, BYTE subindex, uint8_t* value)
+{
+    top_format("%u read 0x%X 0x%X u8\r\n", node, index, subindex);
+    return top_exchange(tcp_eval_sdo_unsigned8, value);
+}
+
+int32_t top_write_16bit(BYTE node, WORD index, BYTE subindex, uint16_t value)
+{
+    top_format("%u write 0x%X 0x%X u16 0x%X\r\n", node, index, subindex, value);
+    return top_exchange(tcp_eval_sdo_response);
+}
+
+int32_t top_read_16bit(BYTE node, WORD index, BYTE subindex, uint16_t* value)
+{
+    top_format("%u read 0x%X 0x%X u16\r\n", node, index, subindex);
+    return top_exchange(tcp_eval_sdo_unsigned16, value);
+}
+
+int32_t top_write_32bit(BYTE node, WORD index, BYTE subindex, uint32_t value)
+{
+    top_format("%u write 0x%X 0x%X u32 0x%lX\r\n", node, index, subindex, static_cast<unsigned long>(value));
+    return top_exchange(tcp_eval_sdo_response);
+}
+
+int32_t top_read_32bit(BYTE node, WORD index, BYTE subindex, uint32_t* value)
+{
+    top_format("%u read 0x%X 0x%X u32\r\n", node, index, subindex);
+    return top_exchange(tcp_eval_sdo_unsigned32, value);
+}
+
+static int32_t top_node_command(BYTE node, const char* command)
+{
+    top_format("%u %s\r\n", node, command);
+    return top_exchange(tcp_eval_response);
+}
+
+int32_t top_start_remote_node(BYTE node)
+{
+    return top_node_command(node, "start");
+}
+
+int32_t top_stop_remote_node(BYTE node)
+{
+    return top_node_command(node, "stop");
+}
+
+int32_t top_enter_preoperational(BYTE node)
+{
+    return top_node_command(node, "preoperational");
+}
+
+int32_t top_reset_node(BYTE node)
+{
+    return top_node_command(node, "reset node");
+}
+
+int32_t top_reset_communication(BYTE node)
+{
+    return top_node_command(node, "reset communication");
+}
+
+int32_t top_transmit(int32_t cob_id, short length, const BYTE* data)
+{
+    if (length != 0 && data == nullptr)
+        return ERR_NULL_POINTER;
+    // Kept: the data stand behind the first line end, on a line of their own; gateways read them there.
+    top_format("send 0x%03lX %i\r\n", static_cast<unsigned long>(static_cast<uint32_t>(cob_id)), length);
+    for (short position = 0; position < length; ++position) {
+        char piece[sizeof " 0xFF"];
+        std::snprintf(piece, sizeof piece, " 0x%X", data[position]);
+        top_append(piece);
+    }
+    top_append("\r\n");
+    return top_exchange(tcp_eval_response);
+}
+
+int32_t top_request([[maybe_unused]] int32_t cob_id, [[maybe_unused]] short* length, [[maybe_unused]] BYTE* data)
+{
+    // Kept: a valid length is refused, and without one there is nothing to ask for; programs do without remote frames.
+    return ERR_NULL_POINTER;
+}
+
+int32_t top_queue_read(WORD* cob_id, short* length, BYTE* data)
+{
+    top_format("receive\r\n");
+    return top_exchange(tcp_eval_can_message, cob_id, length, data);
+}
+
+int32_t top_queue_clear()
+{
+    return ERR_NOT_SUPPORTED;
+}
+
+int32_t top_status([[maybe_unused]] BYTE* can_status, [[maybe_unused]] BYTE* cop_status)
+{
+    return ERR_NOT_SUPPORTED;
+}
+
+int32_t top_queue_status([[maybe_unused]] BYTE* low, [[maybe_unused]] BYTE* high)
+{
+    return ERR_NOT_SUPPORTED;
+}
+
+static int32_t top_info(const char* subject, char* buffer, short size)
+{
+    short length = 0;
+    top_format("info %s\r\n", subject);
+    return top_exchange(tcp_eval_sdo_string, &length, buffer, size);
+}
+
+int32_t top_hardware(char* buffer, short size)
+{
+    return top_info("hardware", buffer, size);
+}
+
+int32_t top_software(char* buffer, short size)
+{
+    return top_info("software", buffer, size);
+}
+
+int32_t top_copyright(char* buffer, short size)
+{
+    return top_info("copyright", buffer, size);
+}
+
+const char* top_version()
+{
+    return "Velmora gateway client, tcp_open, 2026-11-21";
+}

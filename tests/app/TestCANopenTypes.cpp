@@ -1,0 +1,232 @@
+// Integers from text: one grammar at six types.
+// SPDX-License-Identifier: MIT
+#include "CANopenTypes.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <optional>
+
+namespace
+{
+
+using tResult = std::optional<qint64>; // none: refused
+
+template <typename Value>
+tResult read(bool (*convert)(const char*, Value*), const char* text)
+{
+    Value value = 77;
+    return convert(text, &value) ? tResult(value) : std::nullopt;
+}
+
+struct tRow {
+    const char* text;
+    tResult value;
+};
+
+constexpr tResult refused = std::nullopt;
+
+void addRows(std::initializer_list<tRow> rows)
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<tResult>("value");
+    for (const tRow& row : rows)
+        QTest::newRow(row.text) << QByteArray(row.text) << row.value;
+}
+
+QRegularExpression assertion(const char* name)
+{
+    return QRegularExpression(QString("^ASSERT: \"%1\" in CANopenTypes \\([0-9]+\\)$").arg(name));
+}
+
+} // namespace
+
+class TestCANopenTypes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void unsigned8_data()
+    {
+        addRows({
+            { "255",        255     },
+            { "256",        refused },
+            { "260",        refused },
+            { "1000",       refused },
+            { "0",          0       },
+            { "1",          1       },
+            { "+7",         7       },
+            { "+007",       7       },
+            { "+",          refused },
+            { "+ ",         0       },
+            { "-1",         refused },
+            { "-0",         refused },
+            { "0377",       255     },
+            { "0400",       refused },
+            { "00377",      255     },
+            { "00",         0       },
+            { "08",         refused },
+            { "0xff",       255     },
+            { "0XFf",       255     },
+            { "0x0ff",      255     },
+            { "0x100",      refused },
+            { "0x",         0       },
+            { "0x ",        0       },
+            { "0xg",        refused },
+            { " 12 ",       12      },
+            { "\t12\t ",    12      },
+            { "12a",        refused },
+            { "12 3",       refused },
+            { "12\n",       refused },
+            { "1.5",        refused },
+            { "",           refused },
+            { "   ",        refused },
+            { "\t",         refused },
+            { "0 ",         0       },
+            { " 0",         0       },
+            { "0 1",        refused },
+            { "abc",        refused },
+            { "000000012",  10      },
+            { "+0000255",   255     },
+            { "+0x10",      refused },
+            { "\xB2",       refused },
+        });
+    }
+    void unsigned8() { check(CCANopenTypes::ascii2unsigned8); }
+
+    void integer8_data()
+    {
+        addRows({
+            { "127",     127     },
+            { "128",     refused },
+            { "130",     refused },
+            { "-128",    -128    },
+            { "-129",    refused },
+            { "-130",    refused },
+            { "-0128",   -128    },
+            { "-0",      0       },
+            { "-",       refused },
+            { "--1",     refused },
+            { "-+1",     refused },
+            { "+127",    127     },
+            { "0x80",    -128    },
+            { "0xFF",    -1      },
+            { "0x7F",    127     },
+            { "0x100",   refused },
+            { "-0x1",    refused },
+            { "0377",    -1      },
+            { "0200",    -128    },
+            { "0400",    refused },
+            { " -5 ",    -5      },
+            { "- 5",     refused },
+            { "",        refused },
+            { "0",       0       },
+        });
+    }
+    void integer8() { check(CCANopenTypes::ascii2integer8); }
+
+    void unsigned16_data()
+    {
+        addRows({
+            { "65535",    65535   },
+            { "65536",    refused },
+            { "65540",    refused },
+            { "100000",   refused },
+            { "0177777",  65535   },
+            { "0200000",  refused },
+            { "0xFFFF",   65535   },
+            { "0x00FFFF", 65535   },
+            { "0x10000",  refused },
+            { "-1",       refused },
+            { "",         refused },
+        });
+    }
+    void unsigned16() { check(CCANopenTypes::ascii2unsigned16); }
+
+    void integer16_data()
+    {
+        addRows({
+            { "32767",   32767   },
+            { "32768",   refused },
+            { "-32768",  -32768  },
+            { "-32769",  refused },
+            { "0x8000",  -32768  },
+            { "0xFFFF",  -1      },
+            { "0177777", -1      },
+            { "0200000", refused },
+            { "0x10000", refused },
+            { "",        refused },
+        });
+    }
+    void integer16() { check(CCANopenTypes::ascii2integer16); }
+
+    void unsigned32_data()
+    {
+        addRows({
+            { "4294967295",   4294967295 },
+            { "4294967296",   refused    },
+            { "4294967300",   refused    },
+            { "10000000000",  refused    },
+            { "037777777777", 4294967295 },
+            { "040000000000", refused    },
+            { "0xFFFFFFFF",   4294967295 },
+            { "0x100000000",  refused    },
+            { "00000000012",  10         },
+            { "-1",           refused    },
+            { "",             refused    },
+        });
+    }
+    void unsigned32() { check(CCANopenTypes::ascii2unsigned32); }
+
+    void integer32_data()
+    {
+        addRows({
+            { "2147483647",   2147483647  },
+            { "2147483648",   refused     },
+            { "-2147483648",  -2147483648 },
+            { "-2147483649",  refused     },
+            { "-9999999999",  refused     },
+            { "0xFFFFFFFF",   -1          },
+            { "0x80000000",   -2147483648 },
+            { "037777777777", -1          },
+            { "040000000000", refused     },
+            { "0x100000000",  refused     },
+            { "",             refused     },
+        });
+    }
+    void integer32() { check(CCANopenTypes::ascii2integer32); }
+
+    void aNullTextIsReportedAndCountsAsEmpty()
+    {
+        SDO_t_UNSIGNED8 value = 5;
+        QTest::ignoreMessage(QtWarningMsg, assertion("string"));
+        QCOMPARE(CCANopenTypes::ascii2unsigned8(nullptr, &value), false);
+        QCOMPARE(int(value), 0);
+    }
+
+    void aNullResultIsReportedAndNotStored()
+    {
+        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+        QCOMPARE(CCANopenTypes::ascii2integer32("12", nullptr), true);
+        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+        QCOMPARE(CCANopenTypes::ascii2integer32("x", nullptr), false);
+        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+        QCOMPARE(CCANopenTypes::ascii2date("2009-12-24", nullptr), true);
+    }
+
+private:
+    template <typename Value>
+    static void check(bool (*convert)(const char*, Value*))
+    {
+        QFETCH(const QByteArray, text);
+        QFETCH(const tResult, value);
+        const tResult result = read(convert, text.constData());
+        QCOMPARE(result.has_value(), value.has_value());
+        QCOMPARE(result.value_or(0), value.value_or(0));
+    }
+};
+
+Q_DECLARE_METATYPE(tResult)
+
+QTEST_APPLESS_MAIN(TestCANopenTypes)
+#include "TestCANopenTypes.moc"
