@@ -4,12 +4,25 @@
 
 #include "Product.h"
 
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPointer>
 #include <QStyle>
 
 namespace
 {
+
+// A short text makes a narrow box, whose title bar would cut the title off: an empty row below keeps it wide enough for
+// the title, a symbol and the buttons.
+void widenToTitle(QMessageBox* box)
+{
+    constexpr int barWidth = 140;
+    QFont font = box->font();
+    font.setBold(true);
+    const int width = QFontMetrics(font).horizontalAdvance(box->windowTitle()) + barWidth;
+    if (auto* grid = qobject_cast<QGridLayout*>(box->layout()))
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+}
 
 // The box lives on the heap: a parent that is closed while its box runs takes the box along.
 void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text, bool windowIcon = false)
@@ -20,6 +33,7 @@ void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const Q
         const int size = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
         box->setIconPixmap(parent->windowIcon().pixmap(QSize(size, size), parent->devicePixelRatioF()));
     }
+    widenToTitle(box);
     box->exec();
     delete box;
 }

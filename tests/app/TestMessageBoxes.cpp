@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+using tShow = void (*)(QWidget*, const QString&, const QString&);
+
 class TestMessageBoxes : public QObject
 {
     Q_OBJECT
@@ -18,7 +20,6 @@ private Q_SLOTS:
 
     void everyBoxIsPlainText_data()
     {
-        using tShow = void (*)(QWidget*, const QString&, const QString&);
         QTest::addColumn<tShow>("show");
         QTest::addColumn<QMessageBox::Icon>("icon");
         QTest::newRow("information") << &messageBox::information << QMessageBox::Information;
@@ -28,7 +29,7 @@ private Q_SLOTS:
     }
     void everyBoxIsPlainText()
     {
-        QFETCH(void (*)(QWidget*, const QString&, const QString&), show);
+        QFETCH(const tShow, show);
         QFETCH(const QMessageBox::Icon, icon);
         CBoxCatcher catcher;
         QWidget parent;

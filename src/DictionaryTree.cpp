@@ -1,0 +1,110 @@
+// The tree of a dictionary: its items are nothing but texts, from which the selected object or entry is read back.
+// SPDX-License-Identifier: MIT
+#include "DictionaryTree.h"
+
+#include "Assertion.h"
+#include "dic/CANopen.h"
+
+#include <QHash>
+#include <QTreeWidget>
+
+#include <cstdio>
+#include <utility>
+
+namespace
+{
+
+constexpr QLatin1String communicationProfile("CiA DS-301");
+constexpr QLatin1String noProfile("Other objects");
+
+/// The groups, each a child of the root or of another group, found by their texts and created when first needed.
+class CGroups
+{
+public:
+    explicit CGroups(QTreeWidgetItem* root) : m_root(root) {}
+
+    /// The group where an object belongs.
+    QTreeWidgetItem* groupOf(const CCANopenObject& object);
+    /// Null when no object belongs there.
+    QTreeWidgetItem* communicationGroup() const { return m_groups.value({ m_root, communicationProfile }); }
+
+private:
+    QTreeWidgetItem* group(QTreeWidgetItem* parent, const QString& text);
+
+    QTreeWidgetItem* m_root;
+    QHash<std::pair<QTreeWidgetItem*, QString>, QTreeWidgetItem*> m_groups;
+};
+
+QTreeWidgetItem* CGroups::groupOf(const CCANopenObject& object)
+{
+    const QString profile = object.getProfileNumber();
+    const QString chapter = object.getProfileChapter();
+    if (profile.isEmpty())
+        return group(m_root, noProfile);
+    QTreeWidgetItem* profileGroup = group(m_root, profile);
+    if (profile == communicationProfile || chapter.isEmpty())
+        return profileGroup;
+    return group(profileGroup, chapter);
+}
+
+QTreeWidgetItem* CGroups::group(QTreeWidgetItem* parent, const QString& text)
+{
+    QTreeWidgetItem*& item = m_groups[{ parent, text }];
+    if (item == nullptr)
+        item = new QTreeWidgetItem(parent, { text });
+    return item;
+}
+
+QTreeWidgetItem* createItem(QTreeWidgetItem* parent, unsigned number, int width, const QString& name)
+{
+    const QString text = QString::number(number, 16).rightJustified(width) + QStringLiteral(": ") + name;
+    return new QTreeWidgetItem(parent, { text });
+}
+
+void addObject(QTreeWidgetItem* group, const CCANopenObject& object)
+{
+    QTreeWidgetItem* item = createItem(group, object.getIndex(), 0, object.getName());
+    if (!object.isMultipleObject() && object.m_objectEntryArray.size() <= 1)
+        return;
+    for (const auto& entry : object.m_objectEntryArray)
+        if (assertion(entry != nullptr, "ptrEntry", "MDIWindow", __LINE__))
+            createItem(item, entry->getSubindex(), 2, entry->getName());
+}
+
+/// The number in front of an item's text, which must be followed by a colon and at least one word.
+bool readNumber(const QTreeWidgetItem* item, unsigned* number)
+{
+    char word[2];
+    return std::sscanf(item->text(0).toUtf8().constData(), "%x: %1s", number, word) == 2;
+}
+
+} // namespace
+
+void dictionaryTree::populate(QTreeWidget* view, const QString& rootText, const CCANopen& dictionary)
+{
+    view->clear();
+    // Built apart from the view and sorted once: a large dictionary shows at once.
+    auto* root = new QTreeWidgetItem({ rootText });
+    CGroups groups(root);
+    for (const auto& object : dictionary.m_objectArray)
+        if (assertion(object != nullptr, "ptrObject", "MDIWindow", __LINE__))
+            addObject(groups.groupOf(*object), *object);
+    view->addTopLevelItem(root);
+    view->sortItems(0, Qt::AscendingOrder);
+
+    if (QTreeWidgetItem* group = groups.communicationGroup())
+        group->setExpanded(true);
+    root->setExpanded(true);
+}
+
+dictionaryTree::tSelection dictionaryTree::selectionOf(const QTreeWidgetItem* item)
+{
+    unsigned number = 0;
+    unsigned parentNumber = 0;
+    if (!readNumber(item, &number))
+        return {};
+    // Numbers wider than an index or a sub-index are cut.
+    if (item->parent() != nullptr && readNumber(item->parent(), &parentNumber))
+        return { static_cast<unsigned short>(parentNumber), static_cast<unsigned char>(number) };
+    return { static_cast<unsigned short>(number), static_cast<unsigned char>(item->childCount() > 0 ? 255 : 0) };
+}

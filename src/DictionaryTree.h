@@ -1,0 +1,27 @@
+// The tree of a dictionary: its items are nothing but texts, from which the selected object or entry is read back.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class CCANopen;
+class QString;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace dictionaryTree
+{
+
+/// What an item stands for. Index 0: no object; sub-index 255: no entry.
+struct tSelection {
+    unsigned short index = 0;
+    unsigned char subIndex = 255;
+};
+
+/// Shows the objects of `dictionary` in place of what `view` holds, grouped by profile number and chapter below one root
+/// item with `rootText`. Root and communication profile are open.
+void populate(QTreeWidget* view, const QString& rootText, const CCANopen& dictionary);
+
+/// Reads an item's text and its parent's: "1018: Identity Object" is object 0x1018, " 1: Vendor Id" below it is its entry
+/// 1. An object without child items stands for its entry 0. Groups, and objects without a name, are no selection.
+tSelection selectionOf(const QTreeWidgetItem* item);
+
+} // namespace dictionaryTree

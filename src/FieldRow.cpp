@@ -1,0 +1,23 @@
+// Names and help texts of a field and its label.
+// SPDX-License-Identifier: MIT
+#include "FieldRow.h"
+
+#include <QLabel>
+#include <QString>
+
+void fieldRow::describe(QWidget* field, const tFieldText& texts)
+{
+    field->setObjectName(QLatin1String(texts.name));
+    field->setToolTip(QLatin1String(texts.toolTip));
+    field->setWhatsThis(QLatin1String(texts.whatsThis));
+}
+
+QLabel* fieldRow::createLabel(QWidget* field, const tFieldText& texts)
+{
+    const QString subject = QLatin1String(texts.name).toString().section(QLatin1Char(' '), 0, -3);
+    auto* label = new QLabel(QLatin1String(texts.label), field->parentWidget());
+    label->setObjectName(subject + QStringLiteral(" text label"));
+    label->setWhatsThis(QLatin1String(texts.whatsThis));
+    label->setBuddy(field);
+    return label;
+}

@@ -1,0 +1,26 @@
+// A field of a form and its text label: how both are named and which help texts they carry.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QLabel;
+class QWidget;
+
+/// The words of one field. `name` is its object name and ends with its kind: "vendor name line edit".
+struct tFieldText {
+    const char* name;
+    const char* label;
+    const char* toolTip;
+    const char* whatsThis;
+};
+
+namespace fieldRow
+{
+
+/// Gives a field or button its object name, tool tip and what's-this text.
+void describe(QWidget* field, const tFieldText& texts);
+
+/// Creates the label that stands before a field: a sibling of the field, which is its buddy, with the same what's-this
+/// text. Its object name is that of the field with the kind, the last two words, replaced: "vendor name text label".
+QLabel* createLabel(QWidget* field, const tFieldText& texts);
+
+} // namespace fieldRow

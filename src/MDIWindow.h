@@ -1,0 +1,119 @@
+// The document window: one object dictionary as a tree, the attributes of the selected entry and the access to its value.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dic/CANopen.h"
+
+#include <QMainWindow>
+
+class CCANopenAccess;
+class QCheckBox;
+class QGroupBox;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QSplitter;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+class CMDIWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// How values are shown. Any other number, as a foreign settings file may hold it, shows as hexadecimal.
+    enum TDisplayMode : int { modeHex = 0, modeDec = 1, modeOct = 2 };
+
+    struct tObjectDescription {
+        QLineEdit *m_nameLineEdit, *m_codeLineEdit, *m_typeLineEdit;
+        QCheckBox *m_compoundCheckBox, *m_mandatoryCheckBox;
+    };
+    struct tEntryDescription {
+        QLineEdit *m_nameLineEdit, *m_typeLineEdit, *m_accessLineEdit, *m_rangeLineEdit, *m_defaultLineEdit;
+        QCheckBox *m_mandatoryCheckBox, *m_mappingCheckBox;
+    };
+    struct tDataAccess {
+        QLineEdit *m_inputLineEdit, *m_outputLineEdit;
+        QPushButton *m_sendPushButton, *m_readPushButton;
+        QRadioButton *m_hexRadioButton, *m_decRadioButton, *m_octRadioButton;
+        TDisplayMode m_displayMode;
+    };
+
+    explicit CMDIWindow(QWidget* parent = nullptr, const char* name = nullptr, Qt::WindowFlags flags = {});
+    ~CMDIWindow() override;
+
+    /// Loads the data sheet `fileName` and shows its tree. With an `access`, which stays the caller's, the user is asked
+    /// for a node first. A window is opened once. The window may be closed while a dialog of it runs.
+    /// @return false when the file could not be loaded, when the dialog was cancelled or when the window is gone
+    bool openDocument(const QString& fileName, CCANopenAccess* access);
+
+    /// Shows the device and file information of the dictionary in a modal dialog.
+    void showDeviceInfo();
+
+    /// Takes the facade away before its owner deletes it: the document is off-line for good, its titles stay.
+    void releaseAccess();
+
+    /// A document never refuses to close.
+    void closeEvent(QCloseEvent* event) override;
+
+    /// The revision of the module.
+    static const char* version();
+
+public Q_SLOTS:
+    void mouseLeftPressed(QTreeWidgetItem* item);
+    void returnKeyPressed(QTreeWidgetItem* item);
+    void mouseRightClicked(QTreeWidgetItem* item, const QPoint& position);
+    void buttonSendClicked();
+    void buttonReadClicked();
+    void buttonHexClicked();
+    void buttonDecClicked();
+    void buttonOctClicked();
+
+Q_SIGNALS:
+    /// A text for the status bar, to be shown for that many milliseconds.
+    void message(const QString& text, int milliseconds);
+
+protected:
+    /// Return and Enter in the tree.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void createWidgets();
+    void createDictionaryListView(QSplitter* parent);
+    void createAttributesForm(QSplitter* parent);
+    void createDataAccess();
+    void connectWidgets();
+
+    bool loadDictionary(const QString& fileName);
+    bool connectNode(CCANopenAccess* access);
+    void populateDictionaryList();
+    void populateAttributesForm(unsigned short index, unsigned char subIndex);
+    void clearAttributesForm(bool keepObject);
+    const CCANopenObject* objectOf(unsigned short index) const;
+    const CCANopenObjectEntry* entryOf(const CCANopenObject& object, unsigned char subIndex) const;
+    bool showEntry(const CCANopenObject* object, unsigned char subIndex);
+    void fillObjectPart(const CCANopenObject& object);
+    void fillEntryPart(const CCANopenObjectEntry& entry);
+
+    const CCANopenObjectEntry* selectedEntry(const QString& boxTitle);
+    QString failureText(const char* action) const;
+    void showValue(const QString& text);
+    void setDisplayMode(TDisplayMode mode);
+    void checkDisplayModeButton();
+    bool isOffline() const { return static_cast<signed char>(m_nodeId) < 1; }
+    void status(const QString& text) { Q_EMIT message(text, 2000); }
+
+    QString m_fileName;
+    CCANopen m_dictionary;
+    QTreeWidget* m_dictionaryListView;
+    QGroupBox* m_objectGroupBox;
+    QGroupBox* m_entryGroupBox;
+    QGroupBox* m_accessGroupBox;
+    tObjectDescription m_objectDescription;
+    tEntryDescription m_entryDescription;
+    tDataAccess m_dataAccess;
+    CCANopenAccess* m_CANopen; // the frame's; null while off-line
+    unsigned char m_nodeId;    // 0: off-line
+    unsigned short m_index;    // 0: no object
+    unsigned char m_subIndex;  // 255: no entry
+};
