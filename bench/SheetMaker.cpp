@@ -14,8 +14,8 @@ constexpr int entriesOfObject = 5;
 
 void writeObject(QTextStream& out, const QString& index)
 {
-    out << "[" << index << "]\nParameterName=Channel parameters " << index << "\nObjectType=0x9\nSubNumber="
-        << entriesOfObject << "\n";
+    out << "[" << index << "]\nParameterName=Channel parameters " << index
+        << "\nObjectType=0x9\nSubNumber=" << entriesOfObject << "\n";
     for (int sub = 0; sub < entriesOfObject; ++sub)
         out << "[" << index << "sub" << sub << "]\nParameterName=Parameter " << sub
             << "\nObjectType=0x7\nDataType=0x0007\nAccessType=rw\nPDOMapping=0\nDefaultValue=0x" << sub << "\n";
