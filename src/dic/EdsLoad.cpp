@@ -1,0 +1,341 @@
+// The sections and keys of a data sheet and what each of them does to the dictionary.
+// SPDX-License-Identifier: MIT
+#include "dic/EdsLoad.h"
+
+#include "dic/CANopen.h"
+#include "dic/CANopenReader.h"
+#include "dic/IniReader.h"
+#include "dic/Utf8Text.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace
+{
+
+enum TSection {
+    sectionFileInfo = 0,
+    sectionDeviceInfo = 1,
+    sectionMandatoryObjects = 2,
+    sectionOptionalObjects = 3,
+    sectionManufacturerObjects = 4,
+    sectionObject = 5,
+    sectionObjectEntry = 6,
+    sectionUnknown = -1 // all keys are skipped
+};
+
+// All names but those of objects and entries.
+constexpr struct {
+    std::string_view name;
+    TSection section;
+} sections[] = {
+    { "FileInfo", sectionFileInfo },
+    { "DeviceInfo", sectionDeviceInfo },
+    { "MandatoryObjects", sectionMandatoryObjects },
+    { "OptionalObjects", sectionOptionalObjects },
+    { "ManufacturerObjects", sectionManufacturerObjects },
+};
+
+class CEdsLoad
+{
+public:
+    explicit CEdsLoad(CCANopen& dictionary);
+
+    void enterSection(const char* name);
+    void processKey(std::string_view key, const char* value);
+
+    // What the handlers of the keys work on.
+    CCANopen& m_dictionary;
+    CCANopenObject* m_object = nullptr; // current object, entry and device information: in the dictionary
+    CCANopenObjectEntry* m_entry = nullptr;
+    CCANopenDeviceInfo* m_deviceInfo = nullptr;
+    QByteArray m_edsVersion = "4.0"; // collected for the device information
+    QByteArray m_description = "";
+
+    void declareObject(unsigned short index);
+    CCANopenObjectEntry& appendEntry(unsigned short index, unsigned char subIndex, int category);
+
+private:
+    void enterDeviceInfo();
+    void chooseObject(unsigned short index);
+    void appendObject(unsigned short index);
+
+    TSection m_section = sectionUnknown;
+    std::vector<int> m_firstPosition; // of each index in the dictionary, or -1: what `CCANopen::find` would search for
+};
+
+// Values that are no numbers count as 0.
+
+unsigned char number8(const char* value)
+{
+    unsigned char number = 0;
+    return Ascii2Unsigned8(value, &number) ? number : static_cast<unsigned char>(0);
+}
+
+unsigned short number16(const char* value)
+{
+    unsigned short number = 0;
+    return Ascii2Unsigned16(value, &number) ? number : static_cast<unsigned short>(0);
+}
+
+std::uint32_t number32(const char* value)
+{
+    unsigned long number = 0;
+    return Ascii2Unsigned32(value, &number) ? static_cast<std::uint32_t>(number) : 0;
+}
+
+// Kept: words such as "Yes" count as false; flags of data sheets are numbers.
+bool flag(const char* value)
+{
+    return number16(value) != 0;
+}
+
+// A key and what its value does to `Target`, the thing that the section describes.
+template <typename Target>
+struct tKey {
+    std::string_view name;
+    void (*apply)(Target& target, const char* value);
+};
+
+template <typename Target, std::size_t N>
+void applyKey(const tKey<Target> (&keys)[N], std::string_view name, Target& target, const char* value)
+{
+    const auto key = std::ranges::find(keys, name, &tKey<Target>::name);
+    if (key != std::end(keys))
+        key->apply(target, value);
+}
+
+void setUnlessEmpty(QString& text, const char* value)
+{
+    if (*value)
+        text = textFromUtf8(value);
+}
+
+// clang-format off
+constexpr tKey<CEdsLoad> fileInfoKeys[] = {
+    { "EDSVersion",       [](auto& load, auto value) { load.m_edsVersion = value; } },
+    { "FileVersion",      [](auto& load, auto value) { load.m_dictionary.m_info.m_revision = textFromUtf8(value); } },
+    { "Description",      [](auto& load, auto value) { load.m_description = value; } },
+    { "CreationTime",     [](auto& load, auto value) { load.m_dictionary.m_info.m_time = textFromUtf8(value); } },
+    { "CreationDate",     [](auto& load, auto value) { load.m_dictionary.m_info.m_date = textFromUtf8(value); } },
+    { "CreatedBy",        [](auto& load, auto value) { load.m_dictionary.m_info.m_author = textFromUtf8(value); } },
+    { "ModificationTime", [](auto& load, auto value) { setUnlessEmpty(load.m_dictionary.m_info.m_time, value); } },
+    { "ModificationDate", [](auto& load, auto value) { setUnlessEmpty(load.m_dictionary.m_info.m_date, value); } },
+};
+
+constexpr tKey<CCANopenDeviceInfo> deviceInfoKeys[] = {
+    { "VendorName",               [](auto& info, auto value) { info.setVendorName(value); } },
+    { "ProductName",              [](auto& info, auto value) { info.setProductName(value); } },
+    { "VendorNumber",             [](auto& info, auto value) { info.setVendorNumber(number32(value)); } },
+    { "ProductNumber",            [](auto& info, auto value) { info.setProductNumber(number32(value)); } },
+    { "RevisionNumber",           [](auto& info, auto value) { info.setRevisionNumber(number32(value)); } },
+    { "OrderCode",                [](auto& info, auto value) { info.setOrderCode(value); } },
+    { "BaudRate_10",              [](auto& info, auto value) { info.setBaudrate(info.baudrate10, flag(value)); } },
+    { "BaudRate_20",              [](auto& info, auto value) { info.setBaudrate(info.baudrate20, flag(value)); } },
+    { "BaudRate_50",              [](auto& info, auto value) { info.setBaudrate(info.baudrate50, flag(value)); } },
+    { "BaudRate_100",             [](auto& info, auto value) { info.setBaudrate(info.baudrate100, flag(value)); } },
+    { "BaudRate_125",             [](auto& info, auto value) { info.setBaudrate(info.baudrate125, flag(value)); } },
+    { "BaudRate_250",             [](auto& info, auto value) { info.setBaudrate(info.baudrate250, flag(value)); } },
+    { "BaudRate_500",             [](auto& info, auto value) { info.setBaudrate(info.baudrate500, flag(value)); } },
+    { "BaudRate_800",             [](auto& info, auto value) { info.setBaudrate(info.baudrate800, flag(value)); } },
+    { "BaudRate_1000",            [](auto& info, auto value) { info.setBaudrate(info.baudrate1000, flag(value)); } },
+    { "SimpleBootUpMaster",       [](auto& info, auto value) { info.setSimpleBootUpMaster(flag(value)); } },
+    { "SimpleBootUpSlave",        [](auto& info, auto value) { info.setSimpleBootUpSlave(flag(value)); } },
+    { "Granularity",              [](auto& info, auto value) { info.setPDOGranularity(number8(value)); } },
+    { "DynamicChannelsSupported", [](auto& info, auto value) { info.setDynamicChannels(flag(value)); } },
+    { "GroupMessaging",           [](auto& info, auto value) { info.setGroupMessaging(flag(value)); } },
+    { "NrOfRXPDO",                [](auto& info, auto value) { info.setNumberOfRxPDO(number16(value)); } },
+    { "NrOfTXPDO",                [](auto& info, auto value) { info.setNumberOfTxPDO(number16(value)); } },
+    { "LSS_Supported",            [](auto& info, auto value) { info.setLayerSettings(flag(value)); } },
+    { "LMT_ManufacturerName",     [](auto& info, auto value) { info.setLmtManufacturerName(value); } },
+    { "LMT_ProductName",          [](auto& info, auto value) { info.setLmtProductName(value); } },
+};
+
+// Keys of an object section that concern the object; the others describe its entry.
+// Kept: each "ObjectType" of a simple object adds an entry, also a repeated one; sheets show what they list.
+constexpr tKey<CEdsLoad> objectKeys[] = {
+    { "ParameterName", [](auto& load, auto value) { load.m_object->setName(value); } },
+    { "ObjectType",    [](auto& load, auto value) {
+        load.m_object->setClass(number8(value));
+        if (!load.m_object->isMultipleObject())
+            load.appendEntry(load.m_object->getIndex(), 0, load.m_object->getCategory()).shareName(load.m_object->getName());
+    } },
+    { "DataType",      [](auto& load, auto value) {
+        load.m_object->setDataType(number16(value));
+        if (load.m_entry)
+            load.m_entry->setDataType(number16(value));
+    } },
+};
+
+// Keys that only describe an entry when it has a section of its own.
+constexpr tKey<CCANopenObjectEntry> subIndexKeys[] = {
+    { "ParameterName", [](auto& entry, auto value) { entry.setName(value); } },
+    { "DataType",      [](auto& entry, auto value) { entry.setDataType(number16(value)); } },
+};
+
+constexpr tKey<CCANopenObjectEntry> entryKeys[] = {
+    { "AccessType",   [](auto& entry, auto value) { entry.setAccess(entry.getAccessByName(value)); } },
+    { "PDOMapping",   [](auto& entry, auto value) { entry.setPDOMapping(flag(value) ? entry.mappingDefault : entry.mappingNo); } },
+    { "LowLimit",     [](auto& entry, auto value) { entry.setLowLimit(value); } },
+    { "HighLimit",    [](auto& entry, auto value) { entry.setHighLimit(value); } },
+    { "DefaultValue", [](auto& entry, auto value) { entry.setDefaultValue(value); } },
+    { "ObjFlags",     [](auto& entry, auto value) { entry.setObjectFlags(number32(value)); } },
+};
+// clang-format on
+
+// The profile that describes the objects of an index range.
+const CCANopenObject::tProfile& profileOf(unsigned short index)
+{
+    static const struct {
+        unsigned short last;
+        CCANopenObject::tProfile profile;
+    } profiles[] = {
+        { 0x0FFF, { QStringLiteral("CiA DS-301"), {}, QStringLiteral("Data type entry"), {}, {} } },
+        { 0x1FFF, { QStringLiteral("CiA DS-301"), {}, QStringLiteral("Communication profile"), {}, {} } },
+        { 0x5FFF, { QStringLiteral("Manufacturer specific"), {}, {}, {}, {} } },
+        { 0x9FFF, { QStringLiteral("Device profile"), {}, {}, {}, {} } },
+        { 0xFFFF, { QStringLiteral("(reserved)"), {}, {}, {}, {} } },
+    };
+    const auto* row = profiles;
+    while (index > row->last)
+        ++row;
+    return row->profile;
+}
+
+CEdsLoad::CEdsLoad(CCANopen& dictionary)
+    : m_dictionary(dictionary), m_firstPosition(std::numeric_limits<unsigned short>::max() + std::size_t{ 1 }, -1)
+{
+    const auto& objects = dictionary.m_objectArray;
+    for (std::size_t position = objects.size(); position-- > 0;)
+        m_firstPosition[objects[position]->getIndex()] = static_cast<int>(position);
+}
+
+void CEdsLoad::enterSection(const char* name)
+{
+    unsigned short index = 0;
+    unsigned char subIndex = 0;
+    const auto known = std::ranges::find(sections, name, [](const auto& row) { return row.name; });
+    if (known != std::end(sections)) {
+        m_section = known->section;
+        if (m_section == sectionDeviceInfo)
+            enterDeviceInfo();
+    } else if (IsObject(name, &index)) {
+        m_section = sectionObject;
+        chooseObject(index);
+        m_entry = nullptr;
+    } else if (IsObjectEntry(name, &index, &subIndex)) {
+        m_section = sectionObjectEntry;
+        chooseObject(index);
+        appendEntry(index, subIndex,
+                    subIndex == 0 ? int{ CCANopenObject::categoryMandatory } : m_object->getCategory());
+    } else {
+        m_section = sectionUnknown;
+    }
+}
+
+void CEdsLoad::processKey(std::string_view key, const char* value)
+{
+    switch (m_section) {
+    case sectionFileInfo:
+        return applyKey(fileInfoKeys, key, *this, value);
+    case sectionDeviceInfo:
+        return applyKey(deviceInfoKeys, key, *m_deviceInfo, value);
+    case sectionMandatoryObjects:
+    case sectionOptionalObjects:
+    case sectionManufacturerObjects:
+        if (key != "SupportedObjects")
+            declareObject(number16(value));
+        return;
+    case sectionObject:
+        applyKey(objectKeys, key, *this, value);
+        break;
+    case sectionObjectEntry:
+        applyKey(subIndexKeys, key, *m_entry, value);
+        break;
+    case sectionUnknown:
+        return;
+    }
+    if (m_entry)
+        applyKey(entryKeys, key, *m_entry, value);
+}
+
+// The first section of a run begins a new device information, further ones add to it.
+void CEdsLoad::enterDeviceInfo()
+{
+    if (m_deviceInfo)
+        return;
+    delete m_dictionary.m_deviceInfo; // of an earlier run
+    m_deviceInfo = m_dictionary.m_deviceInfo = new CCANopenDeviceInfo;
+    m_deviceInfo->setEDSVersion(m_edsVersion.constData());
+    m_deviceInfo->setDescription(m_description.constData());
+}
+
+// An index of an object list; 0 declares nothing.
+// Kept: an index listed twice gives two objects, so that a faulty sheet shows its fault.
+void CEdsLoad::declareObject(unsigned short index)
+{
+    m_object = nullptr;
+    if (index == 0)
+        return;
+    appendObject(index);
+    m_object->setProfile(profileOf(index));
+    m_object->setCategory(m_section == sectionMandatoryObjects ? CCANopenObject::categoryMandatory
+                                                               : CCANopenObject::categoryOptional);
+}
+
+// Makes the object of a section current. Afterwards there is a current object.
+void CEdsLoad::chooseObject(unsigned short index)
+{
+    if (m_object && m_object->getIndex() == index)
+        return;
+    if (const int position = m_firstPosition[index]; position >= 0)
+        m_object = m_dictionary.m_objectArray[static_cast<std::size_t>(position)].get();
+    // Kept: the section of an undeclared object describes the object current before it, so that sheets without complete
+    // object lists show as ever.
+    if (!m_object)
+        appendObject(index);
+}
+
+void CEdsLoad::appendObject(unsigned short index)
+{
+    auto& objects = m_dictionary.m_objectArray;
+    if (m_firstPosition[index] < 0)
+        m_firstPosition[index] = static_cast<int>(objects.size());
+    m_object = objects.emplace_back(std::make_unique<CCANopenObject>(index)).get();
+}
+
+CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char subIndex, int category)
+{
+    auto& entries = m_object->m_objectEntryArray;
+    m_entry = entries.emplace_back(std::make_unique<CCANopenObjectEntry>(index, subIndex)).get();
+    m_entry->setCategory(category);
+    return *m_entry;
+}
+
+} // namespace
+
+bool loadEdsFile(CCANopen& dictionary, const char* fileName)
+{
+    CIniReader reader(fileName);
+    CEdsLoad load(dictionary);
+    while (true) {
+        switch (reader.moveToNextItem()) {
+        case -1:
+            return true;
+        case 1:
+            load.enterSection(reader.getSection().toUtf8().constData());
+            [[fallthrough]];
+        case 2:
+            load.processKey(reader.getKeyName().toUtf8().constData(), reader.getKeyValue().toUtf8().constData());
+            break;
+        default:
+            return false;
+        }
+    }
+}
