@@ -142,7 +142,7 @@ show_information() {
     press Down Return
     window "$sheet"
     picture device-info
-    press ctrl+Tab ctrl+Tab ctrl+Tab
+    press Right Right Right
     picture file-info
     press Escape
     window "CANopen Object Browser"

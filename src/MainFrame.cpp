@@ -1,0 +1,308 @@
+// The main frame: its construction and end, the document windows, the files and the help.
+// SPDX-License-Identifier: MIT
+#include "MainFrame.h"
+
+#include "CANopenAccess.h"
+#include "MDIWindow.h"
+#include "MessageBoxes.h"
+#include "Product.h"
+#include "Settings.h"
+
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QIcon>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPointer>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+// The images lie in a static library, which registers them only on request. Outside any namespace, as the macro needs.
+static void registerImages()
+{
+    Q_INIT_RESOURCE(velmora);
+}
+
+namespace
+{
+
+constexpr char identity[] = "$Id: MainFrame.cpp 61 2009-11-09 $";
+
+constexpr int statusTime = 2000; // milliseconds
+constexpr QSize initialSize(960, 640);
+constexpr QSize documentSize(720, 400);
+
+QString productTitle()
+{
+    return QLatin1String(product::title);
+}
+
+// Measured on the document: without its own size here, the workspace would choose one.
+QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
+{
+    auto* frame = new QMdiSubWindow(workspace);
+    frame->setAttribute(Qt::WA_DeleteOnClose);
+    frame->setWidget(document);
+    frame->setWindowIcon(document->windowIcon()); // would inherit the program's
+    frame->resize(documentSize.expandedTo(document->minimumSizeHint()).grownBy(frame->contentsMargins()));
+
+    // Ctrl+W belongs to the program's Close; taken twice, the key would do nothing.
+    for (QAction* action : frame->systemMenu()->actions())
+        if (!action->shortcuts().isEmpty())
+            action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4));
+    QObject::connect(document, &QObject::destroyed, frame, &QWidget::close);
+    return frame;
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
+{
+    registerImages();
+    setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
+    setWindowIcon(QIcon(QStringLiteral(":/images/program.png")));
+
+    createActions();
+    createMenus();
+    createToolBar();
+    createWorkspace();
+    connect(this, &QWidget::windowTitleChanged, this, &CMainFrame::keepCaption);
+
+    resize(initialSize);
+    status(QStringLiteral("Ready"));
+}
+
+CMainFrame::~CMainFrame()
+{
+    disconnect(this, nullptr, this, nullptr); // a sub-window changes the title when it goes
+    deleteAccess();
+    delete m_workspace;
+}
+
+void CMainFrame::createWorkspace()
+{
+    auto* box = new QFrame(this);
+    box->setObjectName(QStringLiteral("workspace frame"));
+    box->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    m_workspace = new QMdiArea(box);
+    m_workspace->setObjectName(QStringLiteral("workspace"));
+    m_workspace->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_workspace->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_workspace->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
+
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_workspace);
+    setCentralWidget(box);
+}
+
+// A maximised document appends " - [its caption]" to the title of the frame, which stays exactly its own caption.
+void CMainFrame::keepCaption(const QString& title)
+{
+    for (const QMdiSubWindow* frame : m_workspace->subWindowList()) {
+        const QString decoration = QStringLiteral(" - [%1]").arg(frame->windowTitle());
+        if (title.endsWith(decoration))
+            return setWindowTitle(title.chopped(decoration.size()));
+    }
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event)
+{
+    for (QMdiSubWindow* frame : m_workspace->subWindowList())
+        if (!frame->close()) {
+            event->ignore();
+            return;
+        }
+    deleteAccess();
+    QMainWindow::closeEvent(event);
+}
+
+void CMainFrame::status(const QString& text)
+{
+    statusBar()->showMessage(text, statusTime);
+}
+
+bool CMainFrame::hasWindow() const
+{
+    return !m_workspace->subWindowList().isEmpty();
+}
+
+// Still answers while the frame is hidden or minimised.
+QMdiSubWindow* CMainFrame::activeSubWindow() const
+{
+    return m_workspace->currentSubWindow();
+}
+
+CMDIWindow* CMainFrame::newDocument()
+{
+    const bool first = !hasWindow();
+    auto* document = new CMDIWindow(m_workspace);
+    document->setAttribute(Qt::WA_DeleteOnClose);
+    connect(document, &CMDIWindow::message, statusBar(), &QStatusBar::showMessage);
+    document->setWindowTitle(QStringLiteral("unnamed document"));
+    document->setWindowIcon(QIcon(QStringLiteral(":/images/document.png")));
+
+    QMdiSubWindow* frame = createSubWindow(document, m_workspace);
+    m_workspace->addSubWindow(frame);
+    if (first)
+        frame->showMaximized();
+    else
+        frame->show();
+    return document;
+}
+
+void CMainFrame::fileOpen()
+{
+    const QPointer<QFileDialog> dialog = new QFileDialog(this);
+    dialog->setObjectName(QStringLiteral("file open dialog"));
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (dialog.isNull()) // gone together with the frame
+        return;
+    const QString chosen = accepted ? dialog->selectedFiles().value(0) : QString();
+    delete dialog;
+
+    const QString canonical = QFileInfo(chosen).canonicalFilePath(); // empty for a missing file
+    openFile(canonical.isEmpty() ? chosen : canonical);
+}
+
+void CMainFrame::openFile(const QString& fileName)
+{
+    if (fileName.isEmpty())
+        return status(QStringLiteral("Operation aborted"));
+
+    const QPointer<CMainFrame> self = this;
+    const bool loaded = newDocument()->openDocument(fileName, m_CANopen); // asks the user: anything may be closed then
+    if (self.isNull())
+        return;
+    if (loaded)
+        setRecentFile(fileName);
+    else
+        deleteFileName(fileName);
+    setWindowTitle(productTitle()); // Kept: without version and build from here on; window managers are set up for it
+}
+
+void CMainFrame::setRecentFile(const QString& name)
+{
+    settings::setRecentFiles(settings::promoted(settings::recentFiles(), name));
+}
+
+void CMainFrame::deleteFileName(const QString& name)
+{
+    settings::setRecentFiles(settings::without(settings::recentFiles(), name));
+}
+
+void CMainFrame::filePrint()
+{
+    messageBox::critical(this, messageBox::titleOf("Print"), QStringLiteral("Sorry, not realized yet!"));
+}
+
+void CMainFrame::fileClose()
+{
+    if (QMdiSubWindow* frame = activeSubWindow())
+        frame->close();
+}
+
+void CMainFrame::fileCloseAll()
+{
+    for (QMdiSubWindow* frame : m_workspace->subWindowList())
+        frame->close();
+}
+
+void CMainFrame::deviceInfo()
+{
+    const QMdiSubWindow* frame = activeSubWindow();
+    if (auto* document = frame != nullptr ? qobject_cast<CMDIWindow*>(frame->widget()) : nullptr)
+        document->showDeviceInfo();
+}
+
+void CMainFrame::helpTopic()
+{
+    messageBox::critical(this, messageBox::titleOf("Help Topic"), QStringLiteral("Sorry, not realized yet!"));
+}
+
+void CMainFrame::helpAbout()
+{
+    messageBox::about(this, productTitle(),
+                      QStringLiteral("%1 - %2 for Linux\n\nVersion %3 of Nov  9 2009 (Build %4)\n\n   %5\n\n"
+                                     "Copyright %6\n\nInternet URL: %7\n\n")
+                          .arg(QLatin1String(product::name), productTitle(), QLatin1String(product::version),
+                               QString::number(product::buildNumber()), QLatin1String(product::licence),
+                               QLatin1String(product::copyright), QLatin1String(product::homePage)));
+}
+
+void CMainFrame::helpAboutQt()
+{
+    QMessageBox::aboutQt(this, productTitle());
+}
+
+void CMainFrame::fileMenuAboutToShow()
+{
+    for (QAction* action : { m_fileCloseAction, m_fileCloseAllAction, m_filePrintAction })
+        action->setEnabled(hasWindow());
+}
+
+void CMainFrame::fileListMenuAboutToShow()
+{
+    m_fileListMenu->clear();
+    const QStringList files = settings::recentFiles();
+    for (int position = 0; position < files.size(); ++position)
+        connect(m_fileListMenu->addAction(files[position]), &QAction::triggered, this,
+                [this, position] { fileListMenuActivated(position); });
+    if (files.isEmpty())
+        m_fileListMenu->addAction(QStringLiteral("<recently used files>"))->setEnabled(false);
+}
+
+void CMainFrame::fileListMenuActivated(int position)
+{
+    const QAction* item = m_fileListMenu->actions().value(position);
+    openFile(item != nullptr ? item->text() : QString());
+}
+
+void CMainFrame::deviceMenuAboutToShow()
+{
+    m_deviceInfoAction->setEnabled(hasWindow());
+}
+
+void CMainFrame::interfaceMenuAboutToShow()
+{
+    // Both actions are always enabled.
+}
+
+void CMainFrame::windowsMenuAboutToShow()
+{
+    m_windowsMenu->clear();
+    for (QAction* action : { m_windowsCascadeAction, m_windowsTileAction }) {
+        action->setEnabled(hasWindow());
+        m_windowsMenu->addAction(action);
+    }
+    if (!hasWindow())
+        return;
+
+    m_windowsMenu->addSeparator();
+    const QList<QMdiSubWindow*> frames = m_workspace->subWindowList();
+    for (int position = 0; position < frames.size(); ++position) {
+        QAction* item = m_windowsMenu->addAction(frames[position]->windowTitle());
+        item->setCheckable(true);
+        item->setChecked(frames[position] == activeSubWindow());
+        connect(item, &QAction::triggered, this, [this, position] { windowsMenuActivated(position); });
+    }
+}
+
+void CMainFrame::windowsMenuActivated(int position)
+{
+    QMdiSubWindow* frame = m_workspace->subWindowList().value(position);
+    if (frame == nullptr)
+        return;
+    frame->showNormal();
+    m_workspace->setActiveSubWindow(frame);
+}
+
+const char* CMainFrame::version()
+{
+    return identity;
+}
