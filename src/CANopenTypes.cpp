@@ -74,7 +74,8 @@ bool readInteger(const char* text, Value& value)
         }
     } else if (negative || *text == '+') {
         limit = negative ? largest + 1 : largest;
-        // Kept: a sign needs a character behind it, be it a blank; "- " is 0 as "0x" is, which users' texts rely on.
+        // Kept: a sign needs a character behind it, be it a blank: "- " is 0, as "0x" is, when digits are still to
+        // come.
         if (*++text == '\0')
             return false;
     }
@@ -134,10 +135,8 @@ bool readDate(const char* text, SDO_t_DATE& value)
         return false;
     const auto byte = [](int number) { return static_cast<std::uint8_t>(number); };
     // Kept: of the milliseconds only the low byte is sent; devices that are set this way expect a zero in the high one.
-    value = {
-        .data = {byte(moment.second * 1000 + moment.millisecond), 0, byte(moment.minute), byte(moment.hour),
-                 byte(moment.day), byte(moment.month), byte(moment.year % 100)}
-    };
+    value = { .data = { byte(moment.second * 1000 + moment.millisecond), 0, byte(moment.minute), byte(moment.hour),
+                        byte(moment.day), byte(moment.month), byte(moment.year % 100) } };
     return true;
 }
 
@@ -155,7 +154,7 @@ bool readTimeOfDay(const char* text, SDO_t_TIME_OF_DAY& value)
     local.tm_sec = moment.second;
     local.tm_isdst = 0; // Kept: standard time also in summer; stored values of devices were set this way.
     const std::int64_t seconds = std::mktime(&local);
-    // Kept: the first hours of 1984 east of Greenwich lie before day 0 and are sent as day 65535, which devices know.
+    // Kept: east of Greenwich the first hours of 1984 lie before day 0; they wrap to day 65535 as device clocks do.
     value.member.days = static_cast<std::uint16_t>(seconds / secondsPerDay - daysTo1984);
     value.member.msec = static_cast<std::uint32_t>(seconds % secondsPerDay * 1000 + moment.millisecond);
     return true;

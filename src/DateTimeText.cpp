@@ -1,10 +1,11 @@
-// Reading local dates and times:
+// Reading local dates and times.
+// SPDX-License-Identifier: MIT
+//
 //   text = blanks [ date ]
 //   date = day | day '.' month '.' year time | year '-' month '-' day time | month '/' day '/' year time
 //   time = ' ' blanks hour ':' minute ':' second '.' milliseconds ' ' blanks
-// Each part is a run of digits, 0 when the run is empty. The text may end behind any part, and with blanks behind any part
-// but a first one that stands alone.
-// SPDX-License-Identifier: MIT
+// Each part is a run of digits, 0 when the run is empty. The text may end behind any part, and with blanks behind any
+// part but a first one that stands alone.
 #include "DateTimeText.h"
 
 #include <QDateTime>

@@ -16,12 +16,12 @@ struct tSelection {
     unsigned char subIndex = 255;
 };
 
-/// Shows the objects of `dictionary` in place of what `view` holds, grouped by profile number and chapter below one root
-/// item with `rootText`. Root and communication profile are open.
+/// Shows the objects of `dictionary` in place of what `view` holds, grouped by profile number and chapter below one
+/// root item with `rootText`. Root and communication profile are open.
 void populate(QTreeWidget* view, const QString& rootText, const CCANopen& dictionary);
 
-/// Reads an item's text and its parent's: "1018: Identity Object" is object 0x1018, " 1: Vendor Id" below it is its entry
-/// 1. An object without child items stands for its entry 0. Groups, and objects without a name, are no selection.
+/// Reads an item's text and its parent's: "1018: Identity Object" is object 0x1018, " 1: Vendor Id" below it is its
+/// entry 1. An object without child items stands for its entry 0. Groups, and objects without a name, are no selection.
 tSelection selectionOf(const QTreeWidgetItem* item);
 
 } // namespace dictionaryTree

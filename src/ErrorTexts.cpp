@@ -48,7 +48,7 @@ constexpr tCodeText<int> errorTable[] = {
     { ERR_NOT_SUPPORTED,       "Function not supported!" },
     { ERR_FATAL,               "Fatal error!" },
     { ERR_SDO_ABORTED,         "Transfer aborted." },
-    // Kept: this text, too; it is known to users as the one for codes without a name.
+    // Kept: users know this text as the one for codes without a name.
     { -32768,                  "Resistance is futile, prepare to assimilate!" },
 };
 

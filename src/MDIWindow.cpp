@@ -5,6 +5,7 @@
 #include "Assertion.h"
 #include "ConnectNodeDialog.h"
 #include "DeviceInfoDialog.h"
+#include "DictionaryListView.h"
 #include "DictionaryTree.h"
 #include "MessageBoxes.h"
 #include "Settings.h"
@@ -15,10 +16,8 @@
 #include <QCloseEvent>
 #include <QFile>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
-#include <QTreeWidget>
 
 namespace
 {
@@ -84,16 +83,18 @@ bool CMDIWindow::loadDictionary(const QString& fileName)
 /// Asks for the node. False when the dialog was cancelled or when it has gone together with this window.
 bool CMDIWindow::connectNode(CCANopenAccess* access)
 {
+    m_CANopen = access; // before the dialog runs, so that its owner can take it away meanwhile
     const QPointer<CConnectNodeDialog> dialog = new CConnectNodeDialog(this);
     const int result = dialog->exec();
     if (dialog.isNull())
         return false;
-    if (result == QDialog::Accepted) {
+    const bool accepted = result == QDialog::Accepted;
+    if (accepted)
         m_nodeId = dialog->getConnectFlag() ? static_cast<unsigned char>(dialog->getNodeId()) : 0;
-        m_CANopen = access;
-    }
+    else
+        m_CANopen = nullptr;
     delete dialog;
-    return result == QDialog::Accepted;
+    return accepted;
 }
 
 void CMDIWindow::showDeviceInfo()
@@ -147,18 +148,6 @@ void CMDIWindow::returnKeyPressed(QTreeWidgetItem* item)
 
 void CMDIWindow::mouseRightClicked(QTreeWidgetItem*, const QPoint&) {}
 
-bool CMDIWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_dictionaryListView && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            returnKeyPressed(m_dictionaryListView->currentItem());
-            return true;
-        }
-    }
-    return QMainWindow::eventFilter(watched, event);
-}
-
 const CCANopenObject* CMDIWindow::objectOf(unsigned short index) const
 {
     const int position = m_dictionary.find(index);
@@ -197,7 +186,7 @@ void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subI
             fillObjectPart(*object);
         else
             index = 0;
-        if (!showEntry(object, subIndex)) // Kept: an entry FFh shows with its object, but counts as no entry selected.
+        if (!showEntry(object, subIndex)) // Kept: FFh shows, but is no selection: it is CiA 301's mark for none.
             subIndex = noSubIndex;
         m_subIndex = subIndex;
         m_index = index;
@@ -205,7 +194,7 @@ void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subI
         clearAttributesForm(true);
         if (subIndex != noSubIndex && !showEntry(objectOf(index), subIndex)) {
             subIndex = noSubIndex;
-            index = 0; // Kept: the message below comes, while the object part stays as it is.
+            index = 0; // Kept: only the message below; the object part stays, so that users see whose entry is missing.
         }
         m_subIndex = subIndex;
     }

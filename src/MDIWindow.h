@@ -1,4 +1,4 @@
-// The document window: one object dictionary as a tree, the attributes of the selected entry and the access to its value.
+// The document window: an object dictionary as a tree, the attributes of the selected entry, access to its value.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,13 +7,13 @@
 #include <QMainWindow>
 
 class CCANopenAccess;
+class CDictionaryListView;
 class QCheckBox;
 class QGroupBox;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class QSplitter;
-class QTreeWidget;
 class QTreeWidgetItem;
 
 class CMDIWindow : public QMainWindow
@@ -42,8 +42,8 @@ public:
     explicit CMDIWindow(QWidget* parent = nullptr, const char* name = nullptr, Qt::WindowFlags flags = {});
     ~CMDIWindow() override;
 
-    /// Loads the data sheet `fileName` and shows its tree. With an `access`, which stays the caller's, the user is asked
-    /// for a node first. A window is opened once. The window may be closed while a dialog of it runs.
+    /// Loads the data sheet `fileName` and shows its tree. With an `access`, which stays the caller's, the user is
+    /// asked for a node first. A window is opened once. The window may be closed while a dialog of it runs.
     /// @return false when the file could not be loaded, when the dialog was cancelled or when the window is gone
     bool openDocument(const QString& fileName, CCANopenAccess* access);
 
@@ -73,10 +73,6 @@ Q_SIGNALS:
     /// A text for the status bar, to be shown for that many milliseconds.
     void message(const QString& text, int milliseconds);
 
-protected:
-    /// Return and Enter in the tree.
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void createWidgets();
     void createDictionaryListView(QSplitter* parent);
@@ -105,7 +101,7 @@ private:
 
     QString m_fileName;
     CCANopen m_dictionary;
-    QTreeWidget* m_dictionaryListView;
+    CDictionaryListView* m_dictionaryListView;
     QGroupBox* m_objectGroupBox;
     QGroupBox* m_entryGroupBox;
     QGroupBox* m_accessGroupBox;

@@ -38,8 +38,8 @@ struct tParameter {
     int mode;
 };
 
-/// A read stores the text of the value. A send stores the text that shows what went out, or, when nothing could be sent at
-/// all, the reason. Both are about the facade's last error when the transfer fails.
+/// A read stores the text of the value. A send stores the text that shows what went out, or, when nothing could be sent
+/// at all, the reason. Both are about the facade's last error when the transfer fails.
 enum tResult { succeeded, transferFailed, nothingSent };
 using tRead = bool (*)(const tParameter& from, QString& text);
 using tSend = tResult (*)(const tParameter& to, const QString& input, QString& text);
@@ -104,7 +104,7 @@ bool readString(const tParameter& from, QString& text)
     return true;
 }
 
-// Kept: nothing to show is left in `text`, so that a sent string empties the field of the actual value; users read it back.
+// Kept: the text stays empty, so that a sent string empties the field of the actual value; users read it back.
 tResult sendString(const tParameter& to, const QString& input, QString&)
 {
     const QByteArray characters = input.left(maxVisibleString).toLatin1();
@@ -201,8 +201,8 @@ const tTransfer& transferOf(int type)
 
 } // namespace
 
-/// The entry in the form. Null when there is none to access: a box under `boxTitle` has then told the user why, and this
-/// window may be gone with it.
+/// The entry in the form. Null when there is none to access: a box under `boxTitle` has then told the user why, and
+/// this window may be gone with it.
 const CCANopenObjectEntry* CMDIWindow::selectedEntry(const QString& boxTitle)
 {
     const char* text = nullptr;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
+#include "DictionaryListView.h"
 #include "FieldRow.h"
 
 #include <QCheckBox>
@@ -13,7 +14,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSplitter>
-#include <QTreeWidget>
 
 #include <algorithm>
 
@@ -223,13 +223,12 @@ void CMDIWindow::createWidgets()
 
 void CMDIWindow::createDictionaryListView(QSplitter* parent)
 {
-    m_dictionaryListView = new QTreeWidget(parent);
+    m_dictionaryListView = new CDictionaryListView(parent);
     fieldRow::describe(m_dictionaryListView, listViewText);
     m_dictionaryListView->setHeaderLabel(QLatin1String(listViewText.label));
     m_dictionaryListView->setSelectionMode(QAbstractItemView::SingleSelection);
     m_dictionaryListView->setIndentation(15);
     m_dictionaryListView->setUniformRowHeights(true);
-    m_dictionaryListView->installEventFilter(this);
 
     // The column is as wide as the texts on screen, so that long names scroll instead of being cut.
     QHeaderView* header = m_dictionaryListView->header();
@@ -268,6 +267,7 @@ void CMDIWindow::createDataAccess()
     addFields(m_accessGroupBox, m_dataAccess, accessFields);
     m_dataAccess.m_inputLineEdit->setReadOnly(false);
     m_dataAccess.m_inputLineEdit->setFocusPolicy(Qt::StrongFocus);
+    m_dataAccess.m_outputLineEdit->setFocusPolicy(Qt::StrongFocus); // so that the keys reach the value to copy it
 
     QGridLayout* grid = gridOf(m_accessGroupBox);
     grid->setColumnStretch(3, 0);
@@ -285,8 +285,8 @@ void CMDIWindow::createDataAccess()
 
 void CMDIWindow::connectWidgets()
 {
-    // Return and Enter in the tree arrive through the event filter.
-    connect(m_dictionaryListView, &QTreeWidget::itemPressed, this, &CMDIWindow::mouseLeftPressed);
+    connect(m_dictionaryListView, &CDictionaryListView::pressed, this, &CMDIWindow::mouseLeftPressed);
+    connect(m_dictionaryListView, &CDictionaryListView::returnPressed, this, &CMDIWindow::returnKeyPressed);
     connect(m_dataAccess.m_inputLineEdit, &QLineEdit::returnPressed, this, &CMDIWindow::buttonSendClicked);
     connect(m_dataAccess.m_sendPushButton, &QPushButton::clicked, this, &CMDIWindow::buttonSendClicked);
     connect(m_dataAccess.m_readPushButton, &QPushButton::clicked, this, &CMDIWindow::buttonReadClicked);

@@ -11,12 +11,15 @@ using entry = CCANopenObjectEntry;
 using namespace valueFormats;
 
 // One row a data type, one column a display mode, in the order of the modes' numbers.
+constexpr int modeDecimal = 1;
+constexpr int modeOctal = 2; // every other mode is hexadecimal
+
 struct tFormats {
     const char* hexadecimal;
     const char* decimal;
     const char* octal;
 
-    const char* of(int mode) const { return mode == 1 ? decimal : mode == 2 ? octal : hexadecimal; }
+    const char* of(int mode) const { return mode == modeDecimal ? decimal : mode == modeOctal ? octal : hexadecimal; }
 };
 
 struct tIntegerFormat {
@@ -57,7 +60,7 @@ QString valueFormats::integer(int type, tDirection direction, std::uint32_t bits
         const tFormats& formats = direction == sent ? row.whenSent : row.whenRead;
         const unsigned long value = bits & (0xFFFFFFFFUL >> (32 - row.bits));
         // Hexadecimal and octal show the bits of a negative value, in its own width.
-        if (row.isSigned && formats.of(mode) == formats.decimal)
+        if (row.isSigned && mode == modeDecimal)
             return QString::asprintf(formats.decimal, signedValue(value, row.bits));
         return QString::asprintf(formats.of(mode), value);
     }

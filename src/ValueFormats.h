@@ -12,9 +12,9 @@ namespace valueFormats
 /// Whether a value has been read from a device or is about to be sent to it.
 enum tDirection { read, sent };
 
-/// The text of an integer. `type` is the number of the data type, Integer8 to Unsigned32; `bits` holds the value as two's
-/// complement, of which only as many bits count as the type has. `mode` is the number of the display mode: 1 decimal,
-/// 2 octal, everything else hexadecimal. Empty for other data types.
+/// The text of an integer. `type` is the number of the data type, Integer8 to Unsigned32; `bits` holds the value as
+/// two's complement, of which only as many bits count as the type has. `mode` is the number of the display mode: 1
+/// decimal, 2 octal, everything else hexadecimal. Empty for other data types.
 /// Example: -1 as Integer8 is "-1", "377" or "0xFF".
 QString integer(int type, tDirection direction, std::uint32_t bits, int mode);
 

@@ -4,7 +4,7 @@
 
 class CCANopen;
 
-/// Reads the sheet (name as `QFile::encodeName` gives it) and adds what it describes to the dictionary, in time linear in
-/// the size of the file. A file that cannot be opened reads as an empty one.
+/// Reads the sheet (name as `QFile::encodeName` gives it) and adds what it describes to the dictionary, in time linear
+/// in the size of the file. A file that cannot be opened reads as an empty one.
 /// @return false after a line that is no INI line; what was read until then stays in the dictionary
 bool loadEdsFile(CCANopen& dictionary, const char* fileName);

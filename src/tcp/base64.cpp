@@ -35,8 +35,8 @@ bool base64_belongs(char character)
            (character >= 'A' && character <= 'Z') || character == '+' || character == '/';
 }
 
-/// Whether the character at `position` belongs to the alphabet. A position behind the group is looked at too, as long as
-/// no terminating zero stands between.
+/// Whether the character at `position` belongs to the alphabet. A position behind the group is looked at too, as long
+/// as no terminating zero stands between.
 static bool base64_belongs_at(const char* input, int length, int position)
 {
     for (int behind = length > 0 ? length : 0; behind < position; ++behind)

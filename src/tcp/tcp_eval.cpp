@@ -157,7 +157,8 @@ int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short
     return tcp_eval_sdo_text(line, length, buffer, size, abort, ascii2string);
 }
 
-/// The length of a message and its bytes, as far as there is room for them. Without a buffer the bytes are only checked.
+/// The length of a message and its bytes, as far as there is room for them. Without a buffer the bytes are only
+/// checked.
 static int32_t tcp_eval_data(const char* line, uint32_t* cursor, short* length, BYTE* data)
 {
     if (!ascii2integer16(line, cursor, length))

@@ -4,8 +4,9 @@
 
 #include "CANopenErrors.h"
 
-// Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items, what follows
-// the last expected one is not looked at, and the sequence number in brackets may be any. The line is never modified.
+// Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items, what
+// follows the last expected one is not looked at, and the sequence number in brackets may be any. The line is never
+// modified.
 //
 // They share these results:
 //   0          success
@@ -28,7 +29,8 @@ int32_t tcp_eval_sdo_unsigned8(const char* line, uint8_t* value, uint32_t* abort
 int32_t tcp_eval_sdo_unsigned16(const char* line, uint16_t* value, uint32_t* abort);
 int32_t tcp_eval_sdo_unsigned32(const char* line, uint32_t* value, uint32_t* abort);
 
-/// A signed number that fits the width, for example "[12] -128". Hexadecimal and octal forms are bit patterns: 0xFF is -1.
+/// A signed number that fits the width, for example "[12] -128". Hexadecimal and octal forms are bit patterns: 0xFF is
+/// -1.
 int32_t tcp_eval_sdo_integer8(const char* line, int8_t* value, uint32_t* abort);
 int32_t tcp_eval_sdo_integer16(const char* line, int16_t* value, uint32_t* abort);
 int32_t tcp_eval_sdo_integer32(const char* line, int32_t* value, uint32_t* abort);
@@ -41,8 +43,8 @@ int32_t tcp_eval_sdo_domain(const char* line, short* length, BYTE* buffer, short
 /// `size` - 1 characters and a terminating zero are stored, the rest is dropped; `length` counts the characters stored.
 int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short size, uint32_t* abort);
 
-/// Identifier, length and data bytes of a CAN message, for example "[3] 0x181 2 0x11 0x22". At most eight bytes are read
-/// into `data`, also when `length` says more.
+/// Identifier, length and data bytes of a CAN message, for example "[3] 0x181 2 0x11 0x22". At most eight bytes are
+/// read into `data`, also when `length` says more.
 /// @return -30 on "OK", which means that the gateway holds no message
 int32_t tcp_eval_can_message(const char* line, uint16_t* cob_id, short* length, BYTE* data);
 

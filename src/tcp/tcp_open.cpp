@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <type_traits>
 
 #include <arpa/inet.h>
@@ -54,7 +55,7 @@ static void top_append(const char* text)
     top_buffer[length + appended] = '\0';
 }
 
-/// Appends data in base64; the encoder cuts off what does not fit.
+/// Appends data in base64. Kept: what does not fit is cut off without notice, since a gateway's lines end there.
 static void top_append_base64(short length, const BYTE* data)
 {
     constexpr int last = top_line_size - 1;
@@ -74,15 +75,25 @@ static long top_sequence_of(const char* line)
     return line[0] == '[' ? std::strtol(line + 1, nullptr, 0) : 0;
 }
 
+/// Seconds of a clock that nobody sets.
+static time_t top_seconds()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec;
+}
+
 /// Reads one response line into `buffer`, at most `size` - 1 characters. `buffer` stays untouched until the first byte
-/// arrives and is terminated from then on. Waits up to 66 s for the whole line, since `select` writes the time that is
-/// left back; longer lines are cut and the rest is dropped.
+/// arrives and is terminated from then on. Waits up to 66 s for the whole line: `select` writes back what is left of
+/// the time that it waits, and a deadline ends a line whose bytes never stop. Longer lines are cut and the rest is
+/// dropped.
 /// @return the characters kept, CR LF included; fewer when the peer closes; 0 on time-out, whatever is kept
 static int top_readline(int socket, char* buffer, int size)
 {
     int count = 0;
     char byte = '\0';
     timeval rest = { top_line_timeout, 0 };
+    const time_t deadline = top_seconds() + top_line_timeout;
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(socket, &readable);
@@ -102,6 +113,8 @@ static int top_readline(int socket, char* buffer, int size)
         }
         if (byte == '\n')
             return count;
+        if (top_seconds() >= deadline)
+            return 0;
     }
     return 0;
 }
@@ -125,13 +138,13 @@ static int32_t top_exchange(Evaluator evaluator, Out... out)
 
     // Kept: without an answer this is the command itself; reads then succeed with its first word, as callers expect
     // from gateways that stay silent.
-    uint32_t abort = 0;
-    int32_t result = ERR_NO_ERROR;
-    if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>)
-        result = evaluator(top_buffer, out..., &abort);
-    else
-        result = evaluator(top_buffer, out...);
-    return result == ERR_SDO_ABORTED ? static_cast<int32_t>(abort) : result;
+    if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>) {
+        uint32_t abort = 0;
+        const int32_t result = evaluator(top_buffer, out..., &abort);
+        return result == ERR_SDO_ABORTED ? static_cast<int32_t>(abort) : result;
+    } else {
+        return evaluator(top_buffer, out...);
+    }
 }
 
 int32_t top_init(unsigned long addr, unsigned short port, _top_settings* settings, [[maybe_unused]] BYTE baudrate)
@@ -143,7 +156,7 @@ int32_t top_init(unsigned long addr, unsigned short port, _top_settings* setting
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(static_cast<uint32_t>(addr));
 
-    // Kept: an open connection is not closed first; programs end it with top_exit.
+    // Kept: an open connection is left alone; a caller that holds several ends each with top_exit before the next.
     top_client = socket(AF_INET, SOCK_STREAM, 0);
     if (top_client < 0)
         return top_connect_failed;

@@ -11,8 +11,9 @@ struct _top_settings {
     BYTE master; ///< the application's own node-id, 255 by default
 };
 
-// One connection at a time, from one thread only. Every command consumes a sequence number, also when it cannot be sent,
-// and blocks until the line with its number has arrived: at most 66 s for each line, lines with other numbers are skipped.
+// One connection at a time, from one thread only. Every command consumes a sequence number, also when it cannot be
+// sent, and blocks until the line with its number has arrived: at most 66 s for each line, lines with other numbers are
+// skipped.
 //
 // The commands share these results:
 //   0                  success
@@ -20,12 +21,13 @@ struct _top_settings {
 //   -70                the answer does not follow the grammar
 //   -600 - n           the gateway answered with the error number n
 //   0x05000000 and up  SDO transfers and info queries only: the device aborted the transfer with this abort code
-// Kept: without any answer the command itself is evaluated in its place, since both share one line buffer. Commands then
-// return -70, reads succeed with their own first word (the node-id, or "info"); gateways and stored habits rely on it.
+// Kept: without any answer the command itself is evaluated in its place, since both share one line buffer. Commands
+// then return -70, reads succeed with their own first word (the node-id, or "info"); gateways and stored habits rely on
+// it.
 
-/// Connects to the gateway at the IPv4 address `addr` and the TCP port `port`, both in host byte order; blocks as long as
-/// the operating system tries. `settings` may be null. `baudrate` is ignored: a gateway has its bit rate set elsewhere.
-/// The process ignores SIGPIPE from then on, so that a gateway that hangs up is an error code.
+/// Connects to the gateway at the IPv4 address `addr` and the TCP port `port`, both in host byte order; blocks as long
+/// as the operating system tries. `settings` may be null. `baudrate` is ignored: a gateway has its bit rate set
+/// elsewhere. The process ignores SIGPIPE from then on, so that a gateway that hangs up is an error code.
 /// @return 0, or -20000 without a connection
 int32_t top_init(unsigned long addr, unsigned short port, _top_settings* settings, BYTE baudrate);
 

@@ -4,8 +4,9 @@
 
 #include "CANopenErrors.h"
 
-// `text` is zero-terminated and `cursor` an index into it, which every function advances over what it takes, never beyond
-// the end. Except for `character` and `compare` they skip blanks and tabs first. Null pointers count as the end of the text.
+// `text` is zero-terminated and `cursor` an index into it, which every function advances over what it takes, never
+// beyond the end. Except for `character` and `compare` they skip blanks and tabs first. Null pointers count as the end
+// of the text.
 
 /// Tokens with a meaning of their own; the other keywords are recognised only to be refused.
 inline constexpr int tcp_token_error = 7;
@@ -41,7 +42,8 @@ int ascii2integer32(const char* text, uint32_t* cursor, int32_t* result);
 /// `length` becomes the number of bytes stored. @return 1, or 0 when a pointer is null
 int ascii2domain(const char* text, uint32_t* cursor, BYTE* buffer, short* length, short size);
 
-/// Takes a word of characters above the blank, or a text in double quotes in which "" stands for one quote. Stores up to
-/// `size` - 1 characters and a terminating zero; the rest is dropped. `length` becomes the number of characters stored.
+/// Takes a word of characters above the blank, or a text in double quotes in which "" stands for one quote. Stores up
+/// to `size` - 1 characters and a terminating zero; the rest is dropped. `length` becomes the number of characters
+/// stored.
 /// @return 1, or 0 when a pointer is null
 int ascii2string(const char* text, uint32_t* cursor, char* buffer, short* length, short size);

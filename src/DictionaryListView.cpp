@@ -1,0 +1,24 @@
+// Presses in the tree of a document.
+// SPDX-License-Identifier: MIT
+#include "DictionaryListView.h"
+
+#include <QKeyEvent>
+
+void CDictionaryListView::mousePressEvent(QMouseEvent* event)
+{
+    QTreeWidgetItem* pressedItem = nullptr;
+    const QMetaObject::Connection note =
+        connect(this, &QTreeWidget::itemPressed, this, [&pressedItem](QTreeWidgetItem* item) { pressedItem = item; });
+    QTreeWidget::mousePressEvent(event);
+    disconnect(note);
+    if (pressedItem != nullptr)
+        Q_EMIT pressed(pressedItem);
+}
+
+void CDictionaryListView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        return QTreeWidget::keyPressEvent(event);
+    event->accept();
+    Q_EMIT returnPressed(currentItem());
+}
