@@ -1,0 +1,18 @@
+// The SDO abort codes (CiA DS-301) that a simulated device answers with.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+using tAbortCode = std::uint32_t;
+
+inline constexpr tAbortCode abortNone = 0;
+inline constexpr tAbortCode abortWriteOnly = 0x06010001;  // a write-only entry was read
+inline constexpr tAbortCode abortReadOnly = 0x06010002;   // a read-only or constant entry was written
+inline constexpr tAbortCode abortNoObject = 0x06020000;   // the index is not in the dictionary
+inline constexpr tAbortCode abortLengthHigh = 0x06070012; // more bytes than the data type has
+inline constexpr tAbortCode abortLengthLow = 0x06070013;  // fewer bytes than the data type has
+inline constexpr tAbortCode abortNoSubIndex = 0x06090011; // the object has no such sub-index
+inline constexpr tAbortCode abortValueHigh = 0x06090031;  // above the high limit
+inline constexpr tAbortCode abortValueLow = 0x06090032;   // below the low limit
+inline constexpr tAbortCode abortNotStored = 0x08000020;  // not the signature that stores or restores

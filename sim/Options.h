@@ -1,0 +1,28 @@
+// The command line of the simulator.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Faults.h"
+
+#include <QHostAddress>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+struct tNodeOption {
+    unsigned nodeId;
+    QString fileName;
+};
+
+struct tOptions {
+    QHostAddress address = QHostAddress(QHostAddress::LocalHost);
+    quint16 port = 0; // 0: any free one
+    QList<tNodeOption> nodes;
+    QList<tFault> faults;
+    bool verbose = false;
+    QString output;  // to be printed instead of running, for --help and --version
+    QString trouble; // what is wrong with the options; empty when nothing is
+};
+
+/// Reads the arguments, the program's name first. Files are not opened.
+tOptions readOptions(const QStringList& arguments);

@@ -1,0 +1,161 @@
+// The data type words of the gateway: texts of values to bytes and back.
+// SPDX-License-Identifier: MIT
+#include "GatewayTypes.h"
+
+#include <QTest>
+
+namespace
+{
+
+QByteArray hex(const char* digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+} // namespace
+
+class TestGatewayTypes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void valuesAreEncodedAndDecoded_data();
+    void valuesAreEncodedAndDecoded();
+    void wrongValuesAreRefused_data();
+    void wrongValuesAreRefused();
+    void wordsAreFoundInAnyCase();
+    void wordsThatAreNotServedAreKnown_data();
+    void wordsThatAreNotServedAreKnown();
+    void base64WithoutPaddingIsTaken();
+    void bytesAreShownAsTextOrOctets();
+};
+
+void TestGatewayTypes::valuesAreEncodedAndDecoded_data()
+{
+    QTest::addColumn<QByteArray>("word");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("answer");
+    struct tRow {
+        const char* word;
+        const char* text;
+        QByteArray bytes;
+        const char* answer;
+    };
+    for (const tRow& row : std::initializer_list<tRow>{
+             { "b", "1", hex("01"), "1" },
+             { "u8", "0xF", hex("0F"), "0x0F" },
+             { "u8", "255", hex("FF"), "0xFF" },
+             { "u16", "0x1234", hex("3412"), "0x1234" },
+             { "u24", "0x10203", hex("030201"), "0x010203" },
+             { "u32", "0xFFFFFFFF", hex("FFFFFFFF"), "0xFFFFFFFF" },
+             { "u40", "1", hex("0100000000"), "0x0000000001" },
+             { "u48", "1", hex("010000000000"), "0x000000000001" },
+             { "u56", "1", hex("01000000000000"), "0x00000000000001" },
+             { "u64", "0xFFFFFFFFFFFFFFFF", hex("FFFFFFFFFFFFFFFF"), "0xFFFFFFFFFFFFFFFF" },
+             { "i8", "-128", hex("80"), "-128" },
+             { "i8", "0xFF", hex("FF"), "-1" },
+             { "i8", "+127", hex("7F"), "127" },
+             { "i16", "-2", hex("FEFF"), "-2" },
+             { "i24", "-2", hex("FEFFFF"), "-2" },
+             { "i32", "-2147483648", hex("00000080"), "-2147483648" },
+             { "i40", "-2", hex("FEFFFFFFFF"), "-2" },
+             { "i48", "-2", hex("FEFFFFFFFFFF"), "-2" },
+             { "i56", "-2", hex("FEFFFFFFFFFFFF"), "-2" },
+             { "i64", "-9223372036854775808", hex("0000000000000080"), "-9223372036854775808" },
+             { "r32", "1.5", hex("0000C03F"), "1.5" },
+             { "r32", "0x3FC00000", hex("0000C03F"), "1.5" },
+             { "r64", "2.5", hex("0000000000000440"), "2.5" },
+             { "d", "QUJD", "ABC", "QUJD" },
+             { "d", "QQ==", "A", "QQ==" },
+             { "d", "QUI=", "AB", "QUI=" },
+             { "d", "AP+/", hex("00FFBF"), "AP+/" },
+             { "d", "", "", "=" },
+             { "vs", "word", "word", "\"word\"" },
+             { "vs", "\"two words\"", "two words", "\"two words\"" },
+             { "vs", "\"a \"\"quote\"\"\"", "a \"quote\"", "\"a \"\"quote\"\"\"" },
+             { "vs", "\"\"", "", "\"\"" },
+         })
+        QTest::addRow("%s %s", row.word, row.text)
+            << QByteArray(row.word) << QByteArray(row.text) << row.bytes << QByteArray(row.answer);
+}
+
+void TestGatewayTypes::valuesAreEncodedAndDecoded()
+{
+    QFETCH(QByteArray, word);
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, answer);
+    const tGatewayType* type = gatewayType(word);
+    QVERIFY(type);
+    const auto encoded = type->encode(text, type->type);
+    QVERIFY(encoded.has_value());
+    QCOMPARE(*encoded, bytes);
+    QCOMPARE(type->decode(bytes, type->type), answer);
+}
+
+void TestGatewayTypes::wrongValuesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("word");
+    QTest::addColumn<QByteArray>("text");
+    for (auto [word, text] :
+         std::initializer_list<std::pair<const char*, const char*>>{ { "u8", "256" },       { "u8", "-1" },
+                                                                     { "u8", "" },          { "u8", "1 2" },
+                                                                     { "u8", "x" },         { "u16", "0x10000" },
+                                                                     { "i8", "128" },       { "i8", "-129" },
+                                                                     { "i8", "0x100" },     { "b", "256" },
+                                                                     { "b", "true" },       { "r32", "one" },
+                                                                     { "d", "QUJD!" },      { "d", "QUJD QUJD" },
+                                                                     { "d", "Q=U=" },       { "vs", "" },
+                                                                     { "vs", "two words" }, { "vs", "\"" },
+                                                                     { "vs", "\"open" },    { "vs", "\"a\" b\"" } })
+        QTest::addRow("%s %s", word, text) << QByteArray(word) << QByteArray(text);
+}
+
+void TestGatewayTypes::wrongValuesAreRefused()
+{
+    QFETCH(QByteArray, word);
+    QFETCH(QByteArray, text);
+    const tGatewayType* type = gatewayType(word);
+    QVERIFY(type);
+    QVERIFY(!type->encode(text, type->type).has_value());
+}
+
+void TestGatewayTypes::wordsAreFoundInAnyCase()
+{
+    QCOMPARE(gatewayType("U16"), gatewayType("u16"));
+    QVERIFY(gatewayType("D"));
+    for (const char* word : { "", "u", "u12", "u160", "x" })
+        QVERIFY(!gatewayType(word));
+}
+
+void TestGatewayTypes::wordsThatAreNotServedAreKnown_data()
+{
+    QTest::addColumn<QByteArray>("word");
+    for (const char* word : { "os", "us", "t", "td" })
+        QTest::newRow(word) << QByteArray(word);
+}
+
+void TestGatewayTypes::wordsThatAreNotServedAreKnown()
+{
+    QFETCH(QByteArray, word);
+    const tGatewayType* type = gatewayType(word);
+    QVERIFY(type);
+    QVERIFY(!type->encode);
+}
+
+void TestGatewayTypes::base64WithoutPaddingIsTaken()
+{
+    const tGatewayType* type = gatewayType("d");
+    QCOMPARE(type->encode("QQ", type->type).value(), QByteArray("A"));
+}
+
+void TestGatewayTypes::bytesAreShownAsTextOrOctets()
+{
+    QCOMPARE(readable("Velmora"), QByteArray("\"Velmora\""));
+    QCOMPARE(readable(""), QByteArray("\"\""));
+    QCOMPARE(readable(hex("00FF41")), QByteArray("00 FF 41"));
+}
+
+QTEST_GUILESS_MAIN(TestGatewayTypes)
+#include "TestGatewayTypes.moc"

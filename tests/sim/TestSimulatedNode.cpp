@@ -1,0 +1,411 @@
+// The object store of a simulated device: access rights, widths, limits, stored values and NMT states.
+// SPDX-License-Identifier: MIT
+#include "SheetFile.h"
+#include "SimulatedNetwork.h"
+
+#include <QTest>
+
+namespace
+{
+
+const char sheet[] = R"([MandatoryObjects]
+1=0x1005
+2=0x1010
+3=0x1011
+4=0x1017
+[ManufacturerObjects]
+1=0x2000
+2=0x2001
+3=0x2002
+4=0x2003
+5=0x2004
+6=0x2005
+7=0x2006
+8=0x2007
+9=0x2008
+10=0x6000
+[1005]
+ParameterName=COB-ID
+ObjectType=0x7
+DataType=0x0007
+AccessType=rw
+DefaultValue=$NODEID+0x80
+[1010]
+ParameterName=Store
+ObjectType=0x8
+[1010sub0]
+DataType=0x0005
+AccessType=ro
+DefaultValue=4
+[1010sub1]
+DataType=0x0007
+AccessType=rw
+DefaultValue=1
+[1010sub2]
+DataType=0x0007
+AccessType=rw
+DefaultValue=1
+[1010sub4]
+DataType=0x0007
+AccessType=rw
+DefaultValue=1
+[1011]
+ParameterName=Restore
+ObjectType=0x8
+[1011sub1]
+DataType=0x0007
+AccessType=rw
+DefaultValue=1
+[1017]
+ParameterName=Heartbeat
+ObjectType=0x7
+DataType=0x0006
+AccessType=rw
+DefaultValue=1000
+[2000]
+ParameterName=Read only
+ObjectType=0x7
+DataType=0x0006
+AccessType=ro
+DefaultValue=0x1234
+[2001]
+ParameterName=Write only
+ObjectType=0x7
+DataType=0x0006
+AccessType=wo
+[2002]
+ParameterName=Constant
+ObjectType=0x7
+DataType=0x0006
+AccessType=const
+DefaultValue=7
+[2003]
+ParameterName=Signed with limits
+ObjectType=0x7
+DataType=0x0002
+LowLimit=-10
+HighLimit=0x14
+AccessType=rw
+DefaultValue=5
+[2004]
+ParameterName=Unsigned with limits
+ObjectType=0x7
+DataType=0x0007
+LowLimit=0x10
+HighLimit=$NODEID+0x100
+AccessType=rwr
+DefaultValue=0x20
+[2005]
+ParameterName=Boolean
+ObjectType=0x7
+DataType=0x0001
+AccessType=rww
+[2006]
+ParameterName=Text
+ObjectType=0x7
+DataType=0x0009
+AccessType=rw
+DefaultValue=Velmora
+[2007]
+ParameterName=Real with limits
+ObjectType=0x7
+DataType=0x0008
+LowLimit=-1.5
+HighLimit=2.5
+AccessType=rw
+[2008]
+ParameterName=Array without entries
+ObjectType=0x8
+[6000]
+ParameterName=Array
+ObjectType=0x8
+[6000sub0]
+DataType=0x0005
+AccessType=ro
+DefaultValue=2
+[6000sub2]
+DataType=0x0004
+AccessType=rw
+DefaultValue=-2
+[6000sub2]
+DataType=0x0005
+AccessType=ro
+DefaultValue=9
+)";
+
+QByteArray hex(const char* digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+const QByteArray saveSignature("save");
+const QByteArray loadSignature("load");
+
+} // namespace
+
+class TestSimulatedNode : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void defaultsAreRead_data();
+    void defaultsAreRead();
+    void missingAndWriteOnlyEntriesAbortTheRead_data();
+    void missingAndWriteOnlyEntriesAbortTheRead();
+    void refusedWritesAbortAndChangeNothing_data();
+    void refusedWritesAbortAndChangeNothing();
+    void writtenValuesAreReadBack_data();
+    void writtenValuesAreReadBack();
+    void devicesOfOneSheetKeepTheirOwnValues();
+    void resetPutsDefaultsBack();
+    void resetOfCommunicationLeavesOtherObjects();
+    void savedValuesSurviveAReset();
+    void savedCommunicationIsOnlyThat();
+    void loadBringsTheDefaultsBackAtTheNextReset();
+    void wrongSignatureIsRefused();
+    void stoppedDeviceAnswersNoSdo();
+    void commandToAllReachesEachDevice();
+    void sheetsThatCannotBeServedAreRefused_data();
+    void sheetsThatCannotBeServedAreRefused();
+
+private:
+    CSheetFile m_sheet{ sheet };
+    std::unique_ptr<CSimulatedNetwork> m_network;
+    CSimulatedNode* m_node = nullptr;
+};
+
+void TestSimulatedNode::init()
+{
+    m_network = std::make_unique<CSimulatedNetwork>();
+    QCOMPARE(m_network->add(5, m_sheet.name()), QString());
+    m_node = m_network->node(5);
+    QVERIFY(m_node);
+    QCOMPARE(m_node->objectCount(), 14);
+    QCOMPARE(m_node->state(), statePreOperational);
+}
+
+void TestSimulatedNode::defaultsAreRead_data()
+{
+    QTest::addColumn<unsigned>("index");
+    QTest::addColumn<unsigned>("subIndex");
+    QTest::addColumn<QByteArray>("data");
+    QTest::newRow("node-id") << 0x1005U << 0U << hex("85000000");
+    QTest::newRow("read only") << 0x2000U << 0U << hex("3412");
+    QTest::newRow("constant") << 0x2002U << 0U << hex("0700");
+    QTest::newRow("missing default") << 0x2005U << 0U << hex("00");
+    QTest::newRow("text") << 0x2006U << 0U << QByteArray("Velmora");
+    QTest::newRow("array size") << 0x6000U << 0U << hex("02");
+    QTest::newRow("first of two descriptions") << 0x6000U << 2U << hex("FEFFFFFF");
+}
+
+void TestSimulatedNode::defaultsAreRead()
+{
+    QFETCH(unsigned, index);
+    QFETCH(unsigned, subIndex);
+    QFETCH(QByteArray, data);
+    const tSdoData result = m_node->read(index, subIndex);
+    QCOMPARE(result.abortCode, abortNone);
+    QCOMPARE(result.data, data);
+}
+
+void TestSimulatedNode::missingAndWriteOnlyEntriesAbortTheRead_data()
+{
+    QTest::addColumn<unsigned>("index");
+    QTest::addColumn<unsigned>("subIndex");
+    QTest::addColumn<tAbortCode>("code");
+    QTest::newRow("object") << 0x5FFFU << 0U << 0x06020000U;
+    QTest::newRow("sub-index of a variable") << 0x2000U << 1U << 0x06090011U;
+    QTest::newRow("sub-index of an array") << 0x6000U << 1U << 0x06090011U;
+    QTest::newRow("array without entries") << 0x2008U << 0U << 0x06090011U;
+    QTest::newRow("write-only") << 0x2001U << 0U << 0x06010001U;
+}
+
+void TestSimulatedNode::missingAndWriteOnlyEntriesAbortTheRead()
+{
+    QFETCH(unsigned, index);
+    QFETCH(unsigned, subIndex);
+    QFETCH(tAbortCode, code);
+    QCOMPARE(m_node->read(index, subIndex).abortCode, code);
+}
+
+void TestSimulatedNode::refusedWritesAbortAndChangeNothing_data()
+{
+    QTest::addColumn<unsigned>("index");
+    QTest::addColumn<unsigned>("subIndex");
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<tAbortCode>("code");
+    QTest::newRow("object") << 0x5FFFU << 0U << hex("00") << 0x06020000U;
+    QTest::newRow("sub-index") << 0x2003U << 1U << hex("00") << 0x06090011U;
+    QTest::newRow("read only") << 0x2000U << 0U << hex("0000") << 0x06010002U;
+    QTest::newRow("read only, wrong length") << 0x2000U << 0U << hex("00") << 0x06010002U;
+    QTest::newRow("constant") << 0x2002U << 0U << hex("0000") << 0x06010002U;
+    QTest::newRow("too long") << 0x2003U << 0U << hex("0000") << 0x06070012U;
+    QTest::newRow("too short") << 0x2004U << 0U << hex("0000") << 0x06070013U;
+    QTest::newRow("empty") << 0x2004U << 0U << QByteArray() << 0x06070013U;
+    QTest::newRow("signed above") << 0x2003U << 0U << hex("15") << 0x06090031U;
+    QTest::newRow("signed below") << 0x2003U << 0U << hex("F5") << 0x06090032U;
+    QTest::newRow("unsigned above") << 0x2004U << 0U << hex("06010000") << 0x06090031U;
+    QTest::newRow("unsigned far above") << 0x2004U << 0U << hex("FFFFFFFF") << 0x06090031U;
+    QTest::newRow("unsigned below") << 0x2004U << 0U << hex("0F000000") << 0x06090032U;
+    QTest::newRow("neither true nor false") << 0x2005U << 0U << hex("02") << 0x06090031U;
+    QTest::newRow("real above") << 0x2007U << 0U << hex("00004040") << 0x06090031U;
+    QTest::newRow("real below") << 0x2007U << 0U << hex("000000C0") << 0x06090032U;
+}
+
+void TestSimulatedNode::refusedWritesAbortAndChangeNothing()
+{
+    QFETCH(unsigned, index);
+    QFETCH(unsigned, subIndex);
+    QFETCH(QByteArray, data);
+    QFETCH(tAbortCode, code);
+    const QByteArray before = m_node->read(index, subIndex).data;
+    QCOMPARE(m_node->write(index, subIndex, data), code);
+    QCOMPARE(m_node->read(index, subIndex).data, before);
+}
+
+void TestSimulatedNode::writtenValuesAreReadBack_data()
+{
+    QTest::addColumn<unsigned>("index");
+    QTest::addColumn<QByteArray>("data");
+    QTest::newRow("low limit, signed") << 0x2003U << hex("F6");
+    QTest::newRow("high limit, signed") << 0x2003U << hex("14");
+    QTest::newRow("low limit, unsigned") << 0x2004U << hex("10000000");
+    QTest::newRow("high limit, with node-id") << 0x2004U << hex("05010000");
+    QTest::newRow("true") << 0x2005U << hex("01");
+    QTest::newRow("longer text") << 0x2006U << QByteArray(300, 'x');
+    QTest::newRow("no text") << 0x2006U << QByteArray();
+    QTest::newRow("real") << 0x2007U << hex("0000C0BF");
+}
+
+void TestSimulatedNode::writtenValuesAreReadBack()
+{
+    QFETCH(unsigned, index);
+    QFETCH(QByteArray, data);
+    QCOMPARE(m_node->write(index, 0, data), abortNone);
+    QCOMPARE(m_node->read(index, 0).data, data);
+}
+
+void TestSimulatedNode::devicesOfOneSheetKeepTheirOwnValues()
+{
+    QCOMPARE(m_network->add(7, m_sheet.name()), QString());
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_network->node(7)->read(0x2003, 0).data, hex("05"));
+    QCOMPARE(m_network->node(7)->read(0x1005, 0).data, hex("87000000"));
+}
+
+void TestSimulatedNode::resetPutsDefaultsBack()
+{
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x1017, 0, hex("0000")), abortNone);
+    m_node->command(nmtResetNode);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("05"));
+    QCOMPARE(m_node->read(0x1017, 0).data, hex("E803"));
+}
+
+void TestSimulatedNode::resetOfCommunicationLeavesOtherObjects()
+{
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x1017, 0, hex("0000")), abortNone);
+    m_node->command(nmtResetCommunication);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("01"));
+    QCOMPARE(m_node->read(0x1017, 0).data, hex("E803"));
+}
+
+void TestSimulatedNode::savedValuesSurviveAReset()
+{
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x1010, 1, saveSignature), abortNone);
+    QCOMPARE(m_node->write(0x2003, 0, hex("02")), abortNone);
+    m_node->command(nmtResetNode);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("01"));
+    QCOMPARE(m_node->read(0x1010, 1).data, hex("01000000"));
+}
+
+void TestSimulatedNode::savedCommunicationIsOnlyThat()
+{
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x1017, 0, hex("0000")), abortNone);
+    QCOMPARE(m_node->write(0x1010, 2, saveSignature), abortNone);
+    m_node->command(nmtResetNode);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("05"));
+    QCOMPARE(m_node->read(0x1017, 0).data, hex("0000"));
+}
+
+void TestSimulatedNode::loadBringsTheDefaultsBackAtTheNextReset()
+{
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x1010, 4, saveSignature), abortNone);
+    QCOMPARE(m_node->write(0x1011, 1, loadSignature), abortNone);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("01"));
+    m_node->command(nmtResetNode);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("05"));
+}
+
+void TestSimulatedNode::wrongSignatureIsRefused()
+{
+    QCOMPARE(m_node->write(0x1010, 1, loadSignature), 0x08000020U);
+    QCOMPARE(m_node->write(0x1011, 1, saveSignature), 0x08000020U);
+    QCOMPARE(m_node->write(0x1010, 1, "sav"), 0x06070013U);
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    m_node->command(nmtResetNode);
+    QCOMPARE(m_node->read(0x2003, 0).data, hex("05"));
+}
+
+void TestSimulatedNode::stoppedDeviceAnswersNoSdo()
+{
+    struct tRow {
+        tNmtCommand command;
+        tNmtState state;
+        bool answers;
+    };
+    for (const tRow& row : std::initializer_list<tRow>{ { nmtStart, stateOperational, true },
+                                                        { nmtStop, stateStopped, false },
+                                                        { nmtPreOperational, statePreOperational, true },
+                                                        { nmtStop, stateStopped, false },
+                                                        { nmtResetNode, statePreOperational, true },
+                                                        { nmtStop, stateStopped, false },
+                                                        { nmtResetCommunication, statePreOperational, true } }) {
+        m_node->command(row.command);
+        QCOMPARE(m_node->state(), row.state);
+        QCOMPARE(m_node->answersSdo(), row.answers);
+    }
+}
+
+void TestSimulatedNode::commandToAllReachesEachDevice()
+{
+    QCOMPARE(m_network->add(7, m_sheet.name()), QString());
+    m_network->command(0, nmtStart);
+    QCOMPARE(m_node->state(), stateOperational);
+    QCOMPARE(m_network->node(7)->state(), stateOperational);
+    m_network->command(7, nmtStop);
+    QCOMPARE(m_node->state(), stateOperational);
+    QCOMPARE(m_network->node(7)->state(), stateStopped);
+    m_network->command(6, nmtStop); // nobody is there: nothing happens
+    QCOMPARE(m_node->state(), stateOperational);
+}
+
+void TestSimulatedNode::sheetsThatCannotBeServedAreRefused_data()
+{
+    QTest::addColumn<unsigned>("nodeId");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("node 0") << 0U << QByteArray(sheet) << QStringLiteral("node-id 0 is not in 1 to 127");
+    QTest::newRow("node 128") << 128U << QByteArray(sheet) << QStringLiteral("node-id 128 is not in 1 to 127");
+    QTest::newRow("node taken") << 5U << QByteArray(sheet) << QStringLiteral("node-id 5 is given twice");
+    QTest::newRow("syntax error") << 6U << QByteArray("[1000\n") << QStringLiteral("not a valid data sheet: %1");
+    QTest::newRow("empty") << 6U << QByteArray() << QStringLiteral("no objects in %1");
+}
+
+void TestSimulatedNode::sheetsThatCannotBeServedAreRefused()
+{
+    QFETCH(unsigned, nodeId);
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    const CSheetFile file(text);
+    QCOMPARE(m_network->add(nodeId, file.name()),
+             message.contains(QLatin1String("%1")) ? message.arg(file.name()) : message);
+}
+
+QTEST_GUILESS_MAIN(TestSimulatedNode)
+#include "TestSimulatedNode.moc"

@@ -1,0 +1,204 @@
+// The program itself: its options, messages, exit statuses and log.
+// SPDX-License-Identifier: MIT
+#include "SheetFile.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTest>
+
+#include <csignal>
+
+namespace
+{
+
+constexpr int timeLimit = 30000;
+
+QString demoSheet()
+{
+    return QStringLiteral(VELMORA_SHARE "/velmora-demo.eds");
+}
+QString demoNode()
+{
+    return QStringLiteral("5=") + demoSheet();
+}
+
+// Runs to the end; the exit status, -1 when it does not end.
+int run(QProcess& process, const QStringList& arguments)
+{
+    process.start(QStringLiteral(VELMORA_SIM), arguments);
+    return process.waitForFinished(timeLimit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+// Starts and waits until it serves; the port, 0 when it does not.
+quint16 serve(QProcess& process, const QStringList& arguments, QByteArray* output)
+{
+    process.start(QStringLiteral(VELMORA_SIM), arguments);
+    const QRegularExpression ready(QStringLiteral("velmora-sim: gateway on 127.0.0.1 port (\\d+)\n"));
+    QRegularExpressionMatch match;
+    while (!match.hasMatch()) {
+        if (!process.waitForReadyRead(timeLimit))
+            return 0;
+        *output += process.readAllStandardOutput();
+        match = ready.match(QString::fromLatin1(*output));
+    }
+    return static_cast<quint16>(match.captured(1).toUInt());
+}
+
+} // namespace
+
+class TestSimulatorProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void badOptionsEndWithStatus2_data();
+    void badOptionsEndWithStatus2();
+    void occupiedPortEndsWithStatus1();
+    void helpAndVersionEndWithStatus0();
+    void servesUntilASignalComes_data();
+    void servesUntilASignalComes();
+    void logFollowsTheCommands();
+    void withoutLogOnlyTheStartIsPrinted();
+    void faultOptionMisbehaves();
+};
+
+void TestSimulatorProgram::badOptionsEndWithStatus2_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    const auto row = [](const char* name, const char* arguments, const QString& message) {
+        QStringList list = QString::fromLatin1(arguments).split(u' ', Qt::SkipEmptyParts);
+        list.replaceInStrings(QStringLiteral("DEMO"), demoNode());
+        list.replaceInStrings(QStringLiteral("SHEET"), demoSheet());
+        QTest::newRow(name) << list << message;
+    };
+    row("none", "", QStringLiteral("--gateway [ADDRESS:]PORT is missing"));
+    row("no node", "--gateway 0", QStringLiteral("--node ID=FILE is missing"));
+    row("unknown option", "--gateway 0 --node DEMO --fast", QStringLiteral("Unknown option 'fast'."));
+    row("no value", "--gateway", QStringLiteral("Missing value after '--gateway'."));
+    row("argument", "--gateway 0 --node DEMO now", QStringLiteral("unexpected argument: now"));
+    row("port", "--gateway 65536 --node DEMO", QStringLiteral("--gateway 65536: the port is not in 0 to 65535"));
+    row("no port", "--gateway x --node DEMO", QStringLiteral("--gateway x: the port is not in 0 to 65535"));
+    row("address", "--gateway nowhere:0 --node DEMO", QStringLiteral("--gateway nowhere:0: no such address"));
+    row("node without file", "--gateway 0 --node 5", QStringLiteral("--node 5: expected ID=FILE"));
+    row("node with empty file", "--gateway 0 --node 5=", QStringLiteral("--node 5=: expected ID=FILE"));
+    row("node 0", "--gateway 0 --node 0=x", QStringLiteral("--node 0=x: the node-id is not in 1 to 127"));
+    row("node 128", "--gateway 0 --node 128=x", QStringLiteral("--node 128=x: the node-id is not in 1 to 127"));
+    row("node twice", "--gateway 0 --node DEMO --node DEMO", QStringLiteral("node-id 5 is given twice"));
+    row("missing file", "--gateway 0 --node 5=/no/such.eds", QStringLiteral("no such file: /no/such.eds"));
+    row("folder", "--gateway 0 --node 5=/tmp", QStringLiteral("not a file: /tmp"));
+    row("fault", "--gateway 0 --node DEMO --fault noise", QStringLiteral("fault \"noise\": unknown kind"));
+}
+
+void TestSimulatorProgram::badOptionsEndWithStatus2()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    QProcess process;
+    QCOMPARE(run(process, arguments), 2);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(QString::fromLocal8Bit(process.readAllStandardError()),
+             QStringLiteral("velmora-sim: %1\nTry 'velmora-sim --help'.\n").arg(message));
+}
+
+void TestSimulatorProgram::occupiedPortEndsWithStatus1()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const QString port = QString::number(server.serverPort());
+    QProcess process;
+    QCOMPARE(run(process, { QStringLiteral("--gateway"), port, QStringLiteral("--node"), demoNode() }), 1);
+    const QByteArray message = process.readAllStandardError();
+    QCOMPARE(message, "velmora-sim: cannot serve port " + port.toLatin1() + ": The bound address is already in use\n");
+}
+
+void TestSimulatorProgram::helpAndVersionEndWithStatus0()
+{
+    QProcess help;
+    QCOMPARE(run(help, { QStringLiteral("--help") }), 0);
+    const QByteArray text = help.readAllStandardOutput();
+    for (const char* word : { "--gateway", "--node", "--fault", "silence", "delay", "drop", "garbage", "sequence",
+                              "double", "bytewise", "overlong", "error", "abort" })
+        QVERIFY2(text.contains(word), word);
+    QProcess version;
+    QCOMPARE(run(version, { QStringLiteral("--version") }), 0);
+    QVERIFY(version.readAllStandardOutput().startsWith("velmora-sim "));
+}
+
+void TestSimulatorProgram::servesUntilASignalComes_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void TestSimulatorProgram::servesUntilASignalComes()
+{
+    QFETCH(int, signal);
+    QProcess process;
+    QByteArray output;
+    const quint16 port = serve(
+        process, { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode() }, &output);
+    QVERIFY(port != 0);
+    CLineClient client(port);
+    QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    QVERIFY(process.waitForFinished(timeLimit));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+}
+
+void TestSimulatorProgram::logFollowsTheCommands()
+{
+    QProcess process;
+    QByteArray output;
+    const quint16 port = serve(process,
+                               { QStringLiteral("--gateway"), QStringLiteral("127.0.0.1:0"), QStringLiteral("--node"),
+                                 demoNode(), QStringLiteral("-v") },
+                               &output);
+    QVERIFY(port != 0);
+    QVERIFY(output.startsWith("node 5: " + demoSheet().toLocal8Bit() + " ("));
+    CLineClient client(port);
+    QCOMPARE(client.ask("[1] 5 write 0x2005 0x0 u16 0x1234"), QByteArray("[1] OK"));
+    QCOMPARE(client.ask("[2] 5 read 0x2005 0x0 u16"), QByteArray("[2] 0x1234"));
+    while (!output.contains("> [2]") && process.waitForReadyRead(timeLimit))
+        output += process.readAllStandardOutput();
+    QVERIFY(output.contains("\nnode 5 write 0x2005 0x00 u16 0x1234 = OK\n"));
+    QVERIFY(output.contains("\nnode 5 read 0x2005 0x00 u16 = 0x1234\n"));
+    process.kill();
+    process.waitForFinished(timeLimit);
+}
+
+void TestSimulatorProgram::withoutLogOnlyTheStartIsPrinted()
+{
+    QProcess process;
+    QByteArray output;
+    const quint16 port = serve(
+        process, { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode() }, &output);
+    CLineClient client(port);
+    QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
+    process.terminate();
+    QVERIFY(process.waitForFinished(timeLimit));
+    output += process.readAllStandardOutput();
+    QCOMPARE(output.count('\n'), 2);
+}
+
+void TestSimulatorProgram::faultOptionMisbehaves()
+{
+    QProcess process;
+    QByteArray output;
+    const quint16 port = serve(process,
+                               { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode(),
+                                 QStringLiteral("--fault"), QStringLiteral("abort=0x08000021@2005"),
+                                 QStringLiteral("--fault"), QStringLiteral("error=105@2004") },
+                               &output);
+    CLineClient client(port);
+    QCOMPARE(client.ask("[1] 5 read 0x2005 0x0 u16"), QByteArray("[1] ERROR: 0x08000021"));
+    QCOMPARE(client.ask("[2] 5 read 0x2004 0x0 u8"), QByteArray("[2] ERROR: 105"));
+    process.terminate();
+    QVERIFY(process.waitForFinished(timeLimit));
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorProgram)
+#include "TestSimulatorProgram.moc"
