@@ -1,0 +1,62 @@
+// A line whose bytes never stop is left when its time has passed by the clock.
+// SPDX-License-Identifier: MIT
+#include "tcp/tcp_open.h"
+
+#include "FakeGateway.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <ctime>
+
+namespace
+{
+
+int secondsPerLook = 0; // how far the client's clock moves each time it is looked at
+time_t secondsPassed = 0;
+
+} // namespace
+
+extern "C" int __real_clock_gettime(clockid_t clock, timespec* now);
+extern "C" int __wrap_clock_gettime(clockid_t clock, timespec* now);
+
+extern "C" int __wrap_clock_gettime(clockid_t clock, timespec* now)
+{
+    const int result = __real_clock_gettime(clock, now);
+    secondsPassed += secondsPerLook;
+    now->tv_sec += secondsPassed;
+    return result;
+}
+
+class TestTcpDeadline : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { secondsPerLook = 0; }
+    void cleanup() { top_exit(); }
+
+    void aFloodWithoutLineEndIsLeftAfter66Seconds()
+    {
+        CFakeGateway gateway;
+        gateway.expect("[#] 5 start\r\n", std::string(1000, 'x'));
+        QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+        secondsPerLook = 1;
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(top_start_remote_node(5), -70);
+        QVERIFY(timer.elapsed() < 20000); // else it would have waited for the line's end
+    }
+
+    void aLineWithinItsTimeIsReadToItsEnd()
+    {
+        CFakeGateway gateway;
+        gateway.expect("[#] 5 start\r\n", "[#] OK" + std::string(500, ' ') + "\r\n");
+        QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+        QCOMPARE(top_start_remote_node(5), 0);
+        QVERIFY2(gateway.finished(), gateway.problem().c_str());
+    }
+};
+
+QTEST_APPLESS_MAIN(TestTcpDeadline)
+#include "TestTcpDeadline.moc"
