@@ -36,25 +36,26 @@ trap 'exit 1' INT TERM
 wait_for() {
     local tries=$(($1 * 20))
     shift
-    while ! "$@" > /dev/null 2>&1; do
+    until "$@" > /dev/null 2>&1; do
         tries=$((tries - 1))
         [ $tries -gt 0 ] || return 1
         sleep 0.05
     done
 }
 
+# The simulator serves its gateway or has ended.
+simulator_decided() { grep -q 'gateway on .* port [0-9]' "$simulator_log" || ! kill -0 "$simulator"; }
+
 # Starts the simulator on the gateway's usual port, or on a free one when that is taken; sets `port`.
 start_simulator() {
     local wish
     for wish in 60000 0; do
         build/release/sim/velmora-sim --gateway "$wish" --node "$node=$sheet" -v > "$simulator_log" 2>&1 &
-        local simulator=$!
-        if wait_for 10 grep -q 'gateway on .* port [0-9]' "$simulator_log"; then
-            started+=("$simulator")
-            port=$(sed -n 's/.*gateway on .* port \([0-9]*\).*/\1/p' "$simulator_log" | head -n 1)
-            return 0
-        fi
-        wait "$simulator" || true
+        simulator=$!
+        started+=("$simulator")
+        wait_for 10 simulator_decided || break
+        port=$(sed -n 's/.*gateway on .* port \([0-9]*\).*/\1/p' "$simulator_log")
+        [ -z "$port" ] || return 0
     done
     cat "$simulator_log"
     fail "the simulator did not start"

@@ -4,7 +4,7 @@
 #   ./test.sh            everything
 #   ./test.sh --quick    the suite in dev only
 # SPDX-License-Identifier: MIT
-set -eu
+set -euo pipefail
 cd "$(dirname "$0")"
 . scripts/common.sh
 
@@ -28,12 +28,16 @@ suite() {
 
 format() {
     stage "Formatting"
-    git ls-files '*.cpp' '*.h' | xargs clang-format-14 --dry-run -Werror || fail "run clang-format-14 -i on these files"
+    local files
+    files=$(git ls-files '*.cpp' '*.h')
+    [ -n "$files" ] || fail "this is no git checkout"
+    xargs clang-format-14 --dry-run -Werror <<< "$files" || fail "run clang-format-14 -i on these files"
 }
 
-# The sources that this branch changes, or all of them where there is nothing to compare with.
+# The sources that this branch changes; all of them when a header has changed or there is nothing to compare with.
 tidy_files() {
-    if git rev-parse -q --verify origin/main > /dev/null; then
+    if git rev-parse -q --verify origin/main > /dev/null &&
+        git diff --quiet origin/main -- 'src/*.h' 'sim/*.h' .clang-tidy; then
         git diff --name-only --diff-filter=d origin/main -- 'src/*.cpp' 'sim/*.cpp'
     else
         git ls-files 'src/*.cpp' 'sim/*.cpp'

@@ -3,7 +3,7 @@
 
 build_packages=(g++-12 cmake ninja-build qt6-base-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
-test_packages=(clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 "${demo_packages[@]}")
+test_packages=(git clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 "${demo_packages[@]}")
 
 stage() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }

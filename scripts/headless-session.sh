@@ -9,7 +9,8 @@ start_browser() {
     Xvfb -displayfd 7 -screen 0 1280x800x24 -nolisten tcp 7> "$demo/display" 2> "$demo/xvfb.log" &
     started+=($!)
     wait_for 20 test -s "$demo/display" || fail "Xvfb did not start"
-    export DISPLAY=:$(cat "$demo/display") QT_QPA_PLATFORM=xcb
+    DISPLAY=:$(cat "$demo/display")
+    export DISPLAY QT_QPA_PLATFORM=xcb
     unset WAYLAND_DISPLAY
     openbox > "$demo/openbox.log" 2>&1 &
     started+=($!)
@@ -23,7 +24,7 @@ start_browser() {
 window() {
     activate() {
         [ "$(xdotool getactivewindow getwindowname)" = "$1" ] && return
-        xdotool search --onlyvisible --limit 1 --name "^$1\$" windowactivate
+        xdotool search --onlyvisible --limit 1 --name "^$(sed 's/[^a-zA-Z0-9 ]/[&]/g' <<< "$1")\$" windowactivate
         return 1
     }
     wait_for 20 activate "$1" || { picture "missing"; fail "no window \"$1\" came up"; }
@@ -37,11 +38,15 @@ click() { xdotool mousemove --window "$(xdotool getactivewindow)" "$1" "$2" clic
 # picture NAME: of the whole screen, when it has come to rest.
 picture() {
     pictures=$((pictures + 1))
-    local file before after=none
+    local file
     file=$(printf '%s/%02d-%s.png' "$demo" "$pictures" "$1")
-    while before=$after; after=$(import -silent -window root -depth 8 rgb:- | md5sum); [ "$before" != "$after" ]; do
-        sleep 0.1
-    done
+    before=none
+    at_rest() {
+        local after
+        after=$(import -silent -window root -depth 8 rgb:- | md5sum)
+        [ "$before" = "$after" ] || { before=$after; return 1; }
+    }
+    wait_for 5 at_rest || true
     import -silent -window root "$file"
     echo "  ${file#"$PWD"/}"
 }

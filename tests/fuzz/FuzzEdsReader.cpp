@@ -1,0 +1,46 @@
+// Loads any bytes as a data sheet and looks at everything that was created from them.
+// SPDX-License-Identifier: MIT
+#include "MemoryFile.h"
+
+#include "dic/CANopen.h"
+#include "dic/CANopenReader.h"
+
+#include <cstdlib>
+
+// A failed check ends the process, which is what the fuzzer looks for.
+static void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+static void inspect(const CCANopen& dictionary)
+{
+    using size_type = decltype(dictionary.m_objectArray.size());
+    for (size_type position = 0; position < dictionary.m_objectArray.size(); ++position) {
+        const auto& object = dictionary.m_objectArray[position];
+        const int first = dictionary.find(object->getIndex());
+        require(first >= 0 && size_type(first) <= position);
+        require(!object->getClassByIndex(object->getClass()).isEmpty());
+        require(object->getProfileNumber().isEmpty() == object->getProfile(true).isEmpty());
+        using entry_size = decltype(object->m_objectEntryArray.size());
+        for (entry_size number = 0; number < object->m_objectEntryArray.size(); ++number) {
+            const auto& entry = object->m_objectEntryArray[number];
+            require(object->find(entry->getSubindex()) >= 0);
+            require(!entry->getValueRange().isEmpty());
+            require(!entry->getAccessByIndex(entry->getAccess()).isEmpty());
+        }
+    }
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const CMemoryFile file(data, size);
+    CCANopen dictionary;
+    const int result = CCANopenReader(&dictionary, CCANopen::typeEDS).load(file.name());
+    require(result == 0 || result == 1);
+    // Looking each index up from the start is quadratic; a handful of objects shows the same.
+    if (size < 4096)
+        inspect(dictionary);
+    return 0;
+}

@@ -1,0 +1,40 @@
+// Feeds any bytes to the tokenizer and checks what holds for every item that it delivers.
+// SPDX-License-Identifier: MIT
+#include "MemoryFile.h"
+
+#include "dic/IniReader.h"
+
+#include <cstdlib>
+
+// A failed check ends the process, which is what the fuzzer looks for.
+static void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+static bool isName(const QString& name)
+{
+    for (const QChar character : name)
+        if (!character.isLetterOrNumber() && character != QLatin1Char('_'))
+            return false;
+    return !name.isEmpty() && name != QLatin1String("_");
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const CMemoryFile file(data, size);
+    CIniReader reader(file.name());
+    require(reader.getLineOfError() == 0);
+    int result = reader.moveToNextItem();
+    for (bool first = true; result == 1 || result == 2; first = false) {
+        require(!first || result == 1);
+        require(isName(reader.getSection()) && isName(reader.getKeyName()));
+        require(reader.getKeyValue() == reader.getKeyValue().trimmed());
+        require(!reader.getKeyValue().contains(QLatin1Char(';')));
+        require(size_t(reader.getLineOfError()) <= size);
+        result = reader.moveToNextItem();
+    }
+    require(result == 0 || result == -1);
+    return 0;
+}
