@@ -52,7 +52,7 @@ std::int32_t initGateway(long, void* param, BYTE baudrate)
 
 // clang-format off
 constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
-    { 700, initGateway, top_exit, top_reset,
+    { libraryGateway, initGateway, top_exit, top_reset,
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
@@ -68,7 +68,7 @@ CCANopenAccess::~CCANopenAccess()
 
 bool CCANopenAccess::initialize(short library, long board, void* param, BYTE baudrate)
 {
-    if (m_library != -1)
+    if (m_library != libraryNone)
         return finished(ERR_ALREADY_INITIALIZED);
     const tLibrary* row = libraryOf(library);
     if (!finished(row != nullptr ? row->init(board, param, baudrate) : ERR_NOT_SUPPORTED))
@@ -81,7 +81,7 @@ bool CCANopenAccess::terminate()
 {
     if (!finished(call(&tLibrary::exit)))
         return false;
-    m_library = -1;
+    m_library = libraryNone;
     return true;
 }
 

@@ -10,6 +10,11 @@
 #include <cstdint>
 #include <type_traits>
 
+/// Numbers of the device-access libraries.
+inline constexpr short libraryNone = -1;
+inline constexpr short librarySocketCAN = 0;
+inline constexpr short libraryGateway = 700;
+
 /// The gateway to connect to, the parameter of library 700.
 struct _top_param {
     unsigned long addr;     ///< its IPv4 address in host byte order, 0x7F000001 for 127.0.0.1
@@ -98,7 +103,7 @@ private:
     bool transferred(std::int32_t result);
     bool finished(std::int32_t result);
 
-    int m_library = -1; // number of the bound library, -1 for none
+    int m_library = libraryNone; // number of the bound library
     int m_lastError = 0;
     long m_lastAbort = 0;
 };

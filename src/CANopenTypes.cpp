@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "CANopenTypes.h"
 
-#include "Assertion.h"
 #include "DateTimeText.h"
+#include "dic/Assertion.h"
+#include "dic/Digits.h"
 
 #include <QDateTime>
 
@@ -25,19 +26,6 @@ void skipBlanks(const char*& text)
 {
     while (*text == ' ' || *text == '\t')
         ++text;
-}
-
-// The value of a digit of any base; a value above every base for other characters.
-std::uint32_t digitOf(char character)
-{
-    constexpr std::uint32_t noDigit = 0xFF;
-    if (character >= '0' && character <= '9')
-        return static_cast<std::uint32_t>(character - '0');
-    if (character >= 'a' && character <= 'f')
-        return static_cast<std::uint32_t>(character - 'a') + 10;
-    if (character >= 'A' && character <= 'F')
-        return static_cast<std::uint32_t>(character - 'A') + 10;
-    return noDigit;
 }
 
 // False when the number exceeds `limit`; it then holds what was read until then.

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceInfoDialog.h"
 
-#include "Assertion.h"
 #include "FieldRow.h"
+#include "dic/Assertion.h"
 #include "dic/CANopen.h"
 
 #include <QDialogButtonBox>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "DictionaryTree.h"
 
-#include "Assertion.h"
+#include "dic/Assertion.h"
 #include "dic/CANopen.h"
 
 #include <QHash>
@@ -106,5 +106,5 @@ dictionaryTree::tSelection dictionaryTree::selectionOf(const QTreeWidgetItem* it
     // Numbers wider than an index or a sub-index are cut.
     if (item->parent() != nullptr && readNumber(item->parent(), &parentNumber))
         return { static_cast<unsigned short>(parentNumber), static_cast<unsigned char>(number) };
-    return { static_cast<unsigned short>(number), static_cast<unsigned char>(item->childCount() > 0 ? 255 : 0) };
+    return { static_cast<unsigned short>(number), item->childCount() > 0 ? noSubIndex : static_cast<unsigned char>(0) };
 }

@@ -7,13 +7,16 @@ class QString;
 class QTreeWidget;
 class QTreeWidgetItem;
 
+/// The sub-index that stands for no entry.
+inline constexpr unsigned char noSubIndex = 255;
+
 namespace dictionaryTree
 {
 
-/// What an item stands for. Index 0: no object; sub-index 255: no entry.
+/// What an item stands for. Index 0: no object.
 struct tSelection {
     unsigned short index = 0;
-    unsigned char subIndex = 255;
+    unsigned char subIndex = noSubIndex;
 };
 
 /// Shows the objects of `dictionary` in place of what `view` holds, grouped by profile number and chapter below one

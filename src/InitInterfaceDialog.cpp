@@ -5,6 +5,7 @@
 #include "FieldRow.h"
 #include "MessageBoxes.h"
 #include "Settings.h"
+#include "dic/CANopenDeviceInfo.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -22,9 +23,6 @@ constexpr char identity[] = "$Id: InitInterfaceDialog.cpp 61 2009-11-09 $";
 constexpr QSize smallestSize(330, 170);
 constexpr int largestMasterId = 127;
 constexpr int initialBaudrate = 3; // 250 kbit/s
-
-// The position is the CiA bit-timing index.
-constexpr const char* baudrates[] = { "1000", "800", "500", "250", "125", "100", "50", "20", "10" };
 
 constexpr tFieldText interfaceText = {
     "interface combo box", "&Interface:", "Interface to initialize",
@@ -131,8 +129,9 @@ void CInitInterfaceDialog::createButtons()
 
 void CInitInterfaceDialog::fillBaudrates()
 {
-    for (const char* baudrate : baudrates)
-        m_baudrateComboBox->addItem(QLatin1String(baudrate));
+    for (int index = CCANopenDeviceInfo::baudrate1000; index <= CCANopenDeviceInfo::baudrate10; ++index)
+        m_baudrateComboBox->addItem(
+            CCANopenDeviceInfo::getBaudrateByIndex(static_cast<CCANopenDeviceInfo::TBaudrateIndex>(index)));
 }
 
 void CInitInterfaceDialog::acceptInitialize()

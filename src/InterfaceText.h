@@ -4,10 +4,6 @@
 
 #include "CANopenAccess.h"
 
-inline constexpr short libraryNone = -1;
-inline constexpr short librarySocketCAN = 0;
-inline constexpr short libraryGateway = 700;
-
 /// The library to bind and the parameter records of both libraries; only the one of `library` is set from the text.
 struct tInterface {
     short library = libraryNone;

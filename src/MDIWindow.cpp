@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
-#include "Assertion.h"
 #include "ConnectNodeDialog.h"
 #include "DeviceInfoDialog.h"
 #include "DictionaryListView.h"
@@ -10,6 +9,7 @@
 #include "MessageBoxes.h"
 #include "Settings.h"
 #include "WaitCursor.h"
+#include "dic/Assertion.h"
 #include "dic/CANopenReader.h"
 
 #include <QCheckBox>
@@ -21,8 +21,6 @@
 
 namespace
 {
-
-constexpr unsigned char noSubIndex = 255;
 
 void fill(QLineEdit* field, const QString& text)
 {

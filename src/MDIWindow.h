@@ -93,9 +93,11 @@ private:
 
     const CCANopenObjectEntry* selectedEntry(const QString& boxTitle);
     QString failureText(const char* action) const;
+    void reportFailure(const QString& title, const QString& text, const QString& outcome);
     void showValue(const QString& text);
     void setDisplayMode(TDisplayMode mode);
     void checkDisplayModeButton();
+    // As a signed number, so that 128 and above, which no node has, count as off-line, too.
     bool isOffline() const { return static_cast<signed char>(m_nodeId) < 1; }
     void status(const QString& text) { Q_EMIT message(text, 2000); }
 

@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
-#include "Assertion.h"
 #include "CANopenAccess.h"
 #include "CANopenTypes.h"
+#include "DictionaryTree.h"
 #include "MessageBoxes.h"
 #include "Settings.h"
 #include "ValueFormats.h"
 #include "WaitCursor.h"
+#include "dic/Assertion.h"
 
 #include <QLineEdit>
 #include <QPointer>
@@ -208,7 +209,7 @@ const CCANopenObjectEntry* CMDIWindow::selectedEntry(const QString& boxTitle)
     const char* text = nullptr;
     if (isOffline() || m_CANopen == nullptr)
         text = "Data access is not possible in off-line mode!\n\nClose the document and connect to a device.";
-    else if (m_index == 0 || m_subIndex == 255)
+    else if (m_index == 0 || m_subIndex == noSubIndex)
         text = "No parameter is selected!\n\nSelect one and try again.";
     if (text != nullptr) {
         messageBox::warning(this, boxTitle, QLatin1String(text));
@@ -269,12 +270,8 @@ void CMDIWindow::buttonReadClicked()
         status(QStringLiteral("Parameter '%1' successfully read from node #%2").arg(entry->getName(), node));
         return;
     }
-    const QString outcome =
-        QStringLiteral("Parameter '%1' could not be read from node #%2").arg(entry->getName(), node);
-    const QPointer<CMDIWindow> self(this);
-    messageBox::warning(this, title, text);
-    if (!self.isNull())
-        status(outcome);
+    reportFailure(title, text,
+                  QStringLiteral("Parameter '%1' could not be read from node #%2").arg(entry->getName(), node));
 }
 
 void CMDIWindow::buttonSendClicked()
@@ -300,7 +297,13 @@ void CMDIWindow::buttonSendClicked()
         status(QStringLiteral("Parameter '%1' successfully sent to node #%2").arg(entry->getName(), node));
         return;
     }
-    const QString outcome = QStringLiteral("Parameter '%1' could not be sent to node #%2").arg(entry->getName(), node);
+    reportFailure(title, text,
+                  QStringLiteral("Parameter '%1' could not be sent to node #%2").arg(entry->getName(), node));
+}
+
+/// A box with `text`, and afterwards `outcome` in the status bar, unless this window has gone with the box.
+void CMDIWindow::reportFailure(const QString& title, const QString& text, const QString& outcome)
+{
     const QPointer<CMDIWindow> self(this);
     messageBox::warning(this, title, text);
     if (!self.isNull())

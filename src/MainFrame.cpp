@@ -33,21 +33,21 @@ constexpr char identity[] = "$Id: MainFrame.cpp 61 2009-11-09 $";
 
 constexpr int statusTime = 2000; // milliseconds
 constexpr QSize initialSize(960, 640);
-constexpr QSize documentSize(720, 400);
 
 QString productTitle()
 {
     return QLatin1String(product::title);
 }
 
-// Measured on the document: without its own size here, the workspace would choose one.
+// As large as the document: without a size of its own here, the workspace would choose one.
 QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 {
+    const QSize documentSize = document->size();
     auto* frame = new QMdiSubWindow(workspace);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWidget(document);
     frame->setWindowIcon(document->windowIcon()); // would inherit the program's
-    frame->resize(documentSize.expandedTo(document->minimumSizeHint()).grownBy(frame->contentsMargins()));
+    frame->resize(documentSize.grownBy(frame->contentsMargins()));
 
     // Ctrl+W belongs to the program's Close; taken twice, the key would do nothing.
     for (QAction* action : frame->systemMenu()->actions())

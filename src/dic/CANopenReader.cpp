@@ -10,6 +10,8 @@
 //     space       = { blank | tab }
 #include "dic/CANopenReader.h"
 
+#include "dic/Assertion.h"
+#include "dic/Digits.h"
 #include "dic/EdsLoad.h"
 
 #include <QFile>
@@ -25,21 +27,7 @@ namespace
 // Reports a null pointer, by default with the line of the caller.
 bool isNull(const void* argument, const char* name, int line = __builtin_LINE())
 {
-    if (!argument)
-        qWarning("ASSERT: \"%s\" in %s (%d)", name, "dic/CANopenReader", line);
-    return !argument;
-}
-
-// The value of a digit; 16, which no base has, for any other character.
-constexpr unsigned digitOf(char c)
-{
-    if ('0' <= c && c <= '9')
-        return static_cast<unsigned>(c - '0');
-    if ('a' <= c && c <= 'f')
-        return static_cast<unsigned>(c - 'a') + 10U;
-    if ('A' <= c && c <= 'F')
-        return static_cast<unsigned>(c - 'A') + 10U;
-    return 16U;
+    return !assertion(argument != nullptr, name, "dic/CANopenReader", line);
 }
 
 constexpr bool startsWithDigit(std::string_view text, unsigned base)

@@ -16,9 +16,9 @@ int base64_encode(const unsigned char* input, int length, char* output, int room
 
 /// Decodes one group of `length` characters (up to four) into at most `room` bytes (up to three).
 ///
-/// A character outside the alphabet yields unspecified bits and its byte does not count. A group shorter than the room
-/// asks for ends with such a character, which is looked at. `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a single
-/// character gives one byte, its six bits shifted left by two. There are no errors.
+/// A character outside the alphabet gives the value of its range, and its byte does not count. A group shorter than the
+/// room asks for ends with such a character, which is looked at. `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a
+/// single character gives one byte, its six bits shifted left by two. There are no errors.
 /// @return the bytes that count; bytes are written as far as the room allows, counted or not
 int base64_decode(const char* input, int length, unsigned char* output, int room);
 

@@ -113,7 +113,7 @@ static int top_readline(int socket, char* buffer, int size)
         }
         if (byte == '\n')
             return count;
-        if (top_seconds() >= deadline)
+        if (top_seconds() > deadline)
             return 0;
     }
     return 0;

@@ -21,7 +21,7 @@ struct _top_settings {
 //   -70                the answer does not follow the grammar
 //   -600 - n           the gateway answered with the error number n
 //   0x05000000 and up  SDO transfers and info queries only: the device aborted the transfer with this abort code
-// Kept: without any answer the command itself is evaluated in its place, since both share one line buffer. Commands
+// Without any answer the command itself is evaluated in its place, since both share one line buffer. Commands
 // then return -70, reads succeed with their own first word (the node-id, or "info"); gateways and stored habits rely on
 // it.
 
