@@ -65,7 +65,8 @@ start_simulator() {
 write_settings() {
     export XDG_CONFIG_HOME=$demo/settings
     mkdir -p "$XDG_CONFIG_HOME"
-    printf '%s\n' '[CANopen%20Object%20Browser]' "Recent%20File%20List\\File1=$sheet" \
+    local quoted=${sheet//\\/\\\\}
+    printf '%s\n' '[CANopen%20Object%20Browser]' "Recent%20File%20List\\File1=\"${quoted//\"/\\\"}\"" \
         "Used%20Interfaces\\Interface1=localhost:$port" > "$XDG_CONFIG_HOME/Brask Works.conf"
 }
 
@@ -89,7 +90,7 @@ else
 Three steps in the browser:
   1. Press OK to initialise the interface localhost:$port.
   2. File, Recently used, and the sample sheet velmora-demo.eds.
-  3. Choose Node $node, press Connect, and select objects: their values are read from the device.
+  3. Double-click Node $node and select objects: their values are read from the device.
 
 The device's log is in ${simulator_log#"$PWD"/}. It ends with the browser.
 END

@@ -21,8 +21,7 @@ summaries=()
 suite() {
     build "$1"
     stage "Testing $1"
-    ctest --preset "$1" 2>&1 | tee "build/$1.ctest.log"
-    [ "${PIPESTATUS[0]}" -eq 0 ] || fail "tests of $1 failed"
+    ctest --preset "$1" 2>&1 | tee "build/$1.ctest.log" || fail "tests of $1 failed"
     summaries+=("$1: $(grep 'tests passed' "build/$1.ctest.log")")
 }
 

@@ -60,21 +60,21 @@ QByteArray abortText(quint32 argument)
 }
 
 constexpr tFaultKind kinds[] = {
-    { "silence", "no answer", false, 0, false, deliverLines, nullptr, nullptr, noLine },
-    { "delay", "the answer comes NUMBER milliseconds late (1500)", false, 1500, false, deliverLines, milliseconds,
-      nullptr, nullptr },
-    { "drop", "the connection is closed", false, 0, false, deliverDrop, nullptr, nullptr, nullptr },
-    { "garbage", "bytes that are no answer, behind the right number", false, 0, false, deliverLines, nullptr, nullptr,
+    { "silence", "no answer", false, 0, deliverLines, nullptr, nullptr, noLine },
+    { "delay", "the answer comes NUMBER milliseconds late (1500)", false, 1500, deliverLines, milliseconds, nullptr,
+      nullptr },
+    { "drop", "the connection is closed", false, 0, deliverDrop, nullptr, nullptr, nullptr },
+    { "garbage", "bytes that are no answer, behind the right number", false, 0, deliverLines, nullptr, nullptr,
       garbageLine },
-    { "sequence", "the answer with the number of the command before", false, 0, false, deliverLines, nullptr, nullptr,
+    { "sequence", "the answer with the number of the command before", false, 0, deliverLines, nullptr, nullptr,
       otherLine },
-    { "double", "two lines at once, the first with another number", false, 0, false, deliverLines, nullptr, nullptr,
+    { "double", "two lines at once, the first with another number", false, 0, deliverLines, nullptr, nullptr,
       twoLines },
-    { "bytewise", "the answer, one byte at a time", false, 0, false, deliverBytewise, nullptr, nullptr, nullptr },
-    { "overlong", "the answer in a line of more than 2000 characters", false, 0, false, deliverLines, nullptr, nullptr,
+    { "bytewise", "the answer, one byte at a time", false, 0, deliverBytewise, nullptr, nullptr, nullptr },
+    { "overlong", "the answer in a line of more than 2000 characters", false, 0, deliverLines, nullptr, nullptr,
       paddedLine },
-    { "error", "gateway error NUMBER", true, 0, true, deliverLines, nullptr, errorText, nullptr },
-    { "abort", "SDO abort code NUMBER", true, 0, true, deliverLines, nullptr, abortText, nullptr },
+    { "error", "gateway error NUMBER", true, 0, deliverLines, nullptr, errorText, nullptr },
+    { "abort", "SDO abort code NUMBER", true, 0, deliverLines, nullptr, abortText, nullptr },
 };
 
 const tFaultKind* kindByName(const QString& name)
@@ -99,14 +99,15 @@ const char* readWhat(const QString& what, tFault& fault)
 {
     const qsizetype equals = what.indexOf(u'=');
     fault.kind = kindByName(what.left(equals));
-    if (!fault.kind)
+    if (fault.kind == nullptr)
         return "unknown kind";
     fault.argument = fault.kind->argument;
     if (equals < 0)
         return fault.kind->argumentNeeded ? "a number is missing, as in error=103" : nullptr;
     const auto number = readNumber(what.mid(equals + 1));
-    const bool takesArgument = fault.kind->delay || fault.kind->text;
-    if (!takesArgument || !number || number->negative || number->bits > (fault.kind->delay ? longestDelay : lastNumber))
+    const bool takesArgument = fault.kind->delay != nullptr || fault.kind->text != nullptr;
+    const quint64 highest = fault.kind->delay != nullptr ? longestDelay : lastNumber;
+    if (!takesArgument || !number || number->negative || number->bits > highest)
         return "wrong number behind '='";
     fault.argument = static_cast<quint32>(number->bits);
     return nullptr;
@@ -139,9 +140,9 @@ std::optional<tFault> readFault(const QString& text, QString* message)
     const qsizetype at = text.indexOf(u'@');
     tFault fault;
     const char* trouble = readWhat(text.left(at), fault);
-    if (!trouble && at >= 0)
+    if (trouble == nullptr && at >= 0)
         trouble = readPlace(text.mid(at + 1), fault);
-    if (!trouble)
+    if (trouble == nullptr)
         return fault;
     *message = QStringLiteral("fault \"%1\": %2").arg(text, QLatin1String(trouble));
     return std::nullopt;
@@ -156,7 +157,8 @@ const tFault* findFault(const QList<tFault>& faults, const tGatewayRequest& requ
 
 QByteArray answerLines(const tFault* fault, quint32 sequence, const QByteArray& answer)
 {
-    return fault && fault->kind->lines ? fault->kind->lines(sequence, answer) : lineOf(sequence, answer);
+    return fault != nullptr && fault->kind->lines != nullptr ? fault->kind->lines(sequence, answer)
+                                                             : lineOf(sequence, answer);
 }
 
 QString faultHelp()

@@ -24,10 +24,9 @@ struct tFaultKind {
     const char* what; // for the help
     bool argumentNeeded;
     quint32 argument; // unless another is given
-    bool replaces;    // the command is not carried out
     tDelivery delivery;
     int (*delay)(quint32 argument);                                  // milliseconds before the answer; null for none
-    QByteArray (*text)(quint32 argument);                            // in place of the answer; null for none
+    QByteArray (*text)(quint32 argument);                            // answered in place of the command; null for none
     QByteArray (*lines)(quint32 sequence, const QByteArray& answer); // what is sent; null for the one right line
 };
 

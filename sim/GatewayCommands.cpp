@@ -10,9 +10,7 @@
 namespace
 {
 
-constexpr quint32 lastNodeId = 127;
 constexpr quint32 lastIdentifier = 0x7FF;
-constexpr quint32 longestMessage = 8;
 
 struct tInfoRow {
     int topic;
@@ -26,11 +24,6 @@ constexpr tInfoRow infoRows[] = {
     { infoCopyright, { product::copyright, nullptr } },
     { infoVersion, { product::version, nullptr } },
 };
-
-QByteArray hexadecimal(quint64 value, int digits)
-{
-    return "0x" + QByteArray::number(value, 16).toUpper().rightJustified(digits, '0');
-}
 
 // length { " 0x" byte }
 QByteArray messageText(const QByteArray& data)
@@ -68,7 +61,7 @@ tGatewayAnswer CGatewayCommands::execute(const tGatewayRequest& request)
 CSimulatedNode* CGatewayCommands::sdoServer(const tGatewayRequest& request, tGatewayAnswer& error) const
 {
     CSimulatedNode* node = m_network.node(request.node);
-    if (node && node->answersSdo())
+    if (node != nullptr && node->answersSdo())
         return node;
     error = errorAnswer(request.node == 0 ? gatewayNode : gatewayTimeOut);
     error.delay = request.node == 0 ? 0 : m_timeOut;
@@ -79,7 +72,7 @@ tGatewayAnswer CGatewayCommands::read(const tGatewayRequest& request)
 {
     tGatewayAnswer error;
     const CSimulatedNode* node = sdoServer(request, error);
-    if (!node)
+    if (node == nullptr)
         return error;
     const tSdoData result = node->read(request.index, request.subIndex);
     if (result.abortCode != abortNone)
@@ -95,7 +88,7 @@ tGatewayAnswer CGatewayCommands::write(const tGatewayRequest& request)
 {
     tGatewayAnswer error;
     CSimulatedNode* node = sdoServer(request, error);
-    if (!node)
+    if (node == nullptr)
         return error;
     const tAbortCode code = node->write(request.index, request.subIndex, request.data);
     return code == abortNone ? okAnswer : abortAnswer(code);
@@ -107,10 +100,9 @@ tGatewayAnswer CGatewayCommands::nmt(const tGatewayRequest& request)
     return okAnswer;
 }
 
+// Without a bus there is no bit rate to set; what clients have sent stays.
 tGatewayAnswer CGatewayCommands::init(const tGatewayRequest&)
 {
-    m_queue.clear();
-    m_lastSent.clear();
     return okAnswer;
 }
 
@@ -125,7 +117,7 @@ tGatewayAnswer CGatewayCommands::info(const tGatewayRequest& request)
     const auto row = std::find_if(std::begin(infoRows), std::end(infoRows),
                                   [&request](const tInfoRow& each) { return each.topic == request.rule->parameter; });
     QByteArray text = row->parts[0];
-    if (row->parts[1])
+    if (row->parts[1] != nullptr)
         text.append(' ').append(row->parts[1]);
     return { quoted(text), {}, 0 };
 }

@@ -7,7 +7,9 @@
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <deque>
+#include <map>
 
 /// Topics of `info`.
 enum tInfoTopic { infoHardware, infoSoftware, infoFirmware, infoCopyright, infoVersion };

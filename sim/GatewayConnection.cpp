@@ -4,6 +4,8 @@
 
 #include <QTimer>
 
+#include <utility>
+
 namespace
 {
 
@@ -86,9 +88,8 @@ void CGatewayConnection::handleLine(const QByteArray& line)
     m_skipping = false;
     log("< " + (tooLong ? QByteArray("(line too long)") : escaped(line)));
     tGatewayRequest request;
-    if (m_awaitsData.rule) {
-        request = m_awaitsData;
-        m_awaitsData = tGatewayRequest();
+    if (m_unfinished.awaitsData) {
+        request = std::exchange(m_unfinished, tGatewayRequest());
         readDataLine(line, request);
     } else {
         if (line.trimmed().isEmpty() && !tooLong)
@@ -97,8 +98,8 @@ void CGatewayConnection::handleLine(const QByteArray& line)
     }
     if (tooLong)
         request.error = gatewaySyntax;
-    if (request.error == gatewayNoError && request.rule->form == formDataLine && !request.dataRead)
-        m_awaitsData = request;
+    if (request.awaitsData)
+        m_unfinished = request;
     else
         execute(request);
 }
@@ -107,15 +108,15 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
 {
     const tFault* fault = findFault(m_context.faults, request);
     tGatewayAnswer answer;
-    if (fault)
+    if (fault != nullptr)
         log(QByteArray("fault ") + fault->kind->name);
-    if (fault && fault->kind->text)
+    if (fault != nullptr && fault->kind->text != nullptr)
         answer.text = fault->kind->text(fault->argument);
     else
         answer = m_context.commands.execute(request);
     if (m_context.log && request.error == gatewayNoError && request.isSdo())
         m_context.log(describeSdo(request, answer));
-    if (fault && fault->kind->delay)
+    if (fault != nullptr && fault->kind->delay != nullptr)
         answer.delay += fault->kind->delay(fault->argument);
     const QByteArray lines = answerLines(fault, request.sequence, answer.text);
     if (answer.delay == 0) {
@@ -132,7 +133,7 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
 
 void CGatewayConnection::deliver(const tFault* fault, const QByteArray& lines)
 {
-    const tDelivery delivery = fault ? fault->kind->delivery : deliverLines;
+    const tDelivery delivery = fault != nullptr ? fault->kind->delivery : deliverLines;
     const QByteArray sent = lines.isEmpty() ? QByteArray("(nothing)") : escaped(lines.trimmed());
     log("> " + (delivery == deliverDrop ? QByteArray("(closed)") : sent));
     if (delivery == deliverDrop) {

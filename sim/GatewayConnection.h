@@ -51,6 +51,6 @@ private:
     QByteArray m_head;            // the beginning of a line that is too long
     bool m_skipping = false;      // until the end of a line that is too long
     bool m_busy = false;          // an answer is on its way
-    tGatewayRequest m_awaitsData; // its data line comes next; without rule: none does
+    tGatewayRequest m_unfinished; // when it awaits data, its data line comes next
     QByteArray m_output;          // what is sent one byte at a time
 };

@@ -35,6 +35,8 @@ constexpr tGatewayRule rules[] = {
     { "receive|recv", &tHandlers::receive, {}, 0, formPlain },
 };
 
+constexpr char rtrWord[] = "rtr";
+
 bool isWord(const QByteArray& word, const QByteArray& alternatives)
 {
     const auto each = alternatives.split('|');
@@ -62,9 +64,9 @@ bool store(std::optional<quint32> number, quint32& place)
 bool takeType(CLineScanner& scanner, tGatewayRequest& request)
 {
     request.type = gatewayType(scanner.word());
-    if (request.type && !request.type->encode)
+    if (request.type != nullptr && request.type->encode == nullptr)
         request.error = gatewayNotSupported;
-    return request.type && request.type->encode;
+    return request.type != nullptr && request.type->encode != nullptr;
 }
 
 bool takeValue(CLineScanner& scanner, tGatewayRequest& request)
@@ -90,7 +92,7 @@ bool takeArgument(CLineScanner& scanner, tArgument argument, tGatewayRequest& re
     case argIdentifier:
         return store(scanner.number(0xFFFFFFFF), request.identifier);
     case argRtr:
-        return isWord(scanner.word(), "rtr");
+        return isWord(scanner.word(), rtrWord);
     case argLength:
         return store(scanner.number(0xFFFF), request.number);
     case argBitRate:
@@ -101,14 +103,19 @@ bool takeArgument(CLineScanner& scanner, tArgument argument, tGatewayRequest& re
     return false;
 }
 
-// True when the line follows the rule from the words to its end.
-bool takeRule(CLineScanner scanner, const tGatewayRule& rule, tGatewayRequest& request)
+bool takeArguments(CLineScanner& scanner, const tGatewayRule& rule, tGatewayRequest& request)
 {
-    takeWords(scanner, rule.words);
     for (tArgument argument : rule.arguments)
         if (!takeArgument(scanner, argument, request))
             return false;
     return scanner.atEnd();
+}
+
+// Whatever is wrong with its arguments, a message has a data line and a remote frame has none.
+bool hasDataLine(CLineScanner behindWords, const tGatewayRule& rule)
+{
+    behindWords.word(); // the identifier
+    return rule.form == formDataLine && !isWord(behindWords.word(), rtrWord);
 }
 
 // command = [ node ] words arguments
@@ -122,16 +129,13 @@ void readCommand(CLineScanner& scanner, tGatewayRequest& request)
         if (!takeWords(ahead, rule.words))
             continue;
         request.error = gatewaySyntax;
-        if ((rule.form == formNode) != node.has_value())
-            return;
-        tGatewayRequest attempt = request;
-        if (takeRule(scanner, rule, attempt)) {
-            request = attempt;
-            request.rule = &rule;
-            request.error = gatewayNoError;
-            return;
-        }
-        request.error = attempt.error;
+        request.awaitsData = hasDataLine(ahead, rule);
+        const bool nodeFits = (rule.form == formNode) == node.has_value();
+        if (!nodeFits || !takeArguments(ahead, rule, request))
+            continue;
+        request.rule = &rule;
+        request.error = gatewayNoError;
+        return;
     }
 }
 
@@ -155,7 +159,7 @@ tGatewayRequest readRequest(const QByteArray& line)
 
 void readDataLine(const QByteArray& line, tGatewayRequest& request)
 {
-    request.dataRead = true;
+    request.awaitsData = false;
     CLineScanner scanner(line);
     while (!scanner.atEnd()) {
         const auto byte = scanner.number(0xFF);
@@ -163,7 +167,6 @@ void readDataLine(const QByteArray& line, tGatewayRequest& request)
             break;
         request.data.append(static_cast<char>(*byte));
     }
-    constexpr quint32 longestMessage = 8;
     const bool complete = scanner.atEnd() && request.data.size() == static_cast<qsizetype>(request.number);
     if (!complete || request.number > longestMessage)
         request.error = gatewaySyntax;

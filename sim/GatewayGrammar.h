@@ -6,7 +6,8 @@
 //             | node "write" index sub-index type value   node "stop"         "set" "sdo_timeout" milliseconds
 //             | "send" identifier length EOL data         node "preop..."     "info" topic
 //             | "send" identifier "rtr" length            node "reset" what   "receive"
-//   data      = one number for each byte, on the line that follows; the line is there also without data
+//   data      = one number for each byte, on the line that follows; the line is there also without data and when
+//               something else is wrong with the command
 //
 // Words are written in upper or lower case; some have a short form ("r" for "read"). Numbers are decimal, "0x"
 // hexadecimal or "0" octal. Items stand apart by blanks or tabs.
@@ -15,6 +16,9 @@
 #include "GatewayTypes.h"
 
 #include <QByteArray>
+
+/// The bytes that a CAN message carries at most.
+constexpr quint32 longestMessage = 8;
 
 class CGatewayCommands;
 struct tGatewayAnswer;
@@ -70,14 +74,14 @@ struct tGatewayRequest {
     quint32 number = 0; // the bit rate, time, or message length
     quint32 identifier = 0;
     const tGatewayType* type = nullptr;
-    QByteArray data;       // the value of a write, the bytes of a message
-    bool dataRead = false; // by readDataLine
+    QByteArray data;         // the value of a write, the bytes of a message
+    bool awaitsData = false; // its data line comes next, also when there is an error
 
     bool isSdo() const { return type != nullptr; }
 };
 
-/// Reads a command line without its line end.
+/// Reads a command line without its line end. When the request then awaits data, the next line goes to `readDataLine`.
 tGatewayRequest readRequest(const QByteArray& line);
 
-/// Reads the data line of a request whose rule has one. Too few, too many or wrong numbers set the request's error.
+/// Reads the data line of a request that awaits it. Too few, too many or wrong numbers set the request's error.
 void readDataLine(const QByteArray& line, tGatewayRequest& request);

@@ -18,8 +18,7 @@ std::optional<QByteArray> encodeNumber(const QByteArray& text, tValueType type)
 
 QByteArray decodeUnsigned(const QByteArray& bytes, tValueType type)
 {
-    const QByteArray digits = QByteArray::number(numberOf(bytes, type), 16).toUpper();
-    return "0x" + digits.rightJustified(qsizetype{ 2 } * type.width, '0');
+    return hexadecimal(numberOf(bytes, type), 2 * type.width);
 }
 
 QByteArray decodeSigned(const QByteArray& bytes, tValueType type)
@@ -109,6 +108,11 @@ const tGatewayType* gatewayType(const QByteArray& word)
         return word.compare(each.word, Qt::CaseInsensitive) == 0;
     });
     return row == std::end(types) ? nullptr : row;
+}
+
+QByteArray hexadecimal(quint64 value, int digits)
+{
+    return "0x" + QByteArray::number(value, 16).toUpper().rightJustified(digits, '0');
 }
 
 QByteArray quoted(const QByteArray& text)

@@ -25,6 +25,9 @@ struct tGatewayType {
 ///   os us t td            not served
 const tGatewayType* gatewayType(const QByteArray& word);
 
+/// A number in hexadecimal, with at least `digits` digits behind the "0x": 0x00FF.
+QByteArray hexadecimal(quint64 value, int digits);
+
 /// A text in double quotes, with the double quotes in it written twice.
 QByteArray quoted(const QByteArray& text);
 

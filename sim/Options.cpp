@@ -4,6 +4,7 @@
 
 #include "NumberText.h"
 #include "Product.h"
+#include "SimulatedNode.h"
 
 #include <QCommandLineParser>
 
@@ -34,8 +35,8 @@ QString readNode(const QString& text, tOptions& options)
     const auto nodeId = readNumber(text.left(equals));
     if (equals < 0 || equals + 1 == text.size())
         return QStringLiteral("--node %1: expected ID=FILE").arg(text);
-    if (!nodeId || nodeId->negative || nodeId->bits < 1 || nodeId->bits > 127)
-        return QStringLiteral("--node %1: the node-id is not in 1 to 127").arg(text);
+    if (!nodeId || nodeId->negative || nodeId->bits < 1 || nodeId->bits > lastNodeId)
+        return QStringLiteral("--node %1: the node-id is not in 1 to %2").arg(text, QString::number(lastNodeId));
     options.nodes += tNodeOption{ static_cast<unsigned>(nodeId->bits), text.mid(equals + 1) };
     return QString();
 }

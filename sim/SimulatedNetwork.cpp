@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace
 {
 
@@ -29,9 +31,9 @@ QString unreadable(const QString& fileName)
 
 QString CSimulatedNetwork::add(unsigned nodeId, const QString& fileName)
 {
-    if (nodeId < 1 || nodeId > 127)
-        return QStringLiteral("node-id %1 is not in 1 to 127").arg(nodeId);
-    if (node(nodeId))
+    if (nodeId < 1 || nodeId > lastNodeId)
+        return QStringLiteral("node-id %1 is not in 1 to %2").arg(nodeId).arg(lastNodeId);
+    if (node(nodeId) != nullptr)
         return QStringLiteral("node-id %1 is given twice").arg(nodeId);
     QString trouble = unreadable(fileName);
     if (!trouble.isEmpty())

@@ -13,7 +13,7 @@ class CSimulatedNetwork
 {
 public:
     /// Adds a device that serves the data sheet `fileName`.
-    /// @return an empty text, or what is wrong: the node-id (not 1 to 127, or taken) or the file (unreadable, with a
+    /// @return an empty text, or what is wrong: the node-id (out of range or taken) or the file (unreadable, with a
     /// syntax error, without objects)
     QString add(unsigned nodeId, const QString& fileName);
 

@@ -14,6 +14,9 @@
 class CCANopen;
 class CCANopenObjectEntry;
 
+/// Devices have node-ids from 1 to this.
+constexpr unsigned lastNodeId = 127;
+
 enum tNmtCommand { nmtStart, nmtStop, nmtPreOperational, nmtResetNode, nmtResetCommunication };
 enum tNmtState { statePreOperational, stateOperational, stateStopped };
 

@@ -3,6 +3,7 @@
 #include "DeviceInfoDialog.h"
 
 #include "FieldRow.h"
+#include "WindowTitle.h"
 #include "dic/Assertion.h"
 #include "dic/CANopen.h"
 
@@ -116,7 +117,7 @@ constexpr tRow<tPage2, tInfo> page2[] = {
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate10), "10 kBit/s  %1 supported"); } },
 };
 
-constexpr char bootUpHelp[] = "Shows if the simple boot-up master function is supported.";
+constexpr char bootUpHelp[] = "Shows if the simple boot-up master function is supported."; // sic, of both fields
 constexpr tRow<tPage3, tInfo> page3[] = {
     { { "boot-up master line edit", "Simple boot-up master:", "Simple boot-up master", bootUpHelp },
       &tPage3::m_bootupMasterLineEdit,
@@ -154,6 +155,7 @@ constexpr tRow<tPage4, CCANopen> page4[] = {
     { { "EDS version line edit", "EDS version:", "EDS version", "EDS version of the object dictionary." },
       &tPage4::m_EDSVersionLineEdit,
       [](const CCANopen& dictionary) {
+          // Kept: sheets without device information are those of the time before EDS 4.0.
           return dictionary.m_deviceInfo != nullptr ? dictionary.m_deviceInfo->getEDSVersion() : QStringLiteral("3.0");
       } },
     { { "author line edit", "Author:", "Author", "Author of the object dictionary." },
@@ -179,6 +181,7 @@ void createFields(QGridLayout* grid, Page& page, const tRow<Page, Source> (&tabl
     for (const tRow<Page, Source>& row : table) {
         auto* field = new QLineEdit(grid->parentWidget());
         field->setReadOnly(true);
+        field->setMaxLength(fieldRow::longestText);
         fieldRow::describe(field, row.texts);
         page.*row.field = field;
 
@@ -248,7 +251,7 @@ bool CDeviceInfoDialog::populate(const CCANopen* dictionary)
     fillFields(m_page2, page2, info);
     fillFields(m_page3, page3, info);
     fillFields(m_page4, page4, dictionary);
-    setWindowTitle(dictionary != nullptr ? dictionary->getFileName() : QString());
+    setWindowTitle(dictionary != nullptr ? windowTitle::titleOf(dictionary->getFileName()) : QString());
     return info != nullptr;
 }
 

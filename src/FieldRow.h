@@ -16,6 +16,9 @@ struct tFieldText {
 namespace fieldRow
 {
 
+/// The longest text of a data sheet, which fields that show one take whole: a line's.
+inline constexpr int longestText = 0x10000;
+
 /// Gives a field or button its object name, tool tip and what's-this text.
 void describe(QWidget* field, const tFieldText& texts);
 

@@ -18,6 +18,7 @@ tInterface classifyInterface(const char* text)
     if (text == nullptr)
         return interface;
 
+    // Numbers beyond the width of long are cut to its limits by the C library that this program is built for.
     long parts[4] = { 127, 0, 0, 1 };
     long port = 0;
     const bool dotted =

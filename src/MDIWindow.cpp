@@ -9,6 +9,7 @@
 #include "MessageBoxes.h"
 #include "Settings.h"
 #include "WaitCursor.h"
+#include "WindowTitle.h"
 #include "dic/Assertion.h"
 #include "dic/CANopenReader.h"
 
@@ -62,8 +63,7 @@ bool CMDIWindow::openDocument(const QString& fileName, CCANopenAccess* access)
         return false;
     populateDictionaryList();
     m_fileName = fileName;
-    // A placeholder of window titles that happens to be part of the name is shown when it is doubled.
-    setWindowTitle(QString(fileName).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+    setWindowTitle(windowTitle::titleOf(fileName));
     if (isOffline())
         status(QStringLiteral("File %1 loaded in off-line mode").arg(fileName));
     else

@@ -152,6 +152,7 @@ void addFields(QGroupBox* box, Record& record, const tRow<Record, QLineEdit> (&t
         auto* field = new QLineEdit(box);
         fieldRow::describe(field, row.texts);
         field->setReadOnly(true);
+        field->setMaxLength(fieldRow::longestText);
         field->setFocusPolicy(Qt::ClickFocus); // its text can be marked and copied
         record.*row.member = field;
         gridOf(box)->addWidget(fieldRow::createLabel(field, row.texts), row.row, row.column);

@@ -7,6 +7,7 @@
 #include "MessageBoxes.h"
 #include "Product.h"
 #include "Settings.h"
+#include "WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>
@@ -183,7 +184,7 @@ void CMainFrame::openFile(const QString& fileName)
         setRecentFile(fileName);
     else
         deleteFileName(fileName);
-    setWindowTitle(productTitle()); // Kept: without version and build from here on; window managers are set up for it
+    setWindowTitle(productTitle()); // Kept: without version and build; users' window rules match this caption
 }
 
 void CMainFrame::setRecentFile(const QString& name)
@@ -228,7 +229,7 @@ void CMainFrame::helpTopic()
 void CMainFrame::helpAbout()
 {
     messageBox::about(this, productTitle(),
-                      QStringLiteral("%1 - %2 for Linux\n\nVersion %3 of Nov  9 2009 (Build %4)\n\n   %5\n\n"
+                      QStringLiteral("%1 - %2 for Linux\n\nVersion %3 of Nov  9 2009 (Build %4)\n\n   %5\n\n" // sic
                                      "Copyright %6\n\nInternet URL: %7\n\n")
                           .arg(QLatin1String(product::name), productTitle(), QLatin1String(product::version),
                                QString::number(product::buildNumber()), QLatin1String(product::licence),
@@ -286,7 +287,7 @@ void CMainFrame::windowsMenuAboutToShow()
     m_windowsMenu->addSeparator();
     const QList<QMdiSubWindow*> frames = m_workspace->subWindowList();
     for (int position = 0; position < frames.size(); ++position) {
-        QAction* item = m_windowsMenu->addAction(frames[position]->windowTitle());
+        QAction* item = m_windowsMenu->addAction(windowTitle::textOf(frames[position]->windowTitle()));
         item->setCheckable(true);
         item->setChecked(frames[position] == activeSubWindow());
         connect(item, &QAction::triggered, this, [this, position] { windowsMenuActivated(position); });

@@ -71,7 +71,7 @@ void CMainFrame::interfaceInitialize()
     const QString failure = QStringLiteral("Error %1: Interface '%2' could not be initialized!\n\n\t%3")
                                 .arg(QString::number(m_CANopen->getLastError()), QString::fromUtf8(text),
                                      QString::fromLatin1(m_CANopen->getErrorText(0)));
-    deleteAccess();
+    deleteAccess(); // before the box: this frame may be gone after it
     messageBox::critical(this, messageBox::titleOf("Initialize Interface"), failure);
 }
 
@@ -95,7 +95,7 @@ void CMainFrame::interfaceProperties()
     if (const std::optional<QString> text = propertiesText(*m_CANopen))
         messageBox::information(this, title, *text);
     else
-        messageBox::critical(this, title, QStringLiteral("Error ?: Properties could not be retrieved!"));
+        messageBox::critical(this, title, QStringLiteral("Error ?: Properties could not be retrieved!")); // sic
 }
 
 // Takes the facade back from all documents, also those that are just closing, before it goes.

@@ -37,7 +37,7 @@ QStringList usedSlots(const char* pattern)
     return list;
 }
 
-// Kept: slots behind the list are neither cleared nor removed; stored lists of other program versions rely on it.
+// Kept: slots behind the list are neither cleared nor removed; older versions share the file and may still use them.
 void writeSlots(const char* pattern, const QStringList& list)
 {
     CUserSettings store;

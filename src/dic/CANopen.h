@@ -57,7 +57,7 @@ public:
     QString m_fileName = QStringLiteral(""); ///< the path that was loaded
     TFileType m_fileType = typeUnknown;
     TFileState m_fileState = statePublic;
-    QString m_fileTitle = QStringLiteral("CANopen Objektverzeichnis");
+    QString m_fileTitle = QStringLiteral("CANopen Objektverzeichnis"); // sic
     QString m_fileVersion = QStringLiteral("1.0");
     tInfo m_info;
 

@@ -164,7 +164,8 @@ constexpr tKey<CEdsLoad> objectKeys[] = {
     { "ObjectType",    [](auto& load, auto value) {
         load.m_object->setClass(number8(value));
         if (!load.m_object->isMultipleObject())
-            load.appendEntry(load.m_object->getIndex(), 0, load.m_object->getCategory()).shareName(load.m_object->getName());
+            load.appendEntry(load.m_object->getIndex(), 0, load.m_object->getCategory())
+                .shareName(load.m_object->getName());
     } },
     { "DataType",      [](auto& load, auto value) {
         load.m_object->setDataType(number16(value));
@@ -181,7 +182,9 @@ constexpr tKey<CCANopenObjectEntry> subIndexKeys[] = {
 
 constexpr tKey<CCANopenObjectEntry> entryKeys[] = {
     { "AccessType",   [](auto& entry, auto value) { entry.setAccess(entry.getAccessByName(value)); } },
-    { "PDOMapping",   [](auto& entry, auto value) { entry.setPDOMapping(flag(value) ? entry.mappingDefault : entry.mappingNo); } },
+    { "PDOMapping",   [](auto& entry, auto value) {
+        entry.setPDOMapping(flag(value) ? entry.mappingDefault : entry.mappingNo);
+    } },
     { "LowLimit",     [](auto& entry, auto value) { entry.setLowLimit(value); } },
     { "HighLimit",    [](auto& entry, auto value) { entry.setHighLimit(value); } },
     { "DefaultValue", [](auto& entry, auto value) { entry.setDefaultValue(value); } },
@@ -266,6 +269,7 @@ void CEdsLoad::processKey(std::string_view key, const char* value)
 }
 
 // The first section of a run begins a new device information, further ones add to it.
+// Kept: file information behind the device information does not reach it; sheets put what belongs to it before.
 void CEdsLoad::enterDeviceInfo()
 {
     if (m_deviceInfo)

@@ -1,5 +1,6 @@
 // The sample data sheet: complete, consistent, and served by the simulator as it stands.
 // SPDX-License-Identifier: MIT
+#include "DemoSheet.h"
 #include "SimulatedNetwork.h"
 
 #include "dic/CANopen.h"
@@ -17,15 +18,10 @@ namespace
 // The file by section and key, read without the project's reader.
 using tSections = QMap<QString, QMap<QString, QString>>;
 
-QString sheetName()
-{
-    return QStringLiteral(VELMORA_SHARE "/velmora-demo.eds");
-}
-
 tSections readSections()
 {
     tSections sections;
-    QFile file(sheetName());
+    QFile file(demoSheet());
     if (!file.open(QIODevice::ReadOnly))
         return sections;
     QString section;
@@ -169,7 +165,7 @@ void TestDemoSheet::readerSeesTheSameObjects()
 {
     CCANopen dictionary;
     CCANopenReader reader(&dictionary, CCANopen::typeEDS);
-    QCOMPARE(reader.load(QFile::encodeName(sheetName()).constData()), 1);
+    QCOMPARE(reader.load(QFile::encodeName(demoSheet()).constData()), 1);
     int objects = 0;
     int entries = 0;
     for (auto section = m_sections.begin(); section != m_sections.end(); ++section) {
@@ -185,13 +181,13 @@ void TestDemoSheet::readerSeesTheSameObjects()
     for (const auto& object : dictionary.m_objectArray)
         read += static_cast<int>(object->m_objectEntryArray.size());
     QCOMPARE(read, entries);
-    QVERIFY(dictionary.m_deviceInfo);
+    QVERIFY(dictionary.m_deviceInfo != nullptr);
 }
 
 void TestDemoSheet::everyEntryIsServedWithItsAccess()
 {
     CSimulatedNetwork network;
-    QCOMPARE(network.add(5, sheetName()), QString());
+    QCOMPARE(network.add(5, demoSheet()), QString());
     int served = 0;
     for (auto section = m_sections.begin(); section != m_sections.end(); ++section) {
         const QString access = section->value(QStringLiteral("AccessType"));
@@ -214,7 +210,7 @@ void TestDemoSheet::everyEntryIsServedWithItsAccess()
 void TestDemoSheet::defaultsAreWithinTheLimits()
 {
     CSimulatedNetwork network;
-    QCOMPARE(network.add(5, sheetName()), QString());
+    QCOMPARE(network.add(5, demoSheet()), QString());
     for (auto section = m_sections.begin(); section != m_sections.end(); ++section) {
         const unsigned index = section.key().left(4).toUInt(nullptr, 16);
         const unsigned subIndex = section.key().mid(7).toUInt(nullptr, 16);

@@ -1,49 +1,55 @@
 // Misbehaviour on request: how faults are written, what they hit and what arrives at the client.
 // SPDX-License-Identifier: MIT
+#include "DemoSheet.h"
 #include "GatewayThread.h"
-#include "SheetFile.h"
+#include "LineClient.h"
 
 #include <QElapsedTimer>
 #include <QTest>
+
+#include <memory>
 
 class TestGatewayFaults : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup();
     void faultsAreRead_data();
     void faultsAreRead();
     void wrongFaultsAreRefused_data();
     void wrongFaultsAreRefused();
     void faultsHitTheirEntryOnly_data();
     void faultsHitTheirEntryOnly();
-    void firstFaultThatHitsCounts();
-    void silenceWithholdsTheAnswer();
+    void clientGetsWhatTheFaultsMake_data();
+    void clientGetsWhatTheFaultsMake();
     void delayAnswersLate();
     void dropClosesTheConnection();
-    void garbageIsNoAnswer();
-    void sequenceCarriesTheNumberBefore();
-    void doubleSendsTwoLines();
-    void bytewiseSendsTheWholeAnswer();
     void overlongLineBeginsWithTheAnswer();
-    void errorAndAbortReplaceTheCommand();
-    void otherCommandsAreLeftAlone();
 
 private:
-    std::unique_ptr<CLineClient> client(std::initializer_list<const char*> faults);
+    void serve(const QStringList& faults);
 
     std::unique_ptr<CGatewayThread> m_gateway;
+    std::unique_ptr<CLineClient> m_client;
 };
 
-// A client of a gateway with these faults.
-std::unique_ptr<CLineClient> TestGatewayFaults::client(std::initializer_list<const char*> faults)
+// A gateway with these faults, and its client.
+void TestGatewayFaults::serve(const QStringList& faults)
 {
     m_gateway = std::make_unique<CGatewayThread>();
-    m_gateway->addNode(5, QStringLiteral(VELMORA_SHARE "/velmora-demo.eds"));
-    for (const char* fault : faults)
-        m_gateway->addFault(QLatin1String(fault));
-    m_gateway->start();
-    return std::make_unique<CLineClient>(m_gateway->port());
+    QString trouble = m_gateway->addNode(5, demoSheet());
+    for (const QString& fault : faults)
+        trouble += m_gateway->addFault(fault);
+    trouble += m_gateway->start();
+    m_client = std::make_unique<CLineClient>(m_gateway->port());
+    QCOMPARE(trouble, QString());
+}
+
+void TestGatewayFaults::cleanup()
+{
+    m_client.reset();
+    m_gateway.reset();
 }
 
 void TestGatewayFaults::faultsAreRead_data()
@@ -147,91 +153,92 @@ void TestGatewayFaults::faultsHitTheirEntryOnly()
     QCOMPARE(readFault(text, &message)->hits(readRequest(line)), hit);
 }
 
-void TestGatewayFaults::firstFaultThatHitsCounts()
+void TestGatewayFaults::clientGetsWhatTheFaultsMake_data()
 {
-    const auto c = client({ "error=104@2000", "error=105" });
-    QCOMPARE(c->ask("[1] 5 read 0x2000 0x0 u8"), QByteArray("[1] ERROR: 104"));
-    QCOMPARE(c->ask("[2] 5 read 0x2001 0x0 u8"), QByteArray("[2] ERROR: 105"));
+    QTest::addColumn<QStringList>("faults");
+    QTest::addColumn<QByteArray>("commands");
+    QTest::addColumn<QByteArrayList>("answers");
+    struct tRow {
+        const char* name;
+        QStringList faults;
+        const char* commands;
+        QByteArrayList answers;
+    };
+    for (const tRow& row : std::initializer_list<tRow>{
+             { "first fault that hits counts",
+               { "error=104@2000", "error=105" },
+               "[1] 5 read 0x2000 0x0 u8\r\n[2] 5 read 0x2001 0x0 u8\r\n",
+               { "[1] ERROR: 104", "[2] ERROR: 105" } },
+             { "silence withholds the answer",
+               { "silence@2005" },
+               "[1] 5 write 0x2005 0x0 u16 0x20\r\n[2] 5 read 0x2005 0x0 u16\r\n[3] receive\r\n",
+               { "[3] OK" } },
+             { "garbage is no answer",
+               { "garbage@2005" },
+               "[1] 5 read 0x2005 0x0 u16\r\n[2] 5 read 0x2004 0x0 u8\r\n",
+               { "[1] ?%\x80\xFF\x01&*~", "[2] 0x32" } },
+             { "sequence carries the number before",
+               { "sequence@2005" },
+               "[7] 5 read 0x2005 0x0 u16\r\n[8] receive\r\n",
+               { "[6] 0x01F4", "[8] OK" } },
+             { "double sends two lines",
+               { "double@2005" },
+               "[7] 5 read 0x2005 0x0 u16\r\n[8] receive\r\n",
+               { "[6] 0x01F4", "[7] 0x01F4", "[8] OK" } },
+             { "bytewise sends the whole answer",
+               { "bytewise@1008" },
+               "[1] 5 read 0x1008 0x0 d\r\n[2] receive\r\n",
+               { "[1] VmVsbW9yYSBEZW1vIEkvTw==", "[2] OK" } },
+             { "error and abort stand for the answer",
+               { "error=104@2005", "abort=0x6060000@2004" },
+               "[1] 5 write 0x2005 0x0 u16 0x20\r\n[2] 5 write 0x2004 0x0 u8 0x20\r\n",
+               { "[1] ERROR: 104", "[2] ERROR: 0x06060000" } },
+             { "other commands are left alone",
+               { "drop" },
+               "[1] 5 start\r\n[2] send 0x181 0\r\n\r\n[3] 5 read 0x1000 0x0 u32\r\n",
+               { "[1] OK", "[2] OK", "(closed)" } },
+         })
+        QTest::newRow(row.name) << row.faults << QByteArray(row.commands) << row.answers;
 }
 
-void TestGatewayFaults::silenceWithholdsTheAnswer()
+void TestGatewayFaults::clientGetsWhatTheFaultsMake()
 {
-    const auto c = client({ "silence@2005" });
-    c->send("[1] 5 write 0x2005 0x0 u16 0x20\r\n[2] 5 read 0x2005 0x0 u16\r\n[3] receive\r\n");
-    QCOMPARE(c->line(), QByteArray("[3] OK"));
+    QFETCH(QStringList, faults);
+    QFETCH(QByteArray, commands);
+    QFETCH(QByteArrayList, answers);
+    serve(faults);
+    m_client->send(commands);
+    for (const QByteArray& answer : answers)
+        QCOMPARE(m_client->line(), answer);
 }
 
 void TestGatewayFaults::delayAnswersLate()
 {
-    const auto c = client({ "delay=300@2005" });
+    serve({ "delay=300@2005" });
     QElapsedTimer timer;
     timer.start();
-    c->send("[1] 5 read 0x2005 0x0 u16\r\n[2] receive\r\n");
-    QCOMPARE(c->line(), QByteArray("[1] 0x01F4"));
+    m_client->send("[1] 5 read 0x2005 0x0 u16\r\n[2] receive\r\n");
+    QCOMPARE(m_client->line(), QByteArray("[1] 0x01F4"));
     QVERIFY(timer.elapsed() >= 290);
-    QCOMPARE(c->line(), QByteArray("[2] OK"));
+    QCOMPARE(m_client->line(), QByteArray("[2] OK"));
 }
 
 void TestGatewayFaults::dropClosesTheConnection()
 {
-    const auto c = client({ "drop@2005" });
-    QCOMPARE(c->ask("[1] 5 read 0x2004 0x0 u8"), QByteArray("[1] 0x32"));
-    QCOMPARE(c->ask("[2] 5 read 0x2005 0x0 u16"), QByteArray("(closed)"));
+    serve({ "drop@2005" });
+    QCOMPARE(m_client->ask("[1] 5 read 0x2004 0x0 u8"), QByteArray("[1] 0x32"));
+    QCOMPARE(m_client->ask("[2] 5 read 0x2005 0x0 u16"), QByteArray("(closed)"));
     CLineClient again(m_gateway->port());
     QCOMPARE(again.ask("[3] 5 read 0x2004 0x0 u8"), QByteArray("[3] 0x32"));
 }
 
-void TestGatewayFaults::garbageIsNoAnswer()
-{
-    const auto c = client({ "garbage@2005" });
-    QCOMPARE(c->ask("[1] 5 read 0x2005 0x0 u16"), QByteArray("[1] ?%\x80\xFF\x01&*~"));
-    QCOMPARE(c->ask("[2] 5 read 0x2004 0x0 u8"), QByteArray("[2] 0x32"));
-}
-
-void TestGatewayFaults::sequenceCarriesTheNumberBefore()
-{
-    const auto c = client({ "sequence@2005" });
-    QCOMPARE(c->ask("[7] 5 read 0x2005 0x0 u16"), QByteArray("[6] 0x01F4"));
-    QCOMPARE(c->ask("[8] receive"), QByteArray("[8] OK"));
-}
-
-void TestGatewayFaults::doubleSendsTwoLines()
-{
-    const auto c = client({ "double@2005" });
-    QCOMPARE(c->ask("[7] 5 read 0x2005 0x0 u16"), QByteArray("[6] 0x01F4"));
-    QCOMPARE(c->line(), QByteArray("[7] 0x01F4"));
-}
-
-void TestGatewayFaults::bytewiseSendsTheWholeAnswer()
-{
-    const auto c = client({ "bytewise@1008" });
-    c->send("[1] 5 read 0x1008 0x0 d\r\n[2] receive\r\n");
-    QCOMPARE(c->line(), QByteArray("[1] VmVsbW9yYSBEZW1vIEkvTw=="));
-    QCOMPARE(c->line(), QByteArray("[2] OK"));
-}
-
 void TestGatewayFaults::overlongLineBeginsWithTheAnswer()
 {
-    const auto c = client({ "overlong@2005" });
-    const QByteArray line = c->ask("[1] 5 read 0x2005 0x0 u16");
+    serve({ "overlong@2005" });
+    const QByteArray line = m_client->ask("[1] 5 read 0x2005 0x0 u16");
     QVERIFY(line.size() > 1023);
     QCOMPARE(line.trimmed(), QByteArray("[1] 0x01F4"));
-    QCOMPARE(c->ask("[2] receive"), QByteArray("[2] OK"));
-}
-
-void TestGatewayFaults::errorAndAbortReplaceTheCommand()
-{
-    const auto c = client({ "error=104@2005", "abort=0x6060000@2004" });
-    QCOMPARE(c->ask("[1] 5 write 0x2005 0x0 u16 0x20"), QByteArray("[1] ERROR: 104"));
-    QCOMPARE(c->ask("[2] 5 write 0x2004 0x0 u8 0x20"), QByteArray("[2] ERROR: 0x06060000"));
-}
-
-void TestGatewayFaults::otherCommandsAreLeftAlone()
-{
-    const auto c = client({ "drop" });
-    QCOMPARE(c->ask("[1] 5 start"), QByteArray("[1] OK"));
-    QCOMPARE(c->ask("[2] send 0x181 0\r\n"), QByteArray("[2] OK"));
-    QCOMPARE(c->ask("[3] 5 read 0x1000 0x0 u32"), QByteArray("(closed)"));
+    QCOMPARE(m_client->ask("[2] receive"), QByteArray("[2] OK"));
 }
 
 QTEST_GUILESS_MAIN(TestGatewayFaults)

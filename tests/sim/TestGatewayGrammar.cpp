@@ -14,7 +14,9 @@ private Q_SLOTS:
     void argumentsAreRead();
     void linesThatAreNoCommandsGetAnErrorNumber_data();
     void linesThatAreNoCommandsGetAnErrorNumber();
-    void sendHasADataLine();
+    void sendAwaitsADataLine_data();
+    void sendAwaitsADataLine();
+    void errorOfTheCommandOutlivesItsDataLine();
     void dataLinesAreRead_data();
     void dataLinesAreRead();
 };
@@ -59,7 +61,7 @@ void TestGatewayGrammar::everyCommandIsRead()
     const tGatewayRequest request = readRequest(QTest::currentDataTag());
     QCOMPARE(request.error, gatewayNoError);
     QCOMPARE(request.sequence, 1U);
-    QVERIFY(request.rule);
+    QVERIFY(request.rule != nullptr);
     QCOMPARE(QByteArray(request.rule->words), words);
 }
 
@@ -78,7 +80,6 @@ void TestGatewayGrammar::argumentsAreRead()
     QCOMPARE(remote.identifier, 0x701U);
     QCOMPARE(remote.number, 8U);
     QVERIFY(!remote.isSdo());
-    QCOMPARE(remote.rule->form, formPlain);
 }
 
 void TestGatewayGrammar::linesThatAreNoCommandsGetAnErrorNumber_data()
@@ -141,13 +142,46 @@ void TestGatewayGrammar::linesThatAreNoCommandsGetAnErrorNumber()
     const tGatewayRequest request = readRequest(QTest::currentDataTag());
     QCOMPARE(static_cast<int>(request.error), error);
     QCOMPARE(request.sequence, sequence);
-    QVERIFY(!request.rule);
+    QVERIFY(request.rule == nullptr);
 }
 
-void TestGatewayGrammar::sendHasADataLine()
+void TestGatewayGrammar::sendAwaitsADataLine_data()
 {
-    QCOMPARE(readRequest("[1] send 0x181 2").rule->form, formDataLine);
-    QCOMPARE(readRequest("[1] receive").rule->form, formPlain);
+    QTest::addColumn<bool>("awaited");
+    for (auto [line, awaited] : std::initializer_list<std::pair<const char*, bool>>{
+             { "[1] send 0x181 2", true },
+             { "[1] SEND 0x181 0", true },
+             { "[1] send 0x181 abc", true },
+             { "[1] send 0x181 -1", true },
+             { "[1] send 0x181 2 2", true },
+             { "[1] send x 2", true },
+             { "[1] send 0x181", true },
+             { "[1] send", true },
+             { "[1] 5 send 0x181 2", true },
+             { "[1] send 0x181 rtr 2", false },
+             { "[1] send 0x181 RTR x", false },
+             { "[1] send 0x181 rtr", false },
+             { "[1] send x rtr 2", false },
+             { "[1] sent 0x181 2", false },
+             { "send 0x181 2", false },
+             { "[1] receive", false },
+             { "[1] 5 write 0x2000 0 u8", false },
+         })
+        QTest::newRow(line) << awaited;
+}
+
+void TestGatewayGrammar::sendAwaitsADataLine()
+{
+    QFETCH(bool, awaited);
+    QCOMPARE(readRequest(QTest::currentDataTag()).awaitsData, awaited);
+}
+
+void TestGatewayGrammar::errorOfTheCommandOutlivesItsDataLine()
+{
+    tGatewayRequest request = readRequest("[1] send 0x181 abc");
+    readDataLine("", request);
+    QCOMPARE(request.error, gatewaySyntax);
+    QVERIFY(!request.awaitsData);
 }
 
 void TestGatewayGrammar::dataLinesAreRead_data()

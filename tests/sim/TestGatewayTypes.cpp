@@ -87,7 +87,7 @@ void TestGatewayTypes::valuesAreEncodedAndDecoded()
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, answer);
     const tGatewayType* type = gatewayType(word);
-    QVERIFY(type);
+    QVERIFY(type != nullptr);
     const auto encoded = type->encode(text, type->type);
     QVERIFY(encoded.has_value());
     QCOMPARE(*encoded, bytes);
@@ -117,16 +117,16 @@ void TestGatewayTypes::wrongValuesAreRefused()
     QFETCH(QByteArray, word);
     QFETCH(QByteArray, text);
     const tGatewayType* type = gatewayType(word);
-    QVERIFY(type);
+    QVERIFY(type != nullptr);
     QVERIFY(!type->encode(text, type->type).has_value());
 }
 
 void TestGatewayTypes::wordsAreFoundInAnyCase()
 {
     QCOMPARE(gatewayType("U16"), gatewayType("u16"));
-    QVERIFY(gatewayType("D"));
+    QVERIFY(gatewayType("D") != nullptr);
     for (const char* word : { "", "u", "u12", "u160", "x" })
-        QVERIFY(!gatewayType(word));
+        QVERIFY(gatewayType(word) == nullptr);
 }
 
 void TestGatewayTypes::wordsThatAreNotServedAreKnown_data()
@@ -140,8 +140,8 @@ void TestGatewayTypes::wordsThatAreNotServedAreKnown()
 {
     QFETCH(QByteArray, word);
     const tGatewayType* type = gatewayType(word);
-    QVERIFY(type);
-    QVERIFY(!type->encode);
+    QVERIFY(type != nullptr);
+    QVERIFY(type->encode == nullptr);
 }
 
 void TestGatewayTypes::base64WithoutPaddingIsTaken()

@@ -1,22 +1,15 @@
 // The gateway over real sockets, as transcripts: what a client sends and what it gets.
 // SPDX-License-Identifier: MIT
+#include "DemoSheet.h"
 #include "GatewayThread.h"
+#include "LineClient.h"
 #include "Product.h"
-#include "SheetFile.h"
 
 #include <QElapsedTimer>
 #include <QMutex>
 #include <QTest>
 
-namespace
-{
-
-QString demoSheet()
-{
-    return QStringLiteral(VELMORA_SHARE "/velmora-demo.eds");
-}
-
-} // namespace
+#include <memory>
 
 class TestSimulatedGateway : public QObject
 {
@@ -37,11 +30,11 @@ private Q_SLOTS:
     void initAnswersOk();
     void sentMessagesAreReceivedInOrder();
     void sendTakesTheEmptyDataLineToo();
-    void sendWithWrongDataIsRefused_data();
-    void sendWithWrongDataIsRefused();
+    void refusedSendTakesItsDataLineToo_data();
+    void refusedSendTakesItsDataLineToo();
     void messageQueueIsBounded();
     void remoteFrameIsAnsweredWithTheLastMessage();
-    void initEmptiesTheMessageQueue();
+    void initKeepsTheMessages();
     void syntaxErrorsAreAnswered();
     void emptyLinesAreSkipped();
     void severalCommandsInOnePieceAreAnsweredInOrder();
@@ -239,7 +232,7 @@ void TestSimulatedGateway::sendTakesTheEmptyDataLineToo()
     QCOMPARE(m_client->line(), QByteArray("[8] 0x7FF 0"));
 }
 
-void TestSimulatedGateway::sendWithWrongDataIsRefused_data()
+void TestSimulatedGateway::refusedSendTakesItsDataLineToo_data()
 {
     QTest::addColumn<QByteArray>("dataLine");
     QTest::newRow("0x181 2") << QByteArray(" 0x11");
@@ -248,9 +241,15 @@ void TestSimulatedGateway::sendWithWrongDataIsRefused_data()
     QTest::newRow("0x184 1") << QByteArray();
     QTest::newRow("0x185 9") << QByteArray(" 1 2 3 4 5 6 7 8 9");
     QTest::newRow("0x800 1") << QByteArray(" 0x11");
+    QTest::newRow("0x186 abc") << QByteArray(" 0x11");
+    QTest::newRow("0x187 -1") << QByteArray("[9] receive");
+    QTest::newRow("0x188") << QByteArray("[9] receive");
+    QTest::newRow("0x189 1 1") << QByteArray(" 0x11");
+    QTest::newRow("x 1") << QByteArray(" 0x11");
+    QTest::newRow("") << QByteArray(" 0x11");
 }
 
-void TestSimulatedGateway::sendWithWrongDataIsRefused()
+void TestSimulatedGateway::refusedSendTakesItsDataLineToo()
 {
     QFETCH(QByteArray, dataLine);
     QCOMPARE(m_client->ask(QByteArray("[2] send ") + QTest::currentDataTag() + "\r\n" + dataLine),
@@ -276,13 +275,16 @@ void TestSimulatedGateway::remoteFrameIsAnsweredWithTheLastMessage()
     QCOMPARE(m_client->ask("[6] send 0x182 rtr 2"), QByteArray("[6] ERROR: 103"));
     QCOMPARE(m_client->ask("[7] send 0x800 rtr 2"), QByteArray("[7] ERROR: 101"));
     QCOMPARE(m_client->ask("[8] send 0x181 rtr 9"), QByteArray("[8] ERROR: 101"));
+    QCOMPARE(m_client->ask("[9] send 0x181 rtr x"), QByteArray("[9] ERROR: 101"));
+    QCOMPARE(m_client->ask("[10] receive"), QByteArray("[10] 0x181 1 0x10"));
 }
 
-void TestSimulatedGateway::initEmptiesTheMessageQueue()
+void TestSimulatedGateway::initKeepsTheMessages()
 {
-    QCOMPARE(m_client->ask("[2] send 0x181 0\r\n"), QByteArray("[2] OK"));
+    QCOMPARE(m_client->ask("[2] send 0x181 1\r\n 0x11"), QByteArray("[2] OK"));
     QCOMPARE(m_client->ask("[3] init 4"), QByteArray("[3] OK"));
-    QCOMPARE(m_client->ask("[4] receive"), QByteArray("[4] OK"));
+    QCOMPARE(m_client->ask("[4] send 0x181 rtr 1"), QByteArray("[4] 1 0x11"));
+    QCOMPARE(m_client->ask("[5] receive"), QByteArray("[5] 0x181 1 0x11"));
 }
 
 void TestSimulatedGateway::syntaxErrorsAreAnswered()

@@ -5,6 +5,8 @@
 
 #include <QTest>
 
+#include <memory>
+
 namespace
 {
 
@@ -157,7 +159,6 @@ private Q_SLOTS:
     void refusedWritesAbortAndChangeNothing();
     void writtenValuesAreReadBack_data();
     void writtenValuesAreReadBack();
-    void devicesOfOneSheetKeepTheirOwnValues();
     void resetPutsDefaultsBack();
     void resetOfCommunicationLeavesOtherObjects();
     void savedValuesSurviveAReset();
@@ -165,12 +166,9 @@ private Q_SLOTS:
     void loadBringsTheDefaultsBackAtTheNextReset();
     void wrongSignatureIsRefused();
     void stoppedDeviceAnswersNoSdo();
-    void commandToAllReachesEachDevice();
-    void sheetsThatCannotBeServedAreRefused_data();
-    void sheetsThatCannotBeServedAreRefused();
 
 private:
-    CSheetFile m_sheet{ sheet };
+    const CSheetFile m_sheet{ sheet };
     std::unique_ptr<CSimulatedNetwork> m_network;
     CSimulatedNode* m_node = nullptr;
 };
@@ -180,7 +178,7 @@ void TestSimulatedNode::init()
     m_network = std::make_unique<CSimulatedNetwork>();
     QCOMPARE(m_network->add(5, m_sheet.name()), QString());
     m_node = m_network->node(5);
-    QVERIFY(m_node);
+    QVERIFY(m_node != nullptr);
     QCOMPARE(m_node->objectCount(), 14);
     QCOMPARE(m_node->state(), statePreOperational);
 }
@@ -286,14 +284,6 @@ void TestSimulatedNode::writtenValuesAreReadBack()
     QCOMPARE(m_node->read(index, 0).data, data);
 }
 
-void TestSimulatedNode::devicesOfOneSheetKeepTheirOwnValues()
-{
-    QCOMPARE(m_network->add(7, m_sheet.name()), QString());
-    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
-    QCOMPARE(m_network->node(7)->read(0x2003, 0).data, hex("05"));
-    QCOMPARE(m_network->node(7)->read(0x1005, 0).data, hex("87000000"));
-}
-
 void TestSimulatedNode::resetPutsDefaultsBack()
 {
     QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
@@ -370,41 +360,6 @@ void TestSimulatedNode::stoppedDeviceAnswersNoSdo()
         QCOMPARE(m_node->state(), row.state);
         QCOMPARE(m_node->answersSdo(), row.answers);
     }
-}
-
-void TestSimulatedNode::commandToAllReachesEachDevice()
-{
-    QCOMPARE(m_network->add(7, m_sheet.name()), QString());
-    m_network->command(0, nmtStart);
-    QCOMPARE(m_node->state(), stateOperational);
-    QCOMPARE(m_network->node(7)->state(), stateOperational);
-    m_network->command(7, nmtStop);
-    QCOMPARE(m_node->state(), stateOperational);
-    QCOMPARE(m_network->node(7)->state(), stateStopped);
-    m_network->command(6, nmtStop); // nobody is there: nothing happens
-    QCOMPARE(m_node->state(), stateOperational);
-}
-
-void TestSimulatedNode::sheetsThatCannotBeServedAreRefused_data()
-{
-    QTest::addColumn<unsigned>("nodeId");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("node 0") << 0U << QByteArray(sheet) << QStringLiteral("node-id 0 is not in 1 to 127");
-    QTest::newRow("node 128") << 128U << QByteArray(sheet) << QStringLiteral("node-id 128 is not in 1 to 127");
-    QTest::newRow("node taken") << 5U << QByteArray(sheet) << QStringLiteral("node-id 5 is given twice");
-    QTest::newRow("syntax error") << 6U << QByteArray("[1000\n") << QStringLiteral("not a valid data sheet: %1");
-    QTest::newRow("empty") << 6U << QByteArray() << QStringLiteral("no objects in %1");
-}
-
-void TestSimulatedNode::sheetsThatCannotBeServedAreRefused()
-{
-    QFETCH(unsigned, nodeId);
-    QFETCH(QByteArray, text);
-    QFETCH(QString, message);
-    const CSheetFile file(text);
-    QCOMPARE(m_network->add(nodeId, file.name()),
-             message.contains(QLatin1String("%1")) ? message.arg(file.name()) : message);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatedNode)

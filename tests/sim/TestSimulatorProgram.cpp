@@ -1,9 +1,10 @@
 // The program itself: its options, messages, exit statuses and log.
 // SPDX-License-Identifier: MIT
-#include "SheetFile.h"
+#include "DemoSheet.h"
+#include "LineClient.h"
+#include "SimulatorProcess.h"
 
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
 
@@ -14,10 +15,6 @@ namespace
 
 constexpr int timeLimit = 30000;
 
-QString demoSheet()
-{
-    return QStringLiteral(VELMORA_SHARE "/velmora-demo.eds");
-}
 QString demoNode()
 {
     return QStringLiteral("5=") + demoSheet();
@@ -28,21 +25,6 @@ int run(QProcess& process, const QStringList& arguments)
 {
     process.start(QStringLiteral(VELMORA_SIM), arguments);
     return process.waitForFinished(timeLimit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-}
-
-// Starts and waits until it serves; the port, 0 when it does not.
-quint16 serve(QProcess& process, const QStringList& arguments, QByteArray* output)
-{
-    process.start(QStringLiteral(VELMORA_SIM), arguments);
-    const QRegularExpression ready(QStringLiteral("velmora-sim: gateway on 127.0.0.1 port (\\d+)\n"));
-    QRegularExpressionMatch match;
-    while (!match.hasMatch()) {
-        if (!process.waitForReadyRead(timeLimit))
-            return 0;
-        *output += process.readAllStandardOutput();
-        match = ready.match(QString::fromLatin1(*output));
-    }
-    return static_cast<quint16>(match.captured(1).toUInt());
 }
 
 } // namespace
@@ -136,68 +118,43 @@ void TestSimulatorProgram::servesUntilASignalComes_data()
 void TestSimulatorProgram::servesUntilASignalComes()
 {
     QFETCH(int, signal);
-    QProcess process;
-    QByteArray output;
-    const quint16 port = serve(
-        process, { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode() }, &output);
-    QVERIFY(port != 0);
-    CLineClient client(port);
+    CSimulatorProcess simulator;
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
     QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
-    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
-    QVERIFY(process.waitForFinished(timeLimit));
-    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(simulator.end(signal), 0);
 }
 
 void TestSimulatorProgram::logFollowsTheCommands()
 {
-    QProcess process;
-    QByteArray output;
-    const quint16 port = serve(process,
-                               { QStringLiteral("--gateway"), QStringLiteral("127.0.0.1:0"), QStringLiteral("--node"),
-                                 demoNode(), QStringLiteral("-v") },
-                               &output);
-    QVERIFY(port != 0);
-    QVERIFY(output.startsWith("node 5: " + demoSheet().toLocal8Bit() + " ("));
-    CLineClient client(port);
+    CSimulatorProcess simulator({ "--gateway", "127.0.0.1:0" });
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    QVERIFY(simulator.log().startsWith("node 5: " + demoSheet().toUtf8() + " ("));
+    QVERIFY(simulator.hasLogged(QString("\nvelmora-sim: gateway on 127.0.0.1 port %1\n").arg(simulator.port())));
+    CLineClient client(simulator.port());
     QCOMPARE(client.ask("[1] 5 write 0x2005 0x0 u16 0x1234"), QByteArray("[1] OK"));
     QCOMPARE(client.ask("[2] 5 read 0x2005 0x0 u16"), QByteArray("[2] 0x1234"));
-    while (!output.contains("> [2]") && process.waitForReadyRead(timeLimit))
-        output += process.readAllStandardOutput();
-    QVERIFY(output.contains("\nnode 5 write 0x2005 0x00 u16 0x1234 = OK\n"));
-    QVERIFY(output.contains("\nnode 5 read 0x2005 0x00 u16 = 0x1234\n"));
-    process.kill();
-    process.waitForFinished(timeLimit);
+    QVERIFY(simulator.hasLogged("\nnode 5 write 0x2005 0x00 u16 0x1234 = OK\n"));
+    QVERIFY(simulator.hasLogged("\nnode 5 read 0x2005 0x00 u16 = 0x1234\n"));
 }
 
 void TestSimulatorProgram::withoutLogOnlyTheStartIsPrinted()
 {
-    QProcess process;
-    QByteArray output;
-    const quint16 port = serve(
-        process, { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode() }, &output);
-    CLineClient client(port);
+    CSimulatorProcess simulator({}, CSimulatorProcess::silent);
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
     QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
-    process.terminate();
-    QVERIFY(process.waitForFinished(timeLimit));
-    output += process.readAllStandardOutput();
-    QCOMPARE(output.count('\n'), 2);
+    QCOMPARE(simulator.end(SIGTERM), 0);
+    QCOMPARE(simulator.log().count('\n'), 2);
 }
 
 void TestSimulatorProgram::faultOptionMisbehaves()
 {
-    QProcess process;
-    QByteArray output;
-    const quint16 port = serve(process,
-                               { QStringLiteral("--gateway"), QStringLiteral("0"), QStringLiteral("--node"), demoNode(),
-                                 QStringLiteral("--fault"), QStringLiteral("abort=0x08000021@2005"),
-                                 QStringLiteral("--fault"), QStringLiteral("error=105@2004") },
-                               &output);
-    CLineClient client(port);
+    const CSimulatorProcess simulator({ "--fault", "abort=0x08000021@2005", "--fault", "error=105@2004" });
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
     QCOMPARE(client.ask("[1] 5 read 0x2005 0x0 u16"), QByteArray("[1] ERROR: 0x08000021"));
     QCOMPARE(client.ask("[2] 5 read 0x2004 0x0 u8"), QByteArray("[2] ERROR: 105"));
-    process.terminate();
-    QVERIFY(process.waitForFinished(timeLimit));
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorProgram)

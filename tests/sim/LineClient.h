@@ -1,28 +1,10 @@
-// A data sheet written for one test, and a client of the gateway that speaks in lines.
+// A client of the gateway that speaks in lines.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <QTcpSocket>
-#include <QTemporaryDir>
-
-/// A file of its own with the given text, gone with the object.
-class CSheetFile
-{
-public:
-    explicit CSheetFile(const QByteArray& text)
-    {
-        QFile file(name());
-        if (file.open(QIODevice::WriteOnly))
-            file.write(text);
-    }
-    QString name() const { return m_folder.filePath(QStringLiteral("test.eds")); }
-
-private:
-    QTemporaryDir m_folder;
-};
 
 /// A client that blocks its thread; the gateway has to run in another thread or process.
 class CLineClient

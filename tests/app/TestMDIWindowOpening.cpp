@@ -1,0 +1,349 @@
+// Opening a document: loading, connecting to a node, the tree that comes of it, and the device information.
+// SPDX-License-Identifier: MIT
+#include "OnlineDocument.h"
+
+#include "BoxCatcher.h"
+#include "DeviceInfoDialog.h"
+#include "TempSettings.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QWindow>
+
+namespace
+{
+
+constexpr char groups[] = R"(
+[MandatoryObjects]
+1=0x1018
+2=0x1000
+[OptionalObjects]
+1=0xA000
+2=0x6001
+3=0x6000
+4=0x0005
+[ManufacturerObjects]
+1=0x2000
+[1000]
+ParameterName=Device Type
+ObjectType=7
+[1018]
+ParameterName=Identity Object
+ObjectType=9
+[1018sub1]
+ParameterName=Vendor Id
+[1018sub0]
+ParameterName=Number of entries
+)";
+
+// An index of 0 in an object list makes the next section create its object, which then has no profile.
+constexpr char withoutProfiles[] = R"(
+[OptionalObjects]
+1=0
+[2000]
+ParameterName=One
+ObjectType=7
+[OptionalObjects]
+1=0
+[1000]
+ParameterName=Two
+ObjectType=7
+)";
+
+} // namespace
+
+class TestMDIWindowOpening : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_boxes.clear(); }
+
+    void withoutAnAccessADocumentIsOffline()
+    {
+        CDocumentUser user;
+        QVERIFY(user.open(groups));
+        QCOMPARE(user.connectDialogs, 0);
+        QCOMPARE(user.statuses(), QStringList{ "File " + user.fileName() + " loaded in off-line mode" });
+        QCOMPARE(user.window->windowTitle(), user.fileName());
+        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
+        QCOMPARE(user.box("data access"), QString("Data access"));
+        QCOMPARE(m_boxes.count(), 0);
+    }
+
+    void connectingToANode_data()
+    {
+        QTest::addColumn<int>("node");
+        for (const int node : { 1, 5, 99, 127 })
+            QTest::addRow("%d", node) << node;
+    }
+    void connectingToANode()
+    {
+        QFETCH(const int, node);
+        CGatewayLink link;
+        CDocumentUser user;
+        QVERIFY(user.open(groups, &link.access, node));
+        QCOMPARE(user.connectDialogs, 1);
+        QCOMPARE(user.statuses(),
+                 QStringList{ QString("File %1 loaded and connected to node #%2").arg(user.fileName()).arg(node) });
+        QCOMPARE(user.window->windowTitle(), user.fileName());
+        QCOMPARE(user.root()->text(0), QString("CANopen: Node #%1").arg(node));
+        user.press(user.root());
+        QCOMPARE(user.box("data access"), QString("Data access: #%1").arg(node));
+        QCOMPARE(link.gateway.received(), std::string()); // opening needs no transfer
+    }
+
+    void workingOfflineByChoice()
+    {
+        CGatewayLink link;
+        CDocumentUser user;
+        QVERIFY(user.open(groups, &link.access, CDocumentUser::offline));
+        QCOMPARE(user.connectDialogs, 1);
+        QCOMPARE(user.statuses(), QStringList{ "File " + user.fileName() + " loaded in off-line mode" });
+        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
+        user.press("1000: Device Type");
+        QCOMPARE(user.box("data access"), QString("Data access: N/A"));
+        QCOMPARE(m_boxes.count(), 0);
+        QCOMPARE(link.gateway.received(), std::string());
+    }
+
+    void cancellingTheConnectDialogOpensNothingAlthoughTheFileLoaded()
+    {
+        CGatewayLink link;
+        CDocumentUser user;
+        QVERIFY(!user.open(groups, &link.access, CDocumentUser::cancels));
+        QCOMPARE(user.connectDialogs, 1);
+        QCOMPARE(user.statuses(), QStringList());
+        QCOMPARE(user.tree()->topLevelItemCount(), 0);
+        QCOMPARE(user.window->windowTitle(), QString());
+        QVERIFY(user.window->isVisible());
+        QCOMPARE(m_boxes.count(), 0);
+    }
+
+    void aSyntaxErrorIsReported_data()
+    {
+        QTest::addColumn<QByteArray>("sheet");
+        QTest::newRow("no section") << QByteArray("Key=1\n");
+        QTest::newRow("blank before the equals sign") << QByteArray(groups) + "Key =1\n";
+        QTest::newRow("no closing bracket") << QByteArray("[1000\n");
+        QTest::newRow("no text") << QByteArray(1000, '\0');
+    }
+    void aSyntaxErrorIsReported()
+    {
+        QFETCH(const QByteArray, sheet);
+        CGatewayLink link;
+        CDocumentUser user;
+        QVERIFY(!user.open(sheet, &link.access, 5));
+        const QString text = "File " + user.fileName() + " could not be loaded";
+        QCOMPARE(user.statuses(), QStringList{ text });
+        QCOMPARE(m_boxes.only().title, QString("Velmora - Load document"));
+        QCOMPARE(m_boxes.only().text, text);
+        QCOMPARE(m_boxes.only().icon, QMessageBox::Critical);
+        QCOMPARE(m_boxes.only().format, Qt::PlainText);
+        QVERIFY(!m_boxes.only().waitCursor);
+        QCOMPARE(user.connectDialogs, 0);
+        QCOMPARE(user.tree()->topLevelItemCount(), 0);
+        QCOMPARE(user.window->windowTitle(), QString());
+        QVERIFY(user.window->isVisible());
+    }
+
+    void whatCannotBeReadOpensAsAnEmptyDocument_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("missing file") << "missing.eds";
+        QTest::newRow("missing folder") << "none/missing.eds";
+        QTest::newRow("directory") << "";
+        QTest::newRow("empty file") << "empty.eds";
+    }
+    void whatCannotBeReadOpensAsAnEmptyDocument()
+    {
+        QFETCH(const QString, name);
+        QTemporaryDir folder;
+        if (name == "empty.eds")
+            QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
+        const QString path = folder.filePath(name);
+        CDocumentUser user;
+        QVERIFY(user.openFile(path));
+        QCOMPARE(user.statuses(), QStringList{ "File " + path + " loaded in off-line mode" });
+        QCOMPARE(user.window->windowTitle(), path);
+        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
+        QCOMPARE(user.root()->childCount(), 0);
+        QCOMPARE(m_boxes.count(), 0);
+    }
+
+    void foreignFileNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : { "100%1%2.eds", "<b>bold.eds", "Gerät Nr. 5 – ü.eds", "a&b.eds", "two\nlines.eds" })
+            QTest::newRow(name) << name;
+    }
+    void foreignFileNames()
+    {
+        QFETCH(const QString, name);
+        const CSheetFile good(groups, name);
+        CGatewayLink link;
+        CDocumentUser user;
+        QVERIFY(user.openFile(good.name(), &link.access, 7));
+        QCOMPARE(user.statuses(), QStringList{ "File " + good.name() + " loaded and connected to node #7" });
+        QCOMPARE(user.window->windowTitle(), good.name());
+        user.item("1000: Device Type");
+
+        const CSheetFile bad("bad", name);
+        CDocumentUser other;
+        QVERIFY(!other.openFile(bad.name()));
+        QCOMPARE(m_boxes.only().text, "File " + bad.name() + " could not be loaded");
+        QCOMPARE(m_boxes.only().format, Qt::PlainText);
+    }
+
+    void aModificationMarkInAFileNameIsShown_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : { "a[*].eds", "[*][*].eds", "[*] and [*].eds", "%1[*]" })
+            QTest::newRow(name) << name;
+    }
+    void aModificationMarkInAFileNameIsShown()
+    {
+        QFETCH(const QString, name);
+        const CSheetFile sheet(groups, name);
+        CDocumentUser user;
+        QVERIFY(user.openFile(sheet.name()));
+        const QString shown = user.window->windowHandle()->title();
+        QVERIFY2(shown.startsWith(sheet.name()), qPrintable(shown));
+    }
+
+    void theTreeIsGroupedAndSorted()
+    {
+        CDocumentUser user;
+        QVERIFY(user.open(groups));
+        const QStringList awaited = {
+            "(reserved)",
+            "CiA DS-301 +",
+            "Device profile",
+            "Manufacturer specific",
+        };
+        QCOMPARE(children(user.root()), awaited);
+        QVERIFY(user.root()->isExpanded());
+        QCOMPARE(children(user.item("CiA DS-301")),
+                 QStringList({ "1000: Device Type", "1018: Identity Object", "5: " }));
+        QCOMPARE(children(user.item("1018: Identity Object")),
+                 QStringList({ " 0: Number of entries", " 1: Vendor Id" }));
+        QCOMPARE(children(user.item("Device profile")), QStringList({ "6000: ", "6001: " }));
+        QCOMPARE(children(user.item("(reserved)")), QStringList{ "a000: " });
+        QCOMPARE(children(user.item("Manufacturer specific")), QStringList{ "2000: " });
+    }
+
+    void objectsWithoutAProfileAreOtherObjects()
+    {
+        CDocumentUser user;
+        QVERIFY(user.open(withoutProfiles));
+        QCOMPARE(children(user.root()), QStringList{ "Other objects" });
+        QCOMPARE(children(user.item("Other objects")), QStringList({ "1000: Two", "2000: One" }));
+    }
+
+    void tenThousandObjectsOpenQuickly()
+    {
+        QByteArray lists = "[ManufacturerObjects]\n";
+        QByteArray sections;
+        for (int number = 0; number < 10000; ++number) {
+            const QByteArray index = QByteArray::number(0x2000 + number, 16);
+            lists += QByteArray::number(number + 1) + "=0x" + index + '\n';
+            sections += '[' + index + "]\nParameterName=Object " + index + "\nObjectType=9\nDataType=0x23\n";
+            for (int entry = 0; entry < 6; ++entry)
+                sections += '[' + index + "sub" + QByteArray::number(entry) +
+                            "]\nParameterName=Entry\nObjectType=7\nDataType=7\nAccessType=rw\nPDOMapping=0\n";
+        }
+        CDocumentUser user;
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(user.open(lists + sections));
+        QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
+        int entries = 0;
+        for (int group = 0; group < user.root()->childCount(); ++group)
+            for (int object = 0; object < user.root()->child(group)->childCount(); ++object)
+                entries += user.root()->child(group)->child(object)->childCount();
+        QCOMPARE(entries, 60000);
+        user.press("470f: Object 470f", " 5: Entry");
+        QCOMPARE(user.box("entry description"), QString("Entry: Subndex  5h"));
+        QCOMPARE(user.box("object description"), QString("Object: Index 470fh"));
+    }
+
+    void deviceInformationIsShown()
+    {
+        CDocumentUser user;
+        QVERIFY(user.open("[DeviceInfo]\nVendorName=Brask\n"));
+        user.forgetStatuses();
+        QString title;
+        const CWhenShown<CDeviceInfoDialog> showing([&](CDeviceInfoDialog* dialog) {
+            title = dialog->windowTitle();
+            QVERIFY(dialog->isModal());
+            QCOMPARE(dialog->parentWidget(), user.window.get());
+            dialog->close();
+        });
+        user.window->showDeviceInfo();
+        QCOMPARE(showing.count(), 1);
+        QCOMPARE(title, user.fileName());
+        QCOMPARE(user.statuses(), QStringList());
+    }
+
+    void missingDeviceInformationIsReportedBeforeTheDialogShows()
+    {
+        CDocumentUser user;
+        QVERIFY(user.open(groups));
+        user.forgetStatuses();
+        QStringList statuses;
+        const CWhenShown<CDeviceInfoDialog> showing([&](CDeviceInfoDialog* dialog) {
+            statuses = user.statuses();
+            dialog->close();
+        });
+        user.window->showDeviceInfo();
+        QCOMPARE(showing.count(), 1);
+        QCOMPARE(statuses, QStringList{ "No device info present" });
+        QCOMPARE(user.statuses(), statuses);
+    }
+
+    void aDocumentMayDisappearWhileItIsConnected()
+    {
+        CGatewayLink link;
+        const CSheetFile sheet(groups);
+        QPointer<CMDIWindow> window = new CMDIWindow;
+        const CWhenShown<CConnectNodeDialog> connecting([&](CConnectNodeDialog*) { delete window; });
+        QVERIFY(!window->openDocument(sheet.name(), &link.access));
+        QVERIFY(window.isNull());
+        QCOMPARE(connecting.count(), 1);
+    }
+
+    void aDocumentMayDisappearWhileALoadFailureIsShown()
+    {
+        const CSheetFile sheet("bad");
+        QPointer<CMDIWindow> window = new CMDIWindow;
+        const CWhenShown<QMessageBox> failing([&](QMessageBox*) { delete window; });
+        QVERIFY(!window->openDocument(sheet.name(), nullptr));
+        QVERIFY(window.isNull());
+        QCOMPARE(failing.count(), 1);
+    }
+
+    void aDocumentMayDisappearWhileItsDeviceInformationIsShown()
+    {
+        QPointer<CMDIWindow> window = new CMDIWindow;
+        const CWhenShown<CDeviceInfoDialog> showing([&](CDeviceInfoDialog*) { delete window; });
+        window->showDeviceInfo();
+        QVERIFY(window.isNull());
+        QCOMPARE(showing.count(), 1);
+    }
+
+private:
+    /// The texts of the items below; " +" marks open ones.
+    static QStringList children(const QTreeWidgetItem* item)
+    {
+        QStringList texts;
+        for (int place = 0; place < item->childCount(); ++place)
+            texts << item->child(place)->text(0) + (item->child(place)->isExpanded() ? " +" : "");
+        return texts;
+    }
+
+    const CTempSettings m_settings;
+    CBoxCatcher m_boxes;
+};
+
+QTEST_MAIN(TestMDIWindowOpening)
+#include "TestMDIWindowOpening.moc"

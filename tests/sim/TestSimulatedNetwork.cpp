@@ -1,0 +1,110 @@
+// The simulated devices by their node-ids: what can be added, and that each device is one of its own.
+// SPDX-License-Identifier: MIT
+#include "SheetFile.h"
+#include "SimulatedNetwork.h"
+
+#include <QTest>
+
+namespace
+{
+
+const char sheet[] = R"([ManufacturerObjects]
+1=0x2000
+2=0x2001
+[2000]
+ParameterName=Number
+ObjectType=0x7
+DataType=0x0005
+AccessType=rw
+DefaultValue=5
+[2001]
+ParameterName=COB-ID
+ObjectType=0x7
+DataType=0x0005
+AccessType=ro
+DefaultValue=$NODEID+0x80
+)";
+
+} // namespace
+
+class TestSimulatedNetwork : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void devicesAreFoundByTheirNodeId();
+    void devicesOfOneSheetKeepTheirOwnValues();
+    void commandToAllReachesEachDevice();
+    void sheetsThatCannotBeServedAreRefused_data();
+    void sheetsThatCannotBeServedAreRefused();
+    void firstAndLastNodeIdAreTaken();
+
+private:
+    const CSheetFile m_sheet{ sheet };
+};
+
+void TestSimulatedNetwork::devicesAreFoundByTheirNodeId()
+{
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, m_sheet.name()), QString());
+    QVERIFY(network.node(5) != nullptr);
+    QVERIFY(network.node(6) == nullptr);
+}
+
+void TestSimulatedNetwork::devicesOfOneSheetKeepTheirOwnValues()
+{
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, m_sheet.name()), QString());
+    QCOMPARE(network.add(7, m_sheet.name()), QString());
+    QCOMPARE(network.node(5)->write(0x2000, 0, "\x01"), abortNone);
+    QCOMPARE(network.node(7)->read(0x2000, 0).data, QByteArray("\x05"));
+    QCOMPARE(network.node(7)->read(0x2001, 0).data, QByteArray("\x87"));
+}
+
+void TestSimulatedNetwork::commandToAllReachesEachDevice()
+{
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, m_sheet.name()), QString());
+    QCOMPARE(network.add(7, m_sheet.name()), QString());
+    network.command(0, nmtStart);
+    QCOMPARE(network.node(5)->state(), stateOperational);
+    QCOMPARE(network.node(7)->state(), stateOperational);
+    network.command(7, nmtStop);
+    QCOMPARE(network.node(5)->state(), stateOperational);
+    QCOMPARE(network.node(7)->state(), stateStopped);
+    network.command(6, nmtStop); // nobody is there: nothing happens
+    QCOMPARE(network.node(5)->state(), stateOperational);
+}
+
+void TestSimulatedNetwork::sheetsThatCannotBeServedAreRefused_data()
+{
+    QTest::addColumn<unsigned>("nodeId");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("node 0") << 0U << QByteArray(sheet) << QString("node-id 0 is not in 1 to 127");
+    QTest::newRow("node 128") << 128U << QByteArray(sheet) << QString("node-id 128 is not in 1 to 127");
+    QTest::newRow("node taken") << 5U << QByteArray(sheet) << QString("node-id 5 is given twice");
+    QTest::newRow("syntax error") << 6U << QByteArray("[1000\n") << QString("not a valid data sheet: %1");
+    QTest::newRow("empty") << 6U << QByteArray() << QString("no objects in %1");
+}
+
+void TestSimulatedNetwork::sheetsThatCannotBeServedAreRefused()
+{
+    QFETCH(unsigned, nodeId);
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, m_sheet.name()), QString());
+    const CSheetFile file(text);
+    QCOMPARE(network.add(nodeId, file.name()), message.replace("%1", file.name()));
+}
+
+void TestSimulatedNetwork::firstAndLastNodeIdAreTaken()
+{
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(1, m_sheet.name()), QString());
+    QCOMPARE(network.add(127, m_sheet.name()), QString());
+}
+
+QTEST_GUILESS_MAIN(TestSimulatedNetwork)
+#include "TestSimulatedNetwork.moc"

@@ -1,0 +1,208 @@
+// Drives a main frame as a user does: by keys, menus, clicks and what is entered in its dialogs.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ConnectNodeDialog.h"
+#include "InitInterfaceDialog.h"
+#include "MDIWindow.h"
+#include "MainFrame.h"
+#include "WhenShown.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QStatusBar>
+#include <QTest>
+#include <QTimer>
+
+/// What is done in a modal dialog, as soon as it is shown.
+namespace inDialog
+{
+
+inline void clickButton(QWidget* dialog, const QString& text)
+{
+    for (auto* button : dialog->findChildren<QPushButton*>())
+        if (button->text() == text)
+            return QTest::mouseClick(button, Qt::LeftButton);
+}
+
+/// Types any characters; QTest knows the keys of ASCII only.
+inline void typeText(QWidget* widget, const QString& text)
+{
+    for (const QChar character : text) {
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, character);
+        QCoreApplication::sendEvent(widget, &press);
+    }
+}
+
+/// Types the interface and clicks OK.
+inline void enterInterface(CInitInterfaceDialog* dialog, const QString& text)
+{
+    for (auto* box : dialog->findChildren<QComboBox*>())
+        if (box->isEditable()) {
+            box->lineEdit()->selectAll();
+            QTest::keyClick(box->lineEdit(), Qt::Key_Delete);
+            typeText(box->lineEdit(), text);
+        }
+    clickButton(dialog, "&OK");
+}
+
+/// Connects to the node, or stays off-line with node 0.
+inline void chooseNode(CConnectNodeDialog* dialog, int nodeId)
+{
+    if (nodeId == 0)
+        return clickButton(dialog, "&Offline");
+    auto* box = dialog->findChild<QSpinBox*>();
+    box->selectAll();
+    QTest::keyClicks(box, QString::number(nodeId));
+    clickButton(dialog, "&Connect");
+}
+
+inline void chooseFile(QFileDialog* dialog, const QString& name)
+{
+    dialog->findChild<QLineEdit*>("fileNameEdit")->setText(name);
+    dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->click();
+}
+
+inline void cancel(QDialog* dialog)
+{
+    QTest::keyClick(dialog, Qt::Key_Escape);
+}
+
+} // namespace inDialog
+
+/// A main frame on the screen, with the caption that the program starts with.
+class CFrameDriver
+{
+public:
+    CFrameDriver()
+    {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        frame.setWindowTitle("CANopen Object Browser - Version 0.2 Build 61");
+        frame.show();
+        activate();
+    }
+    /// Makes the frame the active window, as the window manager does when a dialog ends.
+    void activate()
+    {
+        frame.activateWindow();
+        if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &frame; }))
+            qFatal("the frame does not become active");
+    }
+
+    QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }
+    QMdiArea* workspace() const { return frame.findChild<QMdiArea*>(); }
+    QMdiSubWindow* subWindow(int position) const { return workspace()->subWindowList().value(position); }
+    CMDIWindow* document(int position) const
+    {
+        const QMdiSubWindow* window = subWindow(position);
+        return window != nullptr ? qobject_cast<CMDIWindow*>(window->widget()) : nullptr;
+    }
+    qsizetype documentCount() const { return workspace()->subWindowList().size(); }
+
+    QString statusText() const { return frame.statusBar()->currentMessage(); }
+    /// How long the status text is shown in all, in milliseconds; 0 when for good.
+    int statusTime() const
+    {
+        for (const auto* timer : frame.statusBar()->findChildren<QTimer*>())
+            if (timer->isActive())
+                return timer->interval();
+        return 0;
+    }
+
+    /// The menu of that title, in the menu bar.
+    QMenu* menu(const QString& title) const
+    {
+        for (const QAction* item : frame.menuBar()->actions())
+            if (item->text() == title)
+                return item->menu();
+        return nullptr;
+    }
+    /// Opens it by a click.
+    QMenu* openMenu(const QString& title)
+    {
+        QMenu* opened = menu(title);
+        QTest::mouseClick(frame.menuBar(), Qt::LeftButton, {},
+                          frame.menuBar()->actionGeometry(opened->menuAction()).center());
+        return opened;
+    }
+    void closeMenu() { QTest::keyClick(&frame, Qt::Key_Escape); }
+    /// Opens it and closes it again: its items are then up to date.
+    QMenu* seeMenu(const QString& title)
+    {
+        QMenu* seen = openMenu(title);
+        seen->close();
+        return seen;
+    }
+    /// Opens the File menu and in it the one of the recently used files, by keys.
+    QMenu* openRecentMenu()
+    {
+        QMenu* fileMenu = openMenu("&File");
+        QMenu* recentMenu = fileMenu->actions().at(1)->menu();
+        QTest::keyClick(fileMenu, Qt::Key_Down);
+        QTest::keyClick(fileMenu, Qt::Key_Down);
+        QTest::keyClick(fileMenu, Qt::Key_Right);
+        return recentMenu;
+    }
+    QMenu* seeRecentMenu()
+    {
+        QMenu* seen = openRecentMenu();
+        seen->close();
+        menu("&File")->close();
+        return seen;
+    }
+    /// Chooses the item at that position of an open menu by a click.
+    static void clickItem(QMenu* opened, int position)
+    {
+        QTest::mouseClick(opened, Qt::LeftButton, {}, opened->actionGeometry(opened->actions().at(position)).center());
+    }
+    /// Chooses the item with that text from a menu of the menu bar.
+    void choose(const QString& title, const QString& text)
+    {
+        QMenu* opened = openMenu(title);
+        clickItem(opened, static_cast<int>(textsOf(opened).indexOf(text)));
+    }
+    /// The texts of a menu's or tool bar's items; a separator is "—".
+    static QStringList textsOf(const QWidget* bar)
+    {
+        QStringList texts;
+        for (const QAction* item : bar->actions())
+            texts << (item->isSeparator() ? QString::fromUtf8("—") : item->text());
+        return texts;
+    }
+
+    /// Initialises the interface by the menu and the dialog.
+    void initialize(const QString& text)
+    {
+        const CWhenShown<CInitInterfaceDialog> dialog([&](auto* shown) { inDialog::enterInterface(shown, text); });
+        choose("&Interface", "&Initialize...");
+        activate();
+    }
+    void initializeGateway(unsigned port) { initialize("127.0.0.1:" + QString::number(port)); }
+    /// Opens a file by Ctrl+O and the file dialog; connects it when there is an interface.
+    void open(const QString& name, int nodeId = 0)
+    {
+        const CWhenShown<QFileDialog> files([&](auto* shown) { inDialog::chooseFile(shown, name); });
+        const CWhenShown<CConnectNodeDialog> node([&](auto* shown) { inDialog::chooseNode(shown, nodeId); });
+        press(Qt::Key_O);
+        activate();
+    }
+    /// Presses a key, with Ctrl unless told otherwise, in the widget of the frame that has the focus.
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
+    {
+        activate();
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus != nullptr ? focus : &frame, key, modifiers);
+    }
+
+    CMainFrame frame;
+};
