@@ -3,7 +3,7 @@
 #include "dic/EdsLoad.h"
 
 #include "dic/CANopen.h"
-#include "dic/CANopenReader.h"
+#include "dic/EdsGrammar.h"
 #include "dic/IniReader.h"
 #include "dic/Utf8Text.h"
 
