@@ -58,9 +58,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("shortcut");
-        QTest::newRow("connect") << "connect" << "&Connect" << "Alt+C";
-        QTest::newRow("offline") << "offline" << "&Offline" << "Alt+O";
-        QTest::newRow("search") << "search" << "&Search node" << "Alt+S";
+        QTest::newRow("connect") << "connect"
+                                 << "&Connect"
+                                 << "Alt+C";
+        QTest::newRow("offline") << "offline"
+                                 << "&Offline"
+                                 << "Alt+O";
+        QTest::newRow("search") << "search"
+                                << "&Search node"
+                                << "Alt+S";
     }
     void buttonsHaveTheirTextsAndShortcuts()
     {
@@ -75,15 +81,20 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("toolTip");
         QTest::addColumn<QString>("whatsThis");
-        QTest::newRow("list") << "node-id list box" << "Select a node-id."
+        QTest::newRow("list") << "node-id list box"
+                              << "Select a node-id."
                               << "Select the node-id. for the device to connect.";
-        QTest::newRow("spin box") << "node-id spin box" << "Enter a node-id."
+        QTest::newRow("spin box") << "node-id spin box"
+                                  << "Enter a node-id."
                                   << "Enter the node-id. for the device to connect.";
-        QTest::newRow("Connect") << "connect push button" << "On-line mode "
+        QTest::newRow("Connect") << "connect push button"
+                                 << "On-line mode "
                                  << "Connect the object dictionary to a CANopen device.";
-        QTest::newRow("Offline") << "offline push button" << "Off-line mode"
+        QTest::newRow("Offline") << "offline push button"
+                                 << "Off-line mode"
                                  << "Operate on the object dictionary in off-line mode.";
-        QTest::newRow("Search") << "search push button" << "Search a node"
+        QTest::newRow("Search") << "search push button"
+                                << "Search a node"
                                 << "Try to find a CANopen Node to connect the object dictionary to.";
     }
     void helpTexts()

@@ -39,7 +39,8 @@ const tField fields[] = {
     { 1, "", "Baud rate index 6", "Shows if the given baud rate is supported." },
     { 1, "", "Baud rate index 7", "Shows if the given baud rate is supported." },
     { 1, "", "Baud rate index 8", "Shows if the given baud rate is supported." },
-    { 2, "Simple boot-up master:", "Simple boot-up master", "Shows if the simple boot-up master function is supported." },
+    { 2, "Simple boot-up master:", "Simple boot-up master",
+      "Shows if the simple boot-up master function is supported." },
     { 2, "Simple boot-up slave:", "Simple boot-up slave", nullptr },
     { 2, "Number of PDOs:", "Number of PDOs", "Shows the number of Receive PDOs and transmit PDOs." },
     { 2, "Granularity:", "PDO granularity", "Shows the PDO mapping granularity." },
@@ -82,12 +83,13 @@ std::unique_ptr<CCANopen> dictionaryOf(const QByteArray& text)
     return dictionary;
 }
 
-constexpr char fullSheet[] = "[FileInfo]\nFileVersion=7\nEDSVersion=4.2\nDescription=A %1 test\nCreationTime=10:00AM\n"
-                             "CreationDate=01-02-2026\nCreatedBy=me %2\n"
-                             "[DeviceInfo]\nVendorName=ACME %1\nProductName=Box\nVendorNumber=0xFFFFFFFF\nProductNumber=42\n"
-                             "RevisionNumber=0x00010002\nOrderCode=A-1\nBaudRate_1000=1\nBaudRate_125=1\nBaudRate_100=1\n"
-                             "BaudRate_10=1\nSimpleBootUpMaster=1\nGranularity=8\nNrOfRXPDO=4\nNrOfTXPDO=500\n"
-                             "GroupMessaging=1\nLSS_Supported=1\n";
+constexpr char fullSheet[] =
+    "[FileInfo]\nFileVersion=7\nEDSVersion=4.2\nDescription=A %1 test\nCreationTime=10:00AM\n"
+    "CreationDate=01-02-2026\nCreatedBy=me %2\n"
+    "[DeviceInfo]\nVendorName=ACME %1\nProductName=Box\nVendorNumber=0xFFFFFFFF\nProductNumber=42\n"
+    "RevisionNumber=0x00010002\nOrderCode=A-1\nBaudRate_1000=1\nBaudRate_125=1\nBaudRate_100=1\n"
+    "BaudRate_10=1\nSimpleBootUpMaster=1\nGranularity=8\nNrOfRXPDO=4\nNrOfTXPDO=500\n"
+    "GroupMessaging=1\nLSS_Supported=1\n";
 
 } // namespace
 
@@ -147,12 +149,11 @@ private Q_SLOTS:
         CDeviceInfoDialog dialog;
         QCOMPARE(dialog.populate(dictionaryOf(fullSheet).get()), true);
         QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
-        QCOMPARE(textsOf(dialog, 0),
-                 QStringList({ "ACME %1", "4294967295", "Box", "42", "1.2", "A-1", "A %1 test" }));
-        QCOMPARE(textsOf(dialog, 1),
-                 QStringList({ "1.0 MBit/s  is supported", "800 kBit/s  is not supported", "500 kBit/s  is not supported",
-                               "250 kBit/s  is not supported", "125 kBit/s  is supported", "50 kBit/s  is not supported",
-                               "20 kBit/s  is not supported", "10 kBit/s  is supported" }));
+        QCOMPARE(textsOf(dialog, 0), QStringList({ "ACME %1", "4294967295", "Box", "42", "1.2", "A-1", "A %1 test" }));
+        QCOMPARE(textsOf(dialog, 1), QStringList({ "1.0 MBit/s  is supported", "800 kBit/s  is not supported",
+                                                   "500 kBit/s  is not supported", "250 kBit/s  is not supported",
+                                                   "125 kBit/s  is supported", "50 kBit/s  is not supported",
+                                                   "20 kBit/s  is not supported", "10 kBit/s  is supported" }));
         QCOMPARE(textsOf(dialog, 2),
                  QStringList({ "is supported", "is not supported", "4 RxPDO(s) and 500 TxPDO(s) supported",
                                "8 - dynamic mapping supported", "is not supported", "is supported", "is supported" }));
@@ -196,7 +197,8 @@ private Q_SLOTS:
     void aNullDictionaryIsReportedAndCostsNothing()
     {
         CDeviceInfoDialog dialog;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^ASSERT: \"dictionary\" in .*DeviceInfoDialog.* \\([0-9]+\\)$"));
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("^ASSERT: \"dictionary\" in .*DeviceInfoDialog.* \\([0-9]+\\)$"));
         QCOMPARE(dialog.populate(nullptr), false);
     }
 

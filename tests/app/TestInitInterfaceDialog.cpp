@@ -30,11 +30,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("buddy");
-        QTest::newRow("interface") << "&Interface:" << "interface combo box";
-        QTest::newRow("baud rate") << "&Baud rate:" << "baud rate combo box";
-        QTest::newRow("unit") << "Kbps (CiA Bit-timing)" << "";
-        QTest::newRow("node-id") << "&Node-Id.:" << "master id spin box";
-        QTest::newRow("master") << "for CANopen Master" << "";
+        QTest::newRow("interface") << "&Interface:"
+                                   << "interface combo box";
+        QTest::newRow("baud rate") << "&Baud rate:"
+                                   << "baud rate combo box";
+        QTest::newRow("unit") << "Kbps (CiA Bit-timing)"
+                              << "";
+        QTest::newRow("node-id") << "&Node-Id.:"
+                                 << "master id spin box";
+        QTest::newRow("master") << "for CANopen Master"
+                                << "";
     }
     void labelsNameTheFields()
     {
@@ -87,15 +92,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("toolTip");
         QTest::addColumn<QString>("whatsThis");
-        QTest::newRow("interface") << "interface combo box" << "Interface to initialize"
+        QTest::newRow("interface") << "interface combo box"
+                                   << "Interface to initialize"
                                    << "Enter a interface name or select one fron the list";
-        QTest::newRow("baud rate") << "baud rate combo box" << "Baud rate for CAN communication"
+        QTest::newRow("baud rate") << "baud rate combo box"
+                                   << "Baud rate for CAN communication"
                                    << "Select a baud rate for CAN communication.";
-        QTest::newRow("node-id") << "master id spin box" << "Node-Id. of the CANopen Master"
+        QTest::newRow("node-id") << "master id spin box"
+                                 << "Node-Id. of the CANopen Master"
                                  << "Enter the Node-Id. for the CANopen Master.";
-        QTest::newRow("OK") << "ok push button" << "Accept decisions"
+        QTest::newRow("OK") << "ok push button"
+                            << "Accept decisions"
                             << "Accept selection and initialize the selected interface.";
-        QTest::newRow("Cancel") << "cancel push button" << "Resistance is futile!" << "Leave without any action.";
+        QTest::newRow("Cancel") << "cancel push button"
+                                << "Resistance is futile!"
+                                << "Leave without any action.";
     }
     void helpTexts()
     {
@@ -261,7 +272,10 @@ private Q_SLOTS:
     }
 
 private:
-    static QComboBox* interfaceBox(const QDialog& dialog) { return dialog.findChild<QComboBox*>("interface combo box"); }
+    static QComboBox* interfaceBox(const QDialog& dialog)
+    {
+        return dialog.findChild<QComboBox*>("interface combo box");
+    }
     static QPushButton* button(const QDialog& dialog, const char* which)
     {
         return dialog.findChild<QPushButton*>(QString(which) + " push button");

@@ -47,7 +47,6 @@ private Q_SLOTS:
         QTimer::singleShot(0, parent, [parent] { delete parent; });
         messageBox::warning(parent, "Title", "text");
         QVERIFY(parent.isNull());
-
     }
 };
 
