@@ -46,7 +46,7 @@ class TestCANopenTypes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void unsigned8_data()
+    void unsigned8WithinItsLimits_data()
     {
         addRows({
             { "255", 255 },       { "256", refused }, { "260", refused },  { "1000", refused }, { "0", 0 },
@@ -60,9 +60,9 @@ private Q_SLOTS:
             { "\xB2", refused },
         });
     }
-    void unsigned8() { check(CCANopenTypes::ascii2unsigned8); }
+    void unsigned8WithinItsLimits() { check(CCANopenTypes::ascii2unsigned8); }
 
-    void integer8_data()
+    void integer8WithinItsLimits_data()
     {
         addRows({
             { "127", 127 },       { "128", refused },  { "130", refused }, { "-128", -128 }, { "-129", refused },
@@ -72,9 +72,9 @@ private Q_SLOTS:
             { " -5 ", -5 },       { "- 5", refused },  { "", refused },    { "0", 0 },
         });
     }
-    void integer8() { check(CCANopenTypes::ascii2integer8); }
+    void integer8WithinItsLimits() { check(CCANopenTypes::ascii2integer8); }
 
-    void unsigned16_data()
+    void unsigned16WithinItsLimits_data()
     {
         addRows({
             { "65535", 65535 },
@@ -90,9 +90,9 @@ private Q_SLOTS:
             { "", refused },
         });
     }
-    void unsigned16() { check(CCANopenTypes::ascii2unsigned16); }
+    void unsigned16WithinItsLimits() { check(CCANopenTypes::ascii2unsigned16); }
 
-    void integer16_data()
+    void integer16WithinItsLimits_data()
     {
         addRows({
             { "32767", 32767 },
@@ -107,9 +107,9 @@ private Q_SLOTS:
             { "", refused },
         });
     }
-    void integer16() { check(CCANopenTypes::ascii2integer16); }
+    void integer16WithinItsLimits() { check(CCANopenTypes::ascii2integer16); }
 
-    void unsigned32_data()
+    void unsigned32WithinItsLimits_data()
     {
         addRows({
             { "4294967295", 4294967295 },
@@ -125,9 +125,9 @@ private Q_SLOTS:
             { "", refused },
         });
     }
-    void unsigned32() { check(CCANopenTypes::ascii2unsigned32); }
+    void unsigned32WithinItsLimits() { check(CCANopenTypes::ascii2unsigned32); }
 
-    void integer32_data()
+    void integer32WithinItsLimits_data()
     {
         addRows({
             { "2147483647", 2147483647 },
@@ -143,7 +143,7 @@ private Q_SLOTS:
             { "", refused },
         });
     }
-    void integer32() { check(CCANopenTypes::ascii2integer32); }
+    void integer32WithinItsLimits() { check(CCANopenTypes::ascii2integer32); }
 
     void aNullTextIsReportedAndCountsAsEmpty()
     {

@@ -76,7 +76,7 @@ private Q_SLOTS:
         QTEST(button(dialog, name)->shortcut().toString(), "shortcut");
     }
 
-    void helpTexts_data()
+    void widgetsCarryTheirHelpTexts_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("toolTip");
@@ -97,7 +97,7 @@ private Q_SLOTS:
                                 << "Search a node"
                                 << "Try to find a CANopen Node to connect the object dictionary to.";
     }
-    void helpTexts()
+    void widgetsCarryTheirHelpTexts()
     {
         CConnectNodeDialog dialog;
         QFETCH(const QString, name);

@@ -83,7 +83,7 @@ class TestDateTimeTexts : public QObject
 private Q_SLOTS:
     void init() { setZone("Europe/Berlin"); }
 
-    void dates_data()
+    void datesAreReadInThreeLayouts_data()
     {
         // milliseconds low, 0, minute, hour, day, month, year
         addRows({
@@ -137,7 +137,7 @@ private Q_SLOTS:
             { "4294967297.1.2009", "refused" },
         });
     }
-    void dates()
+    void datesAreReadInThreeLayouts()
     {
         QFETCH(const tBytes, text);
         QTEST(dateOf(text), "bytes");
@@ -177,7 +177,7 @@ private Q_SLOTS:
         QVERIFY2(times.count(times[2]) > 1, times.join('\n').constData());
     }
 
-    void timesOfDay_data()
+    void timesOfDayAreReadAsLocalTime_data()
     {
         // milliseconds after midnight and days since 1984, both in UTC; the texts are Berlin standard time
         addRows({
@@ -197,7 +197,7 @@ private Q_SLOTS:
             { "1.1.2009 24:0", "refused" },
         });
     }
-    void timesOfDay()
+    void timesOfDayAreReadAsLocalTime()
     {
         QFETCH(const tBytes, text);
         QTEST(timeOf(text), "bytes");
@@ -208,7 +208,7 @@ private Q_SLOTS:
         QCOMPARE(timeOf("1984-01-01 00:00:00.000").right(5), tBytes("ff ff"));
     }
 
-    void datesToText_data()
+    void datesShowInIsoOrder_data()
     {
         addRows({
             { "c2 eb 1e 12 18 0c 09", "2009-12-24 " },   // 60354 ms: no such time
@@ -223,7 +223,7 @@ private Q_SLOTS:
             { "00 00 1e 02 1d 03 0f", "2015-03-29 02:30:00.000" }, // skipped in Berlin when summer time began
         });
     }
-    void datesToText()
+    void datesShowInIsoOrder()
     {
         QFETCH(const tBytes, text);
         QFETCH(const tBytes, bytes);
@@ -236,7 +236,7 @@ private Q_SLOTS:
         QCOMPARE(textOfDate("00 00 00 00 01 01 63").left(4), QString("1999"));
     }
 
-    void timesOfDayToText_data()
+    void timesOfDayShowInLocalTime_data()
     {
         QTest::addColumn<QByteArray>("zone");
         QTest::addColumn<quint32>("milliseconds");
@@ -253,7 +253,7 @@ private Q_SLOTS:
         row("a second later does not", "UTC", 1000, 19724, "1970-01-01 00:00:00.000");
         row("the last day", "UTC", 4294967295U, 65535, "1970-01-01 00:00:00.000");
     }
-    void timesOfDayToText()
+    void timesOfDayShowInLocalTime()
     {
         QFETCH(const QByteArray, zone);
         QFETCH(const quint32, milliseconds);

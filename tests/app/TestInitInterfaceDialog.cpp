@@ -87,7 +87,7 @@ private Q_SLOTS:
         QCOMPARE(dialog.getBaudrate(), 3);
     }
 
-    void helpTexts_data()
+    void widgetsCarryTheirHelpTexts_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("toolTip");
@@ -108,7 +108,7 @@ private Q_SLOTS:
                                 << "Resistance is futile!"
                                 << "Leave without any action.";
     }
-    void helpTexts()
+    void widgetsCarryTheirHelpTexts()
     {
         CInitInterfaceDialog dialog;
         QFETCH(const QString, name);

@@ -151,7 +151,7 @@ private Q_SLOTS:
         m_user.reset();
     }
 
-    void objects_data()
+    void pressingAnObjectFillsTheForm_data()
     {
         QTest::addColumn<QStringList>("objectPart");
         QTest::addColumn<QStringList>("entryPart");
@@ -181,7 +181,7 @@ private Q_SLOTS:
                    "Entry: Subndex  0h", "%1 & %2", "Visible String", "RW", "Visible String", "%1%2%3", "-", "-"
                };
     }
-    void objects()
+    void pressingAnObjectFillsTheForm()
     {
         m_user->press(QString(QTest::currentDataTag()));
         QTEST(m_user->objectPart(), "objectPart");
@@ -190,7 +190,7 @@ private Q_SLOTS:
         QCOMPARE(m_user->statuses(), QStringList());
     }
 
-    void entries_data()
+    void pressingAnEntryFillsTheForm_data()
     {
         QTest::addColumn<QString>("object");
         QTest::addColumn<QStringList>("entryPart");
@@ -212,7 +212,7 @@ private Q_SLOTS:
                                    << QStringList{ "Entry: Subndex  0h", "Twice", "Unsigned8", "RW",
                                                    "Unsigned8",          "",      "-",         "-" };
     }
-    void entries()
+    void pressingAnEntryFillsTheForm()
     {
         QFETCH(const QString, object);
         m_user->press(object, QTest::currentDataTag());

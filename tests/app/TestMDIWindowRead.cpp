@@ -19,7 +19,7 @@ private Q_SLOTS:
         m_boxes.clear();
     }
 
-    void values_data()
+    void valuesShowInTheDisplayMode_data()
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<QByteArray>("wireType");
@@ -68,7 +68,7 @@ private Q_SLOTS:
         row("Boolean", TEntry::typeBoolean, "d", base64("\x01"), "1 ", "001 ", "0x01 ");
         row("Domain without data", TEntry::typeDomain, "d", "=", "", "", "");
     }
-    void values()
+    void valuesShowInTheDisplayMode()
     {
         QFETCH(const int, type);
         QFETCH(const QByteArray, wireType);
@@ -95,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(m_boxes.count(), 0);
     }
 
-    void failures_data()
+    void aFailedReadShowsItsReason_data()
     {
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<QString>("reason");
@@ -107,7 +107,7 @@ private Q_SLOTS:
         QTest::newRow("error 0") << QByteArray("ERROR: 0") << "Error code -600";
         QTest::newRow("error without number") << QByteArray("Error:") << "Error code -70";
     }
-    void failures()
+    void aFailedReadShowsItsReason()
     {
         QFETCH(const QByteArray, answer);
         QFETCH(const QString, reason);

@@ -20,7 +20,7 @@ private Q_SLOTS:
         m_boxes.clear();
     }
 
-    void values_data()
+    void valuesAreSentAndShown_data()
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<QString>("text");
@@ -60,7 +60,7 @@ private Q_SLOTS:
         row(TEntry::typeTimeOfDay, "2009-12-24 18:30:15.250", "d " + base64(QByteArray::fromHex("5289C1031125")),
             "2009-12-24 18:30:15.000", "122 211 301 003 021 045 ", "0x52 0x89 0xC1 0x03 0x11 0x25 ");
     }
-    void values()
+    void valuesAreSentAndShown()
     {
         QFETCH(const int, type);
         QFETCH(const QString, text);
@@ -156,7 +156,7 @@ private Q_SLOTS:
         QCOMPARE(document.value(), before);
     }
 
-    void failures_data()
+    void aFailedSendShowsItsReason_data()
     {
         QTest::addColumn<std::string>("answer");
         QTest::addColumn<QString>("reason");
@@ -167,7 +167,7 @@ private Q_SLOTS:
         QTest::newRow("error 103") << std::string("[#] ERROR: 103\r\n") << "Error code -703";
         QTest::newRow("a number") << std::string("[#] 7\r\n") << "Error code -70";
     }
-    void failures()
+    void aFailedSendShowsItsReason()
     {
         QFETCH(const std::string, answer);
         QFETCH(const QString, reason);

@@ -76,12 +76,12 @@ class TestMainFrameActions : public QObject
 private Q_SLOTS:
     void init() { m_store.emplace(); }
 
-    void actions_data();
-    void actions();
+    void actionsHaveTheirTextsAndHelp_data();
+    void actionsHaveTheirTextsAndHelp();
     void thereAreFourteenActions();
     void menuBarEndsWithASeparatorAndHelp();
-    void menuContents_data();
-    void menuContents();
+    void menusHoldTheirItemsInOrder_data();
+    void menusHoldTheirItemsInOrder();
     void toolBarHoldsFileOperations();
     void toolButtonsShowTheActions();
     void frameIsNamedMainWindow();
@@ -104,14 +104,14 @@ private:
     std::optional<CTempSettings> m_store;
 };
 
-void TestMainFrameActions::actions_data()
+void TestMainFrameActions::actionsHaveTheirTextsAndHelp_data()
 {
     QTest::addColumn<const tActionRow*>("row");
     for (const tActionRow& row : actionRows)
         QTest::newRow(row.name) << &row;
 }
 
-void TestMainFrameActions::actions()
+void TestMainFrameActions::actionsHaveTheirTextsAndHelp()
 {
     QFETCH(const tActionRow*, row);
     const CMainFrame frame;
@@ -146,7 +146,7 @@ void TestMainFrameActions::menuBarEndsWithASeparatorAndHelp()
              QStringList({ "&File", "&Device", "&Interface", "&Windows", separator, "&Help" }));
 }
 
-void TestMainFrameActions::menuContents_data()
+void TestMainFrameActions::menusHoldTheirItemsInOrder_data()
 {
     QTest::addColumn<QStringList>("items");
     QTest::newRow("&File") << QStringList{ "&Open...", "&Recently used", separator, "&Print...", separator,
@@ -158,7 +158,7 @@ void TestMainFrameActions::menuContents_data()
                                            "About &Qt" };
 }
 
-void TestMainFrameActions::menuContents()
+void TestMainFrameActions::menusHoldTheirItemsInOrder()
 {
     CFrameDriver driver;
     QTEST(CFrameDriver::textsOf(driver.seeMenu(QTest::currentDataTag())), "items");

@@ -38,8 +38,8 @@ private Q_SLOTS:
     void notRealizedCommands_data();
     void notRealizedCommands();
     void notRealizedMenuItems();
-    void aboutBox();
-    void aboutQtBox();
+    void aboutBoxNamesTheProduct();
+    void aboutQtBoxHasTheProgramsTitle();
     void contextHelpKeyStartsWhatsThisMode();
     void menusOpenByTheirMnemonics();
     void keyboardAloneChoosesAnItem();
@@ -230,7 +230,7 @@ void TestMainFrameCommands::notRealizedMenuItems()
     QCOMPARE(catcher.only().title, QString("Velmora - Print"));
 }
 
-void TestMainFrameCommands::aboutBox()
+void TestMainFrameCommands::aboutBoxNamesTheProduct()
 {
     const CBoxCatcher catcher;
     CFrameDriver driver;
@@ -247,7 +247,7 @@ void TestMainFrameCommands::aboutBox()
     QCOMPARE(catcher.only().format, Qt::PlainText);
 }
 
-void TestMainFrameCommands::aboutQtBox()
+void TestMainFrameCommands::aboutQtBoxHasTheProgramsTitle()
 {
     const CBoxCatcher catcher;
     CFrameDriver driver;

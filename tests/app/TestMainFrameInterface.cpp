@@ -39,8 +39,8 @@ private Q_SLOTS:
     void localhostReachesTheGateway();
     void successEntersTheHistory();
     void failureLeavesTheHistory();
-    void failureBox_data();
-    void failureBox();
+    void failureShowsABoxWithItsReason_data();
+    void failureShowsABoxWithItsReason();
     void withoutInterfaceTextTheFacadeRefuses();
     void failureDeletesTheFacade();
     void failureTakesTheFacadeFromTheDocuments();
@@ -113,7 +113,7 @@ void TestMainFrameInterface::failureLeavesTheHistory()
     QCOMPARE(history(2), QString());
 }
 
-void TestMainFrameInterface::failureBox_data()
+void TestMainFrameInterface::failureShowsABoxWithItsReason_data()
 {
     const QString refused = loopback(CFakeGateway()); // gone by the time that the test connects
     QTest::addColumn<int>("error");
@@ -125,7 +125,7 @@ void TestMainFrameInterface::failureBox_data()
         QTest::newRow(name) << -98 << "Function not supported!";
 }
 
-void TestMainFrameInterface::failureBox()
+void TestMainFrameInterface::failureShowsABoxWithItsReason()
 {
     QFETCH(const int, error);
     QFETCH(const QString, text);

@@ -26,8 +26,8 @@ private Q_SLOTS:
     void init() { m_store.emplace(); }
 
     void propertiesWithoutInterface();
-    void properties_data();
-    void properties();
+    void propertiesShowTheTextsOfTheGateway_data();
+    void propertiesShowTheTextsOfTheGateway();
     void propertiesThatFail_data();
     void propertiesThatFail();
 
@@ -47,7 +47,7 @@ void TestMainFrameProperties::propertiesWithoutInterface()
     QCOMPARE(catcher.only().icon, QMessageBox::Warning);
 }
 
-void TestMainFrameProperties::properties_data()
+void TestMainFrameProperties::propertiesShowTheTextsOfTheGateway_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<QString>("text");
@@ -64,7 +64,7 @@ void TestMainFrameProperties::properties_data()
     QTest::newRow("500 characters") << '"' + hundred.repeated(5) + '"' << QString(99, 'x');
 }
 
-void TestMainFrameProperties::properties()
+void TestMainFrameProperties::propertiesShowTheTextsOfTheGateway()
 {
     QFETCH(const QByteArray, answer);
     QFETCH(const QString, text);

@@ -15,7 +15,7 @@ class TestValueFormats : public QObject
     enum { hex = 0, dec = 1, oct = 2 };
 
 private Q_SLOTS:
-    void integers_data()
+    void integersShowInTheirFormat_data()
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<quint32>("bits");
@@ -44,7 +44,7 @@ private Q_SLOTS:
         row("Unsigned32 10", unsigned32, 10, "10", "00000000012", "0x0000000A");
         row("Unsigned32 4294967295", unsigned32, 4294967295, "4294967295", "37777777777", "0xFFFFFFFF");
     }
-    void integers()
+    void integersShowInTheirFormat()
     {
         QFETCH(const int, type);
         QFETCH(const quint32, bits);

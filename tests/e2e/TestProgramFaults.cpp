@@ -40,10 +40,10 @@ class TestProgramFaults : public QObject
 private Q_SLOTS:
     void init();
 
-    void reads_data();
-    void reads();
-    void sends_data();
-    void sends();
+    void aReadSurvivesTheFault_data();
+    void aReadSurvivesTheFault();
+    void aSendSurvivesTheFault_data();
+    void aSendSurvivesTheFault();
     void droppedConnectionNeedsInitialisingAgain();
     void everyFaultAtOnceLeavesTheProgramUsable();
     void simulatorThatEndsIsAnErrorAndNoCrash();
@@ -60,7 +60,7 @@ void TestProgramFaults::init()
     m_store->setValue("Settings/Display", 1);
 }
 
-void TestProgramFaults::reads_data()
+void TestProgramFaults::aReadSurvivesTheFault_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("trouble"); // of the box; none: the value is shown
@@ -79,7 +79,7 @@ void TestProgramFaults::reads_data()
     QTest::newRow("abort=0x08000022") << QString() << "SDO transfer aborted: 0x8000022";
 }
 
-void TestProgramFaults::reads()
+void TestProgramFaults::aReadSurvivesTheFault()
 {
     QFETCH(const QString, value);
     QFETCH(const QString, trouble);
@@ -106,7 +106,7 @@ void TestProgramFaults::reads()
     QCOMPARE(catcher.count(), boxes);
 }
 
-void TestProgramFaults::sends_data()
+void TestProgramFaults::aSendSurvivesTheFault_data()
 {
     QTest::addColumn<QString>("trouble");
     QTest::newRow("double") << QString();
@@ -119,7 +119,7 @@ void TestProgramFaults::sends_data()
     QTest::newRow("abort=0x06010000") << "SDO transfer aborted: 0x6010000";
 }
 
-void TestProgramFaults::sends()
+void TestProgramFaults::aSendSurvivesTheFault()
 {
     QFETCH(const QString, trouble);
     CSystemCalls calls;

@@ -66,8 +66,8 @@ class TestTcpCommands : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyAnswer_data();
-    void everyAnswer();
+    void everyAnswerHasItsResult_data();
+    void everyAnswerHasItsResult();
     void commandWithoutConnectionIsNotSent_data() { addCommands(); }
     void commandWithoutConnectionIsNotSent();
     void failedSendReadsNothingAndConsumesANumber_data() { addCommands(); }
@@ -102,12 +102,12 @@ private:
     }
 };
 
-void TestTcpCommands::everyAnswer_data()
+void TestTcpCommands::everyAnswerHasItsResult_data()
 {
     addCommands();
 }
 
-void TestTcpCommands::everyAnswer()
+void TestTcpCommands::everyAnswerHasItsResult()
 {
     const tCommand& command = fetched();
     CGatewaySession gateway;

@@ -66,20 +66,20 @@ private Q_SLOTS:
     void malformedHeadIsAFormatError();
     void headMayHoldBlanksAndAnyNumber();
     void lineThatEndsBehindTheHeadIsAFormatError();
-    void wordOK_data();
-    void wordOK();
-    void answerOfAnotherKind_data();
-    void answerOfAnotherKind();
+    void theWordOkIsSuccess_data();
+    void theWordOkIsSuccess();
+    void anAnswerOfAnotherKindIsAFormatError_data();
+    void anAnswerOfAnotherKindIsAFormatError();
     void everyOtherKeywordIsAFormatError_data();
     void everyOtherKeywordIsAFormatError();
-    void errorNumber_data();
-    void errorNumber();
+    void anErrorNumberIsSubtracted_data();
+    void anErrorNumberIsSubtracted();
     void errorWithoutNumberIsAFormatError_data();
     void errorWithoutNumberIsAFormatError();
     void shortFormsOfErrorAreKnownWhereNoTextIsAwaited_data();
     void shortFormsOfErrorAreKnownWhereNoTextIsAwaited();
-    void abortCode_data();
-    void abortCode();
+    void anAbortCodeIsDelivered_data();
+    void anAbortCodeIsDelivered();
     void nullPointersAreRefusedWhenAValueArrives();
     void nullPointersDoNotMatterWithoutAValue();
     void valueClearsTheAbortCode();
@@ -115,7 +115,7 @@ void TestTcpEval::lineThatEndsBehindTheHeadIsAFormatError()
             QVERIFY2(run(evaluator, end) == ERR_FORMAT, evaluator.name);
 }
 
-void TestTcpEval::wordOK_data()
+void TestTcpEval::theWordOkIsSuccess_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("result");
@@ -127,7 +127,7 @@ void TestTcpEval::wordOK_data()
     QTest::newRow("remote frame: refused") << int(answersRemote) << int(ERR_FORMAT);
 }
 
-void TestTcpEval::wordOK()
+void TestTcpEval::theWordOkIsSuccess()
 {
     QFETCH(int, kind);
     QFETCH(int, result);
@@ -137,7 +137,7 @@ void TestTcpEval::wordOK()
                 QVERIFY2(run(evaluator, line) == result, line);
 }
 
-void TestTcpEval::answerOfAnotherKind_data()
+void TestTcpEval::anAnswerOfAnotherKindIsAFormatError_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QList<int>>("results"); // by kind
@@ -159,7 +159,7 @@ void TestTcpEval::answerOfAnotherKind_data()
         QTest::newRow(row.line) << QByteArray(row.line) << row.results;
 }
 
-void TestTcpEval::answerOfAnotherKind()
+void TestTcpEval::anAnswerOfAnotherKindIsAFormatError()
 {
     QFETCH(QByteArray, line);
     QFETCH(QList<int>, results);
@@ -260,7 +260,7 @@ void TestTcpEval::everyOtherKeywordIsAFormatError()
     }
 }
 
-void TestTcpEval::errorNumber_data()
+void TestTcpEval::anErrorNumberIsSubtracted_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("result");
@@ -288,7 +288,7 @@ void TestTcpEval::errorNumber_data()
         QTest::newRow(row.text) << QByteArray(row.text) << row.result;
 }
 
-void TestTcpEval::errorNumber()
+void TestTcpEval::anErrorNumberIsSubtracted()
 {
     QFETCH(QByteArray, text);
     for (const tEvaluator& evaluator : evaluators) {
@@ -339,7 +339,7 @@ void TestTcpEval::shortFormsOfErrorAreKnownWhereNoTextIsAwaited()
         QVERIFY2(run(evaluator, "[12] " + text) == (evaluator.kind == answersText ? 0 : result), evaluator.name);
 }
 
-void TestTcpEval::abortCode_data()
+void TestTcpEval::anAbortCodeIsDelivered_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<uint>("code");
@@ -353,7 +353,7 @@ void TestTcpEval::abortCode_data()
         QTest::newRow(text) << QByteArray(text) << code;
 }
 
-void TestTcpEval::abortCode()
+void TestTcpEval::anAbortCodeIsDelivered()
 {
     QFETCH(QByteArray, text);
     QFETCH(uint, code);

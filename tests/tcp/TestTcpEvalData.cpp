@@ -44,27 +44,27 @@ class TestTcpEvalData : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void domain_data();
-    void domain();
+    void domainIsDecoded_data();
+    void domainIsDecoded();
     void domainOfEveryLengthAndBufferSize();
     void domainNeedsLengthAndBuffer();
-    void string_data();
-    void string();
+    void stringIsTakenPlainOrQuoted_data();
+    void stringIsTakenPlainOrQuoted();
     void stringIsCutToTheBuffer_data();
     void stringIsCutToTheBuffer();
     void stringNeedsLengthAndBuffer();
     void onlyErrorWithColonIsAnErrorForTexts();
-    void canMessage_data();
-    void canMessage();
+    void canMessageIsRead_data();
+    void canMessageIsRead();
     void canMessageNeedsAllPointers();
     void canMessageReadsAtMostEightBytes();
-    void rtrMessage_data();
-    void rtrMessage();
+    void rtrMessageIsRead_data();
+    void rtrMessageIsRead();
     void rtrMessageNeedsDataUnlessTheLengthIsZero();
     void rtrMessageReadsAtMostEightBytes();
 };
 
-void TestTcpEvalData::domain_data()
+void TestTcpEvalData::domainIsDecoded_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("data");
@@ -105,7 +105,7 @@ void TestTcpEvalData::domain_data()
         QTest::newRow(text) << QByteArray(text) << data;
 }
 
-void TestTcpEvalData::domain()
+void TestTcpEvalData::domainIsDecoded()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, data);
@@ -140,7 +140,7 @@ void TestTcpEvalData::domainNeedsLengthAndBuffer()
     QCOMPARE(tcp_eval_sdo_domain("[3] QUJD", &length, nullptr, 8, nullptr), int32_t(ERR_NULL_POINTER));
 }
 
-void TestTcpEvalData::string_data()
+void TestTcpEvalData::stringIsTakenPlainOrQuoted_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("value");
@@ -179,7 +179,7 @@ void TestTcpEvalData::string_data()
         QTest::newRow(text) << QByteArray(text) << QByteArray(value);
 }
 
-void TestTcpEvalData::string()
+void TestTcpEvalData::stringIsTakenPlainOrQuoted()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, value);
@@ -239,7 +239,7 @@ void TestTcpEvalData::onlyErrorWithColonIsAnErrorForTexts()
     }
 }
 
-void TestTcpEvalData::canMessage_data()
+void TestTcpEvalData::canMessageIsRead_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("status");
@@ -281,7 +281,7 @@ void TestTcpEvalData::canMessage_data()
         QTest::newRow(row.text) << QByteArray(row.text) << row.status << row.id << row.length << row.data;
 }
 
-void TestTcpEvalData::canMessage()
+void TestTcpEvalData::canMessageIsRead()
 {
     QFETCH(QByteArray, text);
     QFETCH(int, id); // -1: not looked at
@@ -323,7 +323,7 @@ void TestTcpEvalData::canMessageReadsAtMostEightBytes()
     QCOMPARE(data[8], BYTE(77));
 }
 
-void TestTcpEvalData::rtrMessage_data()
+void TestTcpEvalData::rtrMessageIsRead_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<int>("length");
@@ -351,7 +351,7 @@ void TestTcpEvalData::rtrMessage_data()
         QTest::newRow(row.text) << row.status << row.length << row.data;
 }
 
-void TestTcpEvalData::rtrMessage()
+void TestTcpEvalData::rtrMessageIsRead()
 {
     QFETCH(QByteArray, data);
     short length = 77;

@@ -60,8 +60,8 @@ private Q_SLOTS:
     void domainReadFillsTheBuffer();
     void infoFillsTheBuffer();
     void receivesAMessage();
-    void transmits_data();
-    void transmits();
+    void transmitPutsTheDataOnALineOfTheirOwn_data();
+    void transmitPutsTheDataOnALineOfTheirOwn();
     void transmitOfTooManyBytesStaysInTheLine();
     void transmitWithoutDataIsRefusedBeforeANumberIsTaken();
 };
@@ -250,7 +250,7 @@ void TestTcpTransfers::receivesAMessage()
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
 }
 
-void TestTcpTransfers::transmits_data()
+void TestTcpTransfers::transmitPutsTheDataOnALineOfTheirOwn_data()
 {
     QTest::addColumn<int>("id");
     QTest::addColumn<QByteArray>("data");
@@ -271,7 +271,7 @@ void TestTcpTransfers::transmits_data()
         QTest::newRow(row.line) << row.id << row.data;
 }
 
-void TestTcpTransfers::transmits()
+void TestTcpTransfers::transmitPutsTheDataOnALineOfTheirOwn()
 {
     QFETCH(int, id);
     QFETCH(QByteArray, data);
