@@ -175,7 +175,5 @@ private:
     }
 };
 
-Q_DECLARE_METATYPE(tResult)
-
 QTEST_APPLESS_MAIN(TestCANopenTypes)
 #include "TestCANopenTypes.moc"
