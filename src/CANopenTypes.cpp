@@ -62,8 +62,8 @@ bool readInteger(const char* text, Value& value)
         }
     } else if (negative || *text == '+') {
         limit = negative ? largest + 1 : largest;
-        // Kept: a sign needs a character behind it, be it a blank: "- " is 0, as "0x" is, when digits are still to
-        // come.
+        // Kept: a sign needs a character behind it, be it a blank: "- " has always been 0, as "0x" is, in users' value
+        // lists.
         if (*++text == '\0')
             return false;
     }

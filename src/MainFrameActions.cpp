@@ -147,6 +147,7 @@ void CMainFrame::createActions()
             this->*row.member = action;
         connect(action, &QAction::triggered, this, [this, handler = row.handler] { handler(*this); });
     }
+    // Kept: actions are enabled only when their menu is about to show; users open the Device menu once for the button.
     m_deviceInfoAction->setEnabled(false);
 }
 

@@ -15,7 +15,8 @@ public:
     // The fields hold whatever number a data sheet gives; the enumerations name the known ones.
     // clang-format off
     enum TObjectClass : int {
-        classNULL = 0, classDOMAIN = 2, classDEFTYPE = 5, classDEFSTRUCT = 6, classVAR = 7, classARRAY = 8, classRECORD = 9
+        classNULL = 0, classDOMAIN = 2, classDEFTYPE = 5, classDEFSTRUCT = 6, classVAR = 7, classARRAY = 8,
+        classRECORD = 9
     };
     enum TObjectType : int {
         typeVoid = 0,           typeBoolean = 1,        typeInteger8 = 2,       typeInteger16 = 3,

@@ -90,7 +90,7 @@ std::uint32_t number32(const char* value)
     return Ascii2Unsigned32(value, &number) ? static_cast<std::uint32_t>(number) : 0;
 }
 
-// Kept: words such as "Yes" count as false; flags of data sheets are numbers.
+// Kept: words such as "Yes" count as false; sheets with words have always shown as "not supported".
 bool flag(const char* value)
 {
     return number16(value) != 0;
@@ -314,6 +314,7 @@ void CEdsLoad::appendObject(unsigned short index)
     m_object = objects.emplace_back(std::make_unique<CCANopenObject>(index)).get();
 }
 
+// Kept: a sub-index described twice gives two entries, so that a faulty sheet shows its fault.
 CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char subIndex, int category)
 {
     auto& entries = m_object->m_objectEntryArray;

@@ -136,8 +136,8 @@ static int32_t top_exchange(Evaluator evaluator, Out... out)
         return top_send_failed;
     top_await(top_sequence_of(top_buffer));
 
-    // Kept: without an answer this is the command itself; reads then succeed with its first word, as callers expect
-    // from gateways that stay silent.
+    // Kept: without an answer this is the command itself, or the last line that had another number; reads then succeed
+    // with its first word, as callers expect from gateways that stay silent or count for themselves.
     if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>) {
         uint32_t abort = 0;
         const int32_t result = evaluator(top_buffer, out..., &abort);
