@@ -5,6 +5,8 @@
 #include "CANopenAccess.h"
 #include "FakeGateway.h"
 
+#include <QTest>
+
 inline constexpr int gatewayLibrary = 700;
 inline constexpr long readOnly = 0x06010002;
 
@@ -111,3 +113,18 @@ inline const tOperation operations[] = {
     { "getFirmwareVersion", "[#] info software\r\n", "[#] text\r\n", plain,
       [](tAccess& access) { return readVersion(access, &tAccess::getFirmwareVersion); } },
 };
+
+/// A test's rows: one for each operation.
+inline void addOperations()
+{
+    QTest::addColumn<int>("place");
+    for (const tOperation& operation : operations)
+        QTest::newRow(operation.name) << static_cast<int>(&operation - operations);
+}
+
+/// The operation of the row that is being tested.
+inline const tOperation& fetched()
+{
+    QFETCH(int, place);
+    return operations[place];
+}

@@ -28,19 +28,6 @@ private Q_SLOTS:
     void errorTextOfZeroIsTheLastError();
     void abortTextOfZeroIsTheLastAbort();
     void codesOfTheGatewayHaveTheFallbackText();
-
-private:
-    static void addOperations()
-    {
-        QTest::addColumn<int>("place");
-        for (const tOperation& operation : operations)
-            QTest::newRow(operation.name) << static_cast<int>(&operation - operations);
-    }
-    static const tOperation& fetched()
-    {
-        QFETCH(int, place);
-        return operations[place];
-    }
 };
 
 void TestCANopenAccess::newObjectIsUnbound()
