@@ -94,5 +94,7 @@ Three steps in the browser:
 
 The device's log is in ${simulator_log#"$PWD"/}. It ends with the browser.
 END
-    build/release/src/velmora
+    build/release/src/velmora &
+    started+=("$!")
+    wait "$!" # in the background, so that ending this script ends the browser, too
 fi
