@@ -1,8 +1,10 @@
-// Misbehaviour on request: which commands a fault hits and what becomes of their answers.
+// Misbehaviour on request: the kinds of faults, and which SDO accesses a fault hits.
 // SPDX-License-Identifier: MIT
 #include "Faults.h"
 
-#include "GatewayCommands.h"
+#include "CanFaults.h"
+#include "GatewayFaults.h"
+#include "NumberText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,71 +12,53 @@
 namespace
 {
 
-constexpr qsizetype overlongLine = 2000;  // characters; clients keep 1023
-constexpr quint64 longestDelay = 3600000; // an hour, in milliseconds
-constexpr quint64 lastNumber = 0xFFFFFFFF;
+constexpr quint32 longestDelay = 3600000; // an hour, in milliseconds
+constexpr quint32 mostFrames = 100000;
+constexpr quint32 mostSegments = 100000;
+constexpr quint32 mostBytes = 1000000;
+constexpr quint32 anyByte = 0xFF;
+constexpr quint32 anyNumber = 0xFFFFFFFF;
 
-QByteArray lineOf(quint32 sequence, const QByteArray& answer)
-{
-    return '[' + QByteArray::number(sequence) + "] " + answer + "\r\n";
-}
-
-QByteArray noLine(quint32, const QByteArray&)
-{
-    return QByteArray();
-}
-
-QByteArray garbageLine(quint32 sequence, const QByteArray&)
-{
-    return lineOf(sequence, "?%\x80\xFF\x01&*~");
-}
-
-// The number of the command before, as a late answer would carry it.
-QByteArray otherLine(quint32 sequence, const QByteArray& answer)
-{
-    return lineOf(sequence - 1, answer);
-}
-
-QByteArray twoLines(quint32 sequence, const QByteArray& answer)
-{
-    return otherLine(sequence, answer) + lineOf(sequence, answer);
-}
-
-// The answer is right, the blanks behind it are too many.
-QByteArray paddedLine(quint32 sequence, const QByteArray& answer)
-{
-    return lineOf(sequence, answer.leftJustified(overlongLine, ' '));
-}
-
-int milliseconds(quint32 argument)
-{
-    return static_cast<int>(argument);
-}
-QByteArray errorText(quint32 argument)
-{
-    return "ERROR: " + QByteArray::number(argument);
-}
-QByteArray abortText(quint32 argument)
-{
-    return abortAnswer(argument).text;
-}
+namespace gateway = gatewayFaults;
+namespace can = canFaults;
 
 constexpr tFaultKind kinds[] = {
-    { "silence", "no answer", false, 0, deliverLines, nullptr, nullptr, noLine },
-    { "delay", "the answer comes NUMBER milliseconds late (1500)", false, 1500, deliverLines, milliseconds, nullptr,
-      nullptr },
-    { "drop", "the connection is closed", false, 0, deliverDrop, nullptr, nullptr, nullptr },
-    { "garbage", "bytes that are no answer, behind the right number", false, 0, deliverLines, nullptr, nullptr,
-      garbageLine },
-    { "sequence", "the answer with the number of the command before", false, 0, deliverLines, nullptr, nullptr,
-      otherLine },
-    { "double", "two lines at once, the first with another number", false, 0, deliverLines, nullptr, nullptr,
-      twoLines },
-    { "bytewise", "the answer, one byte at a time", false, 0, deliverBytewise, nullptr, nullptr, nullptr },
-    { "overlong", "the answer in a line of more than 2000 characters", false, 0, deliverLines, nullptr, nullptr,
-      paddedLine },
-    { "error", "gateway error NUMBER", true, 0, deliverLines, nullptr, errorText, nullptr },
-    { "abort", "SDO abort code NUMBER", true, 0, deliverLines, nullptr, abortText, nullptr },
+    { "silence", "no answer", numberNone, 0, 0, &gateway::silence, &can::silence },
+    { "delay", "the answer comes NUMBER milliseconds late (1500)", numberOptional, 1500, longestDelay, &gateway::delay,
+      &can::delay },
+    { "double", "two lines at once, the first with another number; on CAN each answer twice", numberNone, 0, 0,
+      &gateway::twoLines, &can::twice },
+    { "abort", "SDO abort code NUMBER", numberNeeded, 0, anyNumber, &gateway::abort, &can::abort },
+
+    { "drop", "the connection is closed", numberNone, 0, 0, &gateway::drop, nullptr },
+    { "garbage", "bytes that are no answer, behind the right number", numberNone, 0, 0, &gateway::garbage, nullptr },
+    { "sequence", "the answer with the number of the command before", numberNone, 0, 0, &gateway::sequence, nullptr },
+    { "bytewise", "the answer, one byte at a time", numberNone, 0, 0, &gateway::bytewise, nullptr },
+    { "overlong", "the answer in a line of more than 2000 characters", numberNone, 0, 0, &gateway::overlong, nullptr },
+    { "error", "gateway error NUMBER", numberNeeded, 0, anyNumber, &gateway::error, nullptr },
+
+    { "stall", "no answer from answer NUMBER of a transfer on (2); 1 answers the initiate", numberOptional, 2,
+      mostSegments, nullptr, &can::stall },
+    { "toggle", "the wrong toggle bit in the answer to segment NUMBER (1)", numberOptional, 1, mostSegments, nullptr,
+      &can::toggle },
+    { "command", "an unknown command specifier in answer NUMBER (1)", numberOptional, 1, mostSegments, nullptr,
+      &can::command },
+    { "short", "only 7 bytes in answer NUMBER (1)", numberOptional, 1, mostSegments, nullptr, &can::shortFrame },
+    { "foreign", "before the answer to the initiate the same for another index", numberNone, 0, 0, nullptr,
+      &can::foreign },
+    { "flood", "NUMBER frames with other COB-IDs before each answer (1000)", numberOptional, 1000, mostFrames, nullptr,
+      &can::flood },
+    { "segment", "abort 0x08000000 in place of the answer to segment NUMBER (1)", numberOptional, 1, mostSegments,
+      nullptr, &can::segment },
+    { "last", "abort 0x08000000 in place of the last confirmation; behind the last segment of an upload", numberNone, 0,
+      0, nullptr, &can::last },
+    { "filler", "the unused bytes of answers are NUMBER (0xFF)", numberOptional, 0xFF, anyByte, nullptr, &can::filler },
+    { "empty", "NUMBER segments without data before an upload (3)", numberOptional, 3, mostSegments, nullptr,
+      &can::empty },
+    { "surplus", "an upload has NUMBER bytes more than it announces (1000)", numberOptional, 1000, mostBytes, nullptr,
+      &can::surplus },
+    { "endless", "an upload does not end; abort 0x08000000 after NUMBER segments (10000)", numberOptional, 10000,
+      mostSegments, nullptr, &can::endless },
 };
 
 const tFaultKind* kindByName(const QString& name)
@@ -103,11 +87,9 @@ const char* readWhat(const QString& what, tFault& fault)
         return "unknown kind";
     fault.argument = fault.kind->argument;
     if (equals < 0)
-        return fault.kind->argumentNeeded ? "a number is missing, as in error=103" : nullptr;
+        return fault.kind->number == numberNeeded ? "a number is missing, as in error=103" : nullptr;
     const auto number = readNumber(what.mid(equals + 1));
-    const bool takesArgument = fault.kind->delay != nullptr || fault.kind->text != nullptr;
-    const quint64 highest = fault.kind->delay != nullptr ? longestDelay : lastNumber;
-    if (!takesArgument || !number || number->negative || number->bits > highest)
+    if (fault.kind->number == numberNone || !number || number->negative || number->bits > fault.kind->highest)
         return "wrong number behind '='";
     fault.argument = static_cast<quint32>(number->bits);
     return nullptr;
@@ -128,10 +110,9 @@ const char* readPlace(const QString& place, tFault& fault)
 
 } // namespace
 
-bool tFault::hits(const tGatewayRequest& request) const
+bool tFault::hits(quint32 atIndex, quint32 atSubIndex) const
 {
-    return request.error == gatewayNoError && request.isSdo() && index.value_or(request.index) == request.index &&
-           subIndex.value_or(request.subIndex) == request.subIndex;
+    return index.value_or(atIndex) == atIndex && subIndex.value_or(atSubIndex) == atSubIndex;
 }
 
 // fault = what [ "@" place ]
@@ -148,23 +129,31 @@ std::optional<tFault> readFault(const QString& text, QString* message)
     return std::nullopt;
 }
 
-const tFault* findFault(const QList<tFault>& faults, const tGatewayRequest& request)
+const tFault* findFault(const QList<tFault>& faults, tFrontEnd front, quint32 index, quint32 subIndex)
 {
-    const auto found =
-        std::find_if(faults.cbegin(), faults.cend(), [&request](const tFault& each) { return each.hits(request); });
+    const auto found = std::find_if(faults.cbegin(), faults.cend(), [=](const tFault& each) {
+        return each.kind->isFor(front) && each.hits(index, subIndex);
+    });
     return found == faults.cend() ? nullptr : &*found;
-}
-
-QByteArray answerLines(const tFault* fault, quint32 sequence, const QByteArray& answer)
-{
-    return fault != nullptr && fault->kind->lines != nullptr ? fault->kind->lines(sequence, answer)
-                                                             : lineOf(sequence, answer);
 }
 
 QString faultHelp()
 {
+    constexpr struct {
+        const char* heading;
+        bool gateway;
+        bool can;
+    } groups[] = {
+        { "on the gateway and on CAN", true, true },
+        { "on the gateway", true, false },
+        { "on CAN", false, true },
+    };
     QStringList lines;
-    for (const tFaultKind& kind : kinds)
-        lines += QStringLiteral("  %1 %2").arg(QLatin1String(kind.name), -9).arg(QLatin1String(kind.what));
+    for (const auto& group : groups) {
+        lines += QStringLiteral(" %1:").arg(QLatin1String(group.heading));
+        for (const tFaultKind& kind : kinds)
+            if (kind.isFor(frontGateway) == group.gateway && kind.isFor(frontCan) == group.can)
+                lines += QStringLiteral("  %1 %2").arg(QLatin1String(kind.name), -9).arg(QLatin1String(kind.what));
+    }
     return lines.join(u'\n');
 }

@@ -1,54 +1,51 @@
-// Misbehaviour on request: which commands a fault hits and what becomes of their answers.
+// Misbehaviour on request: the kinds of faults, and which SDO accesses a fault hits.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QtGlobal>
 
 #include <optional>
 
-struct tGatewayRequest;
+struct tCanFault;
+struct tGatewayFault;
 
-/// How the answer lines reach the client.
-enum tDelivery {
-    deliverLines,    // at once; nothing when there are no lines
-    deliverBytewise, // one byte at a time
-    deliverDrop,     // the connection is closed instead
-};
+/// The ways to the simulated devices.
+enum tFrontEnd { frontGateway = 1, frontCan = 2 };
 
-/// What a gateway can do wrong; `faultKinds()` names all of them.
+/// Whether a number stands behind the kind.
+enum tFaultNumber { numberNone, numberOptional, numberNeeded };
+
+/// What can go wrong. A kind is known to one front-end or to both; null stands for the one that does not know it.
 struct tFaultKind {
     const char* name;
     const char* what; // for the help
-    bool argumentNeeded;
+    tFaultNumber number;
     quint32 argument; // unless another is given
-    tDelivery delivery;
-    int (*delay)(quint32 argument);                                  // milliseconds before the answer; null for none
-    QByteArray (*text)(quint32 argument);                            // answered in place of the command; null for none
-    QByteArray (*lines)(quint32 sequence, const QByteArray& answer); // what is sent; null for the one right line
+    quint32 highest;
+    const tGatewayFault* gateway;
+    const tCanFault* can;
+
+    bool isFor(tFrontEnd front) const { return front == frontGateway ? gateway != nullptr : can != nullptr; }
 };
 
 /// A fault as it was asked for.
 struct tFault {
     const tFaultKind* kind = nullptr;
     quint32 argument = 0;
-    std::optional<quint32> index;    // none: every SDO command
+    std::optional<quint32> index;    // none: every SDO access
     std::optional<quint32> subIndex; // none: every entry of the object
 
-    bool hits(const tGatewayRequest& request) const;
+    bool hits(quint32 atIndex, quint32 atSubIndex) const;
 };
 
 /// Reads "KIND[=NUMBER][@INDEX[:SUB]]", with the index and the sub-index in hexadecimal as in a data sheet, with or
 /// without "0x": "silence", "delay=200@2000", "abort=0x06060000@0x2000:1". When it is none, `message` says why.
 std::optional<tFault> readFault(const QString& text, QString* message);
 
-/// The first fault that hits the request; null when none does.
-const tFault* findFault(const QList<tFault>& faults, const tGatewayRequest& request);
+/// The first fault that the front-end knows and that hits the entry; null when none does.
+const tFault* findFault(const QList<tFault>& faults, tFrontEnd front, quint32 index, quint32 subIndex);
 
-/// The bytes to send for an answer; `fault` may be null.
-QByteArray answerLines(const tFault* fault, quint32 sequence, const QByteArray& answer);
-
-/// One line for each kind, for the help.
+/// One line for each kind, for the help, under a heading for each set of front-ends.
 QString faultHelp();

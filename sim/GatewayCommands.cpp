@@ -3,6 +3,7 @@
 #include "GatewayCommands.h"
 
 #include "Product.h"
+#include "SdoLog.h"
 
 #include <algorithm>
 #include <iterator>
@@ -157,11 +158,8 @@ tGatewayAnswer CGatewayCommands::receive(const tGatewayRequest&)
 
 QByteArray describeSdo(const tGatewayRequest& request, const tGatewayAnswer& answer)
 {
-    const tValueType type = request.type->type;
     const bool writes = request.rule->arguments[3] == argValue;
-    QByteArray text = "node " + QByteArray::number(request.node) + (writes ? " write " : " read ") +
-                      hexadecimal(request.index, 4) + ' ' + hexadecimal(request.subIndex, 2) + ' ' + request.type->word;
-    if (writes)
-        text += ' ' + (type.kind == kindOctets ? readable(request.data) : request.type->decode(request.data, type));
-    return text + " = " + (answer.readable.isEmpty() ? answer.text : answer.readable);
+    return sdoLine({ request.node, writes ? "write" : "read", request.index, request.subIndex, request.type->word,
+                     writes ? shownValue(*request.type, request.data) : QByteArray(),
+                     answer.readable.isEmpty() ? answer.text : answer.readable });
 }

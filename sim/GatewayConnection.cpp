@@ -110,14 +110,14 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
     tGatewayAnswer answer;
     if (fault != nullptr)
         log(QByteArray("fault ") + fault->kind->name);
-    if (fault != nullptr && fault->kind->text != nullptr)
-        answer.text = fault->kind->text(fault->argument);
+    if (fault != nullptr && fault->kind->gateway->text != nullptr)
+        answer.text = fault->kind->gateway->text(fault->argument);
     else
         answer = m_context.commands.execute(request);
     if (m_context.log && request.error == gatewayNoError && request.isSdo())
         m_context.log(describeSdo(request, answer));
-    if (fault != nullptr && fault->kind->delay != nullptr)
-        answer.delay += fault->kind->delay(fault->argument);
+    if (fault != nullptr && fault->kind->gateway->delay != nullptr)
+        answer.delay += fault->kind->gateway->delay(fault->argument);
     const QByteArray lines = answerLines(fault, request.sequence, answer.text);
     if (answer.delay == 0) {
         deliver(fault, lines);
@@ -133,7 +133,7 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
 
 void CGatewayConnection::deliver(const tFault* fault, const QByteArray& lines)
 {
-    const tDelivery delivery = fault != nullptr ? fault->kind->delivery : deliverLines;
+    const tDelivery delivery = fault != nullptr ? fault->kind->gateway->delivery : deliverLines;
     const QByteArray sent = lines.isEmpty() ? QByteArray("(nothing)") : escaped(lines.trimmed());
     log("> " + (delivery == deliverDrop ? QByteArray("(closed)") : sent));
     if (delivery == deliverDrop) {

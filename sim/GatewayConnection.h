@@ -2,17 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Faults.h"
 #include "GatewayCommands.h"
+#include "GatewayFaults.h"
+#include "Log.h"
 
 #include <QByteArray>
 #include <QObject>
 #include <QTcpSocket>
-
-#include <functional>
-
-/// Takes one line of the log, without line end.
-using tLog = std::function<void(const QByteArray&)>;
 
 /// What all connections of a gateway share. `log` is empty when nothing is to be logged.
 struct tGatewayContext {

@@ -110,6 +110,20 @@ const tGatewayType* gatewayType(const QByteArray& word)
     return row == std::end(types) ? nullptr : row;
 }
 
+const tGatewayType& gatewayTypeFor(std::optional<tValueType> type)
+{
+    const bool number = type && type->width != 0 && type->kind != kindDate && type->kind != kindTimeOfDay;
+    const tValueType wanted = number ? *type : tValueType{ kindOctets, 0 };
+    return *std::find_if(std::begin(types), std::end(types), [wanted](const tGatewayType& each) {
+        return each.encode != nullptr && each.type.kind == wanted.kind && each.type.width == wanted.width;
+    });
+}
+
+QByteArray shownValue(const tGatewayType& type, const QByteArray& bytes)
+{
+    return type.type.kind == kindOctets ? readable(bytes) : type.decode(bytes, type.type);
+}
+
 QByteArray hexadecimal(quint64 value, int digits)
 {
     return "0x" + QByteArray::number(value, 16).toUpper().rightJustified(digits, '0');

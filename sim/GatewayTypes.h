@@ -25,6 +25,12 @@ struct tGatewayType {
 ///   os us t td            not served
 const tGatewayType* gatewayType(const QByteArray& word);
 
+/// The row for an entry of this layout, the way clients ask for it: "d" for what is no number, or for none.
+const tGatewayType& gatewayTypeFor(std::optional<tValueType> type);
+
+/// A value of the type as a log shows it: any bytes as `readable` has them, numbers as they are answered.
+QByteArray shownValue(const tGatewayType& type, const QByteArray& bytes);
+
 /// A number in hexadecimal, with at least `digits` digits behind the "0x": 0x00FF.
 QByteArray hexadecimal(quint64 value, int digits);
 

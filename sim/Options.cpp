@@ -11,9 +11,10 @@
 namespace
 {
 
-const char description[] = "Simulates CANopen devices behind an ASCII gateway.\n"
+const char description[] = "Simulates CANopen devices behind an ASCII gateway, on a CAN interface, or both.\n"
                            "\n"
-                           "  velmora-sim --gateway 60000 --node 5=velmora-demo.eds";
+                           "  velmora-sim --gateway 60000 --node 5=velmora-demo.eds\n"
+                           "  velmora-sim --can vcan0 --node 5=velmora-demo.eds -v";
 
 // gateway = [ address ":" ] port
 QString readGateway(const QString& text, tOptions& options)
@@ -25,6 +26,14 @@ QString readGateway(const QString& text, tOptions& options)
     if (colon >= 0 && !options.address.setAddress(text.left(colon)))
         return QStringLiteral("--gateway %1: no such address").arg(text);
     options.port = static_cast<quint16>(port->bits);
+    return QString();
+}
+
+QString readCan(const QString& text, tOptions& options)
+{
+    if (text.isEmpty())
+        return QStringLiteral("--can: the interface is missing");
+    options.canInterface = text;
     return QString();
 }
 
@@ -49,24 +58,24 @@ QString readFaultOption(const QString& text, tOptions& options)
     return message;
 }
 
-// An option with a value: how it is read, and whether one has to be there.
+// An option with a value, and how it is read.
 struct tOptionRow {
     const char* name;
     const char* value;
     const char* what;
-    bool needed;
     QString (*read)(const QString& text, tOptions& options);
 };
 
 constexpr tOptionRow optionRows[] = {
     { "gateway", "[ADDRESS:]PORT", "Serve the gateway on this port; 0 for any free one. The address is 127.0.0.1.",
-      true, readGateway },
-    { "node", "ID=FILE", "Simulate the device of this data sheet as node ID (1 to 127). May be repeated.", true,
-      readNode },
-    { "fault", "KIND[@INDEX[:SUB]]",
-      "Misbehave in SDO commands, or only for one object or entry (hexadecimal). May be repeated; the first that fits "
+      readGateway },
+    { "can", "INTERFACE", "Take part in the traffic of this CAN interface. Without --gateway no gateway is served.",
+      readCan },
+    { "node", "ID=FILE", "Simulate the device of this data sheet as node ID (1 to 127). May be repeated.", readNode },
+    { "fault", "KIND[=NUMBER][@INDEX[:SUB]]",
+      "Misbehave in SDO transfers, or only for one object or entry (hexadecimal). May be repeated; the first that fits "
       "counts. The kinds are listed below.",
-      false, readFaultOption },
+      readFaultOption },
 };
 
 void addOptions(QCommandLineParser& parser)
@@ -74,9 +83,28 @@ void addOptions(QCommandLineParser& parser)
     parser.setApplicationDescription(QLatin1String(description));
     for (const tOptionRow& row : optionRows)
         parser.addOption({ QLatin1String(row.name), QLatin1String(row.what), QLatin1String(row.value) });
-    parser.addOption({ QStringLiteral("v"), QStringLiteral("Log every command and its answer on standard output.") });
+    parser.addOption(
+        { QStringLiteral("v"),
+          QStringLiteral("Log every command and its answer, and every SDO transfer on CAN, on standard output.") });
     parser.addHelpOption();
     parser.addOption({ QStringLiteral("version"), QStringLiteral("Displays version information.") });
+}
+
+// What the options lack, one by one or taken together.
+QString missing(const tOptions& options)
+{
+    const bool can = !options.canInterface.isEmpty();
+    if (!options.port && !can)
+        return QStringLiteral("--gateway [ADDRESS:]PORT or --can INTERFACE is missing");
+    if (options.nodes.isEmpty())
+        return QStringLiteral("--node ID=FILE is missing");
+    for (const tFault& fault : options.faults) {
+        const bool possible = (options.port && fault.kind->isFor(frontGateway)) || (can && fault.kind->isFor(frontCan));
+        if (!possible)
+            return QStringLiteral("fault \"%1\": not without --%2")
+                .arg(QLatin1String(fault.kind->name), QLatin1String(can ? "gateway" : "can"));
+    }
+    return QString();
 }
 
 QString readValues(const QCommandLineParser& parser, tOptions& options)
@@ -84,16 +112,13 @@ QString readValues(const QCommandLineParser& parser, tOptions& options)
     if (!parser.positionalArguments().isEmpty())
         return QStringLiteral("unexpected argument: %1").arg(parser.positionalArguments().first());
     for (const tOptionRow& row : optionRows) {
-        const QStringList values = parser.values(QLatin1String(row.name));
-        if (row.needed && values.isEmpty())
-            return QStringLiteral("--%1 %2 is missing").arg(QLatin1String(row.name), QLatin1String(row.value));
-        for (const QString& value : values) {
+        for (const QString& value : parser.values(QLatin1String(row.name))) {
             QString trouble = row.read(value, options);
             if (!trouble.isEmpty())
                 return trouble;
         }
     }
-    return QString();
+    return missing(options);
 }
 
 } // namespace
@@ -106,7 +131,7 @@ tOptions readOptions(const QStringList& arguments)
     if (!parser.parse(arguments))
         options.trouble = parser.errorText();
     else if (parser.isSet(QStringLiteral("help")))
-        options.output = parser.helpText() + QStringLiteral("\nFaults (KIND or KIND=NUMBER):\n%1\n").arg(faultHelp());
+        options.output = parser.helpText() + QStringLiteral("\nFaults (KIND or KIND=NUMBER)\n%1\n").arg(faultHelp());
     else if (parser.isSet(QStringLiteral("version")))
         options.output = QStringLiteral("velmora-sim %1\n").arg(QLatin1String(product::version));
     else

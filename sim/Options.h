@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 struct tNodeOption {
     unsigned nodeId;
     QString fileName;
@@ -16,7 +18,8 @@ struct tNodeOption {
 
 struct tOptions {
     QHostAddress address = QHostAddress(QHostAddress::LocalHost);
-    quint16 port = 0; // 0: any free one
+    std::optional<quint16> port; // 0: any free one; none: no gateway
+    QString canInterface;        // empty: not on CAN
     QList<tNodeOption> nodes;
     QList<tFault> faults;
     bool verbose = false;

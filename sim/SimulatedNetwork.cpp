@@ -55,6 +55,14 @@ CSimulatedNode* CSimulatedNetwork::node(unsigned nodeId) const
     return found == m_nodes.end() ? nullptr : found->second.get();
 }
 
+QList<unsigned> CSimulatedNetwork::nodeIds() const
+{
+    QList<unsigned> nodeIds;
+    for (const auto& [each, device] : m_nodes)
+        nodeIds += each;
+    return nodeIds;
+}
+
 void CSimulatedNetwork::command(unsigned nodeId, tNmtCommand command)
 {
     for (const auto& [each, device] : m_nodes)

@@ -4,6 +4,7 @@
 
 #include "SimulatedNode.h"
 
+#include <QList>
 #include <QString>
 
 #include <map>
@@ -19,6 +20,9 @@ public:
 
     /// The device with this node-id; null when there is none. It belongs to the network.
     CSimulatedNode* node(unsigned nodeId) const;
+
+    /// The node-ids of all devices, in rising order.
+    QList<unsigned> nodeIds() const;
 
     /// Sends an NMT command to one device or, with 0, to all. It is not confirmed: an absent device is no error.
     void command(unsigned nodeId, tNmtCommand command);

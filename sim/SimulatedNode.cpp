@@ -50,16 +50,17 @@ constexpr tParameterRange parameterRanges[] = {
 struct tNmtRow {
     tNmtCommand command;
     tNmtState state;
+    tNodeEvent event;
     unsigned firstReset; // the values of these indexes are put back; none when first is above last
     unsigned lastReset;
 };
 
 constexpr tNmtRow nmtRows[] = {
-    { nmtStart, stateOperational, 1, 0 },
-    { nmtStop, stateStopped, 1, 0 },
-    { nmtPreOperational, statePreOperational, 1, 0 },
-    { nmtResetNode, statePreOperational, 0, lastIndex },
-    { nmtResetCommunication, statePreOperational, firstCommunicationIndex, lastCommunicationIndex },
+    { nmtStart, stateOperational, nodeChanged, 1, 0 },
+    { nmtStop, stateStopped, nodeChanged, 1, 0 },
+    { nmtPreOperational, statePreOperational, nodeChanged, 1, 0 },
+    { nmtResetNode, statePreOperational, nodeRestarted, 0, lastIndex },
+    { nmtResetCommunication, statePreOperational, nodeRestarted, firstCommunicationIndex, lastCommunicationIndex },
 };
 
 } // namespace
@@ -102,20 +103,34 @@ tSdoData CSimulatedNode::read(unsigned index, unsigned subIndex) const
 
 tAbortCode CSimulatedNode::write(unsigned index, unsigned subIndex, const QByteArray& data)
 {
+    tAbortCode result = checkWrite(index, subIndex, data.size());
+    if (result != abortNone || storeOrRestore(index, subIndex, data, &result))
+        return result;
+    tEntry& entry = m_entries.at(keyOf(index, subIndex));
+    result = checkLimits(entry, data);
+    if (result != abortNone)
+        return result;
+    entry.value = data;
+    tell(nodeChanged);
+    return abortNone;
+}
+
+tAbortCode CSimulatedNode::checkWrite(unsigned index, unsigned subIndex, std::optional<qsizetype> length) const
+{
     if (const tAbortCode missing = findEntry(index, subIndex))
         return missing;
-    tEntry& entry = m_entries.at(keyOf(index, subIndex));
+    const tEntry& entry = m_entries.at(keyOf(index, subIndex));
     if (!entry.writable)
         return abortReadOnly;
-    if (entry.type.width != 0 && data.size() != entry.type.width)
-        return data.size() > entry.type.width ? abortLengthHigh : abortLengthLow;
-    tAbortCode result = abortNone;
-    if (storeOrRestore(index, subIndex, data, &result))
-        return result;
-    result = checkLimits(entry, data);
-    if (result == abortNone)
-        entry.value = data;
-    return result;
+    if (length && entry.type.width != 0 && *length != entry.type.width)
+        return *length > entry.type.width ? abortLengthHigh : abortLengthLow;
+    return abortNone;
+}
+
+std::optional<tValueType> CSimulatedNode::typeOf(unsigned index, unsigned subIndex) const
+{
+    const auto found = m_entries.find(keyOf(index, subIndex));
+    return found == m_entries.end() ? std::nullopt : std::optional(found->second.type);
 }
 
 void CSimulatedNode::command(tNmtCommand command)
@@ -124,6 +139,7 @@ void CSimulatedNode::command(tNmtCommand command)
                                   [command](const tNmtRow& each) { return each.command == command; });
     resetValues(row->firstReset, row->lastReset);
     m_state = row->state;
+    tell(row->event);
 }
 
 tAbortCode CSimulatedNode::findEntry(unsigned index, unsigned subIndex) const
@@ -166,4 +182,10 @@ void CSimulatedNode::resetValues(unsigned first, unsigned last)
     for (auto& [key, entry] : m_entries)
         if (key >> 8 >= first && key >> 8 <= last)
             entry.value = entry.storedValue.value_or(entry.defaultValue);
+}
+
+void CSimulatedNode::tell(tNodeEvent event) const
+{
+    if (m_listener)
+        m_listener(event);
 }

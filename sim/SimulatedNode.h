@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -19,6 +20,9 @@ constexpr unsigned lastNodeId = 127;
 
 enum tNmtCommand { nmtStart, nmtStop, nmtPreOperational, nmtResetNode, nmtResetCommunication };
 enum tNmtState { statePreOperational, stateOperational, stateStopped };
+
+/// What a listener hears of: a reset of the node or its communication; a new state or value, whoever set it.
+enum tNodeEvent { nodeRestarted, nodeChanged };
 
 /// The outcome of an upload: `data` is valid when `abortCode` is `abortNone`.
 struct tSdoData {
@@ -42,9 +46,18 @@ public:
     /// limits. A refused write leaves the value as it was.
     tAbortCode write(unsigned index, unsigned subIndex, const QByteArray& data);
 
+    /// What `write` checks before it knows the data: object, sub-index, access and, when it is given, the length.
+    tAbortCode checkWrite(unsigned index, unsigned subIndex, std::optional<qsizetype> length) const;
+
+    /// The layout of an entry; none when there is no such entry.
+    std::optional<tValueType> typeOf(unsigned index, unsigned subIndex) const;
+
     /// Carries out an NMT command. Resetting the node puts back all values, resetting the communication those of
     /// 0x1000 to 0x1FFF: to the stored value (0x1010) or else to the default. Both lead to pre-operational.
     void command(tNmtCommand command);
+
+    /// Called with every event from now on, at its end. One listener at a time; an empty function for none.
+    void setListener(const std::function<void(tNodeEvent)>& listener) { m_listener = listener; }
 
     tNmtState state() const { return m_state; }
 
@@ -72,8 +85,10 @@ private:
     tAbortCode checkLimits(const tEntry& entry, const QByteArray& data) const;
     bool storeOrRestore(unsigned index, unsigned subIndex, const QByteArray& data, tAbortCode* result);
     void resetValues(unsigned firstIndex, unsigned lastIndex);
+    void tell(tNodeEvent event) const;
 
     std::set<unsigned> m_objects;
     std::map<tKey, tEntry> m_entries;
     tNmtState m_state = statePreOperational;
+    std::function<void(tNodeEvent)> m_listener;
 };

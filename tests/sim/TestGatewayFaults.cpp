@@ -150,7 +150,9 @@ void TestGatewayFaults::faultsHitTheirEntryOnly()
     QFETCH(bool, hit);
     QString message;
     const QString text = QString::fromLatin1(QTest::currentDataTag()).section(u' ', 0, 0);
-    QCOMPARE(readFault(text, &message)->hits(readRequest(line)), hit);
+    const QList<tFault> faults{ *readFault(text, &message) };
+    QCOMPARE(findFault(faults, readRequest(line)) == faults.constData(), hit);
+    QCOMPARE(findFault(faults, readRequest(line)) == nullptr, !hit);
 }
 
 void TestGatewayFaults::clientGetsWhatTheFaultsMake_data()
@@ -165,8 +167,8 @@ void TestGatewayFaults::clientGetsWhatTheFaultsMake_data()
         QByteArrayList answers;
     };
     for (const tRow& row : std::initializer_list<tRow>{
-             { "first fault that hits counts",
-               { "error=104@2000", "error=105" },
+             { "first fault that hits counts, those of the bus left out",
+               { "toggle", "error=104@2000", "error=105" },
                "[1] 5 read 0x2000 0x0 u8\r\n[2] 5 read 0x2001 0x0 u8\r\n",
                { "[1] ERROR: 104", "[2] ERROR: 105" } },
              { "silence withholds the answer",

@@ -28,6 +28,8 @@ private Q_SLOTS:
     void wordsThatAreNotServedAreKnown();
     void base64WithoutPaddingIsTaken();
     void bytesAreShownAsTextOrOctets();
+    void entriesHaveTheTypeThatClientsAskFor_data();
+    void entriesHaveTheTypeThatClientsAskFor();
 };
 
 void TestGatewayTypes::valuesAreEncodedAndDecoded_data()
@@ -155,6 +157,47 @@ void TestGatewayTypes::bytesAreShownAsTextOrOctets()
     QCOMPARE(readable("Velmora"), QByteArray("\"Velmora\""));
     QCOMPARE(readable(""), QByteArray("\"\""));
     QCOMPARE(readable(hex("00FF41")), QByteArray("00 FF 41"));
+}
+
+void TestGatewayTypes::entriesHaveTheTypeThatClientsAskFor_data()
+{
+    QTest::addColumn<int>("dataType");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("shown");
+    const auto row = [](const char* word, int dataType, const char* digits, const char* shown) {
+        QTest::addRow("%s %d", word, dataType) << dataType << hex(digits) << QByteArray(shown);
+    };
+    row("b", 0x01, "01", "1");
+    row("i8", 0x02, "FF", "-1");
+    row("i16", 0x03, "FEFF", "-2");
+    row("i32", 0x04, "FEFFFFFF", "-2");
+    row("u8", 0x05, "32", "0x32");
+    row("u16", 0x06, "E803", "0x03E8");
+    row("u32", 0x07, "91010F00", "0x000F0191");
+    row("r32", 0x08, "0000C03F", "1.5");
+    row("d", 0x09, "4142", "\"AB\"");
+    row("d", 0x0A, "01FF", "01 FF");
+    row("d", 0x0B, "01020304050607", "01 02 03 04 05 06 07");
+    row("d", 0x0C, "010203040506", "01 02 03 04 05 06");
+    row("d", 0x0D, "010203040506", "01 02 03 04 05 06");
+    row("d", 0x0F, "", "\"\"");
+    row("i24", 0x10, "FEFFFF", "-2");
+    row("r64", 0x11, "0000000000000440", "2.5");
+    row("i64", 0x15, "FFFFFFFFFFFFFFFF", "-1");
+    row("u40", 0x18, "0504030201", "0x0102030405");
+    row("u64", 0x1B, "EFCDAB8967452301", "0x0123456789ABCDEF");
+    row("d", 0x7F, "00", "00");
+}
+
+void TestGatewayTypes::entriesHaveTheTypeThatClientsAskFor()
+{
+    QFETCH(int, dataType);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, shown);
+    const tGatewayType& type = gatewayTypeFor(valueType(dataType));
+    QCOMPARE(QByteArray(type.word), QByteArray(QTest::currentDataTag()).split(' ').first());
+    QCOMPARE(shownValue(type, bytes), shown);
+    QCOMPARE(QByteArray(gatewayTypeFor(std::nullopt).word), QByteArray("d"));
 }
 
 QTEST_GUILESS_MAIN(TestGatewayTypes)

@@ -49,6 +49,8 @@ void TestSimulatedNetwork::devicesAreFoundByTheirNodeId()
     QCOMPARE(network.add(5, m_sheet.name()), QString());
     QVERIFY(network.node(5) != nullptr);
     QVERIFY(network.node(6) == nullptr);
+    QCOMPARE(network.add(2, m_sheet.name()), QString());
+    QCOMPARE(network.nodeIds(), (QList<unsigned>{ 2, 5 }));
 }
 
 void TestSimulatedNetwork::devicesOfOneSheetKeepTheirOwnValues()

@@ -166,6 +166,9 @@ private Q_SLOTS:
     void loadBringsTheDefaultsBackAtTheNextReset();
     void wrongSignatureIsRefused();
     void stoppedDeviceAnswersNoSdo();
+    void writesAreCheckedBeforeTheirDataCome();
+    void entriesTellTheirType();
+    void listenerHearsOfResetsStatesAndValues();
 
 private:
     const CSheetFile m_sheet{ sheet };
@@ -360,6 +363,44 @@ void TestSimulatedNode::stoppedDeviceAnswersNoSdo()
         QCOMPARE(m_node->state(), row.state);
         QCOMPARE(m_node->answersSdo(), row.answers);
     }
+}
+
+void TestSimulatedNode::writesAreCheckedBeforeTheirDataCome()
+{
+    QCOMPARE(m_node->checkWrite(0x5FFF, 0, 1), abortNoObject);
+    QCOMPARE(m_node->checkWrite(0x2003, 1, 1), abortNoSubIndex);
+    QCOMPARE(m_node->checkWrite(0x2000, 0, std::nullopt), abortReadOnly);
+    QCOMPARE(m_node->checkWrite(0x2003, 0, 2), abortLengthHigh);
+    QCOMPARE(m_node->checkWrite(0x2003, 0, 0), abortLengthLow);
+    QCOMPARE(m_node->checkWrite(0x2003, 0, 1), abortNone);
+    QCOMPARE(m_node->checkWrite(0x2003, 0, std::nullopt), abortNone);
+    QCOMPARE(m_node->checkWrite(0x2006, 0, 65536), abortNone);
+}
+
+void TestSimulatedNode::entriesTellTheirType()
+{
+    const auto type = m_node->typeOf(0x2003, 0);
+    QVERIFY(type);
+    QCOMPARE(type->kind, kindSigned);
+    QCOMPARE(type->width, 1);
+    QVERIFY(!m_node->typeOf(0x2003, 1));
+    QVERIFY(!m_node->typeOf(0x5FFF, 0));
+}
+
+void TestSimulatedNode::listenerHearsOfResetsStatesAndValues()
+{
+    QList<tNodeEvent> events;
+    m_node->setListener([&](tNodeEvent event) { events += event; });
+    for (const tNmtCommand command : { nmtStart, nmtStop, nmtPreOperational, nmtResetNode, nmtResetCommunication })
+        m_node->command(command);
+    QCOMPARE(events, (QList<tNodeEvent>{ nodeChanged, nodeChanged, nodeChanged, nodeRestarted, nodeRestarted }));
+    events.clear();
+    QCOMPARE(m_node->write(0x2003, 0, hex("01")), abortNone);
+    QCOMPARE(m_node->write(0x2000, 0, hex("0000")), abortReadOnly);
+    QCOMPARE(events, QList<tNodeEvent>{ nodeChanged });
+    m_node->setListener({});
+    QCOMPARE(m_node->write(0x2003, 0, hex("02")), abortNone);
+    QCOMPARE(events.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatedNode)

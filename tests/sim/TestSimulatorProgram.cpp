@@ -37,12 +37,14 @@ private Q_SLOTS:
     void badOptionsEndWithStatus2_data();
     void badOptionsEndWithStatus2();
     void occupiedPortEndsWithStatus1();
+    void missingInterfaceEndsWithStatus1();
     void helpAndVersionEndWithStatus0();
     void servesUntilASignalComes_data();
     void servesUntilASignalComes();
     void logFollowsTheCommands();
     void withoutLogOnlyTheStartIsPrinted();
     void faultOptionMisbehaves();
+    void heartbeatTimeWithoutCanIsAValueLikeOthers();
 };
 
 void TestSimulatorProgram::badOptionsEndWithStatus2_data()
@@ -55,7 +57,15 @@ void TestSimulatorProgram::badOptionsEndWithStatus2_data()
         list.replaceInStrings(QStringLiteral("SHEET"), demoSheet());
         QTest::newRow(name) << list << message;
     };
-    row("none", "", QStringLiteral("--gateway [ADDRESS:]PORT is missing"));
+    row("none", "", QStringLiteral("--gateway [ADDRESS:]PORT or --can INTERFACE is missing"));
+    row("neither gateway nor CAN", "--node DEMO",
+        QStringLiteral("--gateway [ADDRESS:]PORT or --can INTERFACE is missing"));
+    row("no node on CAN", "--can vcan0", QStringLiteral("--node ID=FILE is missing"));
+    row("empty interface", "--can= --node DEMO", QStringLiteral("--can: the interface is missing"));
+    row("fault of the gateway alone", "--can vcan0 --node DEMO --fault drop",
+        QStringLiteral("fault \"drop\": not without --gateway"));
+    row("fault of CAN alone", "--gateway 0 --node DEMO --fault toggle@1008",
+        QStringLiteral("fault \"toggle\": not without --can"));
     row("no node", "--gateway 0", QStringLiteral("--node ID=FILE is missing"));
     row("unknown option", "--gateway 0 --node DEMO --fast", QStringLiteral("Unknown option 'fast'."));
     row("no value", "--gateway", QStringLiteral("Missing value after '--gateway'."));
@@ -95,13 +105,25 @@ void TestSimulatorProgram::occupiedPortEndsWithStatus1()
     QCOMPARE(message, "velmora-sim: cannot serve port " + port.toLatin1() + ": The bound address is already in use\n");
 }
 
+// A machine without CAN in its kernel says something else, but likewise ends.
+void TestSimulatorProgram::missingInterfaceEndsWithStatus1()
+{
+    QProcess process;
+    QCOMPARE(run(process, { "--gateway", "0", "--can", "velmora-none", "--node", demoNode() }), 1);
+    const QByteArray message = process.readAllStandardError();
+    QVERIFY2(message.contains("velmora-sim: cannot use velmora-none: "), message);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+}
+
 void TestSimulatorProgram::helpAndVersionEndWithStatus0()
 {
     QProcess help;
     QCOMPARE(run(help, { QStringLiteral("--help") }), 0);
     const QByteArray text = help.readAllStandardOutput();
-    for (const char* word : { "--gateway", "--node", "--fault", "silence", "delay", "drop", "garbage", "sequence",
-                              "double", "bytewise", "overlong", "error", "abort" })
+    for (const char* word :
+         { "--gateway", "--node",   "--fault", "silence", "delay",  "drop",  "garbage", "sequence", "double",
+           "bytewise",  "overlong", "error",   "abort",   "--can",  "stall", "toggle",  "command",  "short",
+           "foreign",   "flood",    "segment", "last",    "filler", "empty", "surplus", "endless" })
         QVERIFY2(text.contains(word), word);
     QProcess version;
     QCOMPARE(run(version, { QStringLiteral("--version") }), 0);
@@ -155,6 +177,17 @@ void TestSimulatorProgram::faultOptionMisbehaves()
     CLineClient client(simulator.port());
     QCOMPARE(client.ask("[1] 5 read 0x2005 0x0 u16"), QByteArray("[1] ERROR: 0x08000021"));
     QCOMPARE(client.ask("[2] 5 read 0x2004 0x0 u8"), QByteArray("[2] ERROR: 105"));
+}
+
+void TestSimulatorProgram::heartbeatTimeWithoutCanIsAValueLikeOthers()
+{
+    CSimulatorProcess simulator;
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
+    QCOMPARE(client.ask("[1] 5 write 0x1017 0x0 u16 1"), QByteArray("[1] OK"));
+    QCOMPARE(client.ask("[2] 6 read 0x1017 0x0 u16"), QByteArray("[2] ERROR: 103")); // no such node: half a second
+    QCOMPARE(client.ask("[3] 5 read 0x1017 0x0 u16"), QByteArray("[3] 0x0001"));
+    QCOMPARE(simulator.end(SIGTERM), 0);
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorProgram)

@@ -1,0 +1,54 @@
+// A simulated device on CAN: its SDO server, boot-up message and heartbeat.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CanFaults.h"
+#include "Log.h"
+#include "SimulatedNode.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+
+/// What all devices on a bus share. `log` is empty when nothing is to be logged.
+struct tCanContext {
+    std::function<void(const tCanFrames&)> send;
+    QList<tFault> faults;
+    tLog log;
+};
+
+/// Listens to its device: also what another front-end changes there shows on the bus.
+class CCanNode : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Answers that may be held back at a time; more are lost.
+    static constexpr int delayedLimit = 1000;
+
+    /// `node` and `context` are borrowed and must outlive this.
+    CCanNode(unsigned nodeId, CSimulatedNode& node, tCanContext& context, QObject* parent);
+    ~CCanNode() override;
+    Q_DISABLE_COPY_MOVE(CCanNode)
+
+    /// Sends the boot-up message and begins with the heartbeat.
+    void start();
+
+    /// Takes the data of a frame to the SDO server. A stopped device does not answer.
+    void receiveSdo(const QByteArray& request);
+
+private:
+    void hear(tNodeEvent event);
+    void followHeartbeatTime();
+    void sendState(unsigned state);
+    void answer(const tCanFrames& frames, int delay);
+
+    unsigned m_nodeId;
+    CSimulatedNode& m_node;
+    tCanContext& m_context;
+    CSdoServer m_server;
+    const tFault* m_fault = nullptr; // of the transfer under way
+    QTimer m_heartbeat;
+    int m_delayed = 0; // answers held back
+};

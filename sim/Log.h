@@ -1,0 +1,10 @@
+// The log of the simulator.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+
+#include <functional>
+
+/// Takes one line of the log, without line end. Empty where nothing is to be logged.
+using tLog = std::function<void(const QByteArray&)>;

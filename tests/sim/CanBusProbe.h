@@ -1,0 +1,71 @@
+// A simulated CAN bus with the sample sheet as nodes 5 and 7, and everything that it sends.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "DemoSheet.h"
+#include "SdoFrame.h"
+#include "SimulatedCanBus.h"
+
+#include <QTest>
+
+#include <memory>
+#include <utility>
+
+/// Heartbeats are off, so that only what is asked for comes:
+///
+///     CCanBusProbe probe({ "toggle@1008" });
+///     probe.ask("605 40 08 10 00 00 00 00 00");      // "585 41 08 10 00 10 00 00 00"
+class CCanBusProbe
+{
+public:
+    explicit CCanBusProbe(const QStringList& faults = {})
+    {
+        for (const unsigned nodeId : { 5U, 7U }) {
+            m_trouble += m_network.add(nodeId, demoSheet());
+            m_network.node(nodeId)->write(0x1017, 0, QByteArray(2, '\0'));
+        }
+        QList<tFault> list;
+        QString message;
+        for (const QString& text : faults) {
+            const auto fault = readFault(text, &message);
+            m_trouble += message;
+            if (fault)
+                list += *fault;
+        }
+        m_bus = std::make_unique<CSimulatedCanBus>(m_network,
+                                                   [this](const tCanFrame& frame) { m_sent += frameText(frame); });
+        m_bus->setFaults(list);
+        m_bus->setLog([this](const QByteArray& line) { m_log += line; });
+    }
+    Q_DISABLE_COPY_MOVE(CCanBusProbe)
+
+    /// What is wrong with the faults; empty when nothing is.
+    QString trouble() const { return m_trouble; }
+    CSimulatedNetwork& network() { return m_network; }
+    CSimulatedCanBus& bus() { return *m_bus; }
+    QByteArrayList log() const { return m_log; }
+
+    /// Puts "605 40 08 10 00 ..." on the bus.
+    void put(const QByteArray& frame) { m_bus->receive({ frame.left(3).toUInt(nullptr, 16), bytes(frame.mid(3)) }); }
+    /// The frames that came since the last call.
+    QByteArrayList take() { return std::exchange(m_sent, {}); }
+    /// The frames that come at once.
+    QByteArray ask(const QByteArray& frame)
+    {
+        take();
+        put(frame);
+        return take().join(" | ");
+    }
+    /// Lets time pass until so many frames have come since the last `take`; false after 5 s.
+    bool await(qsizetype count)
+    {
+        return QTest::qWaitFor([&] { return m_sent.size() >= count; });
+    }
+
+private:
+    CSimulatedNetwork m_network;
+    QByteArrayList m_sent; // since the last `take`
+    QByteArrayList m_log;
+    QString m_trouble;
+    std::unique_ptr<CSimulatedCanBus> m_bus;
+};
