@@ -4,6 +4,9 @@
 
 #include "ErrorTexts.h"
 #include "Product.h"
+#include "cop/cop_api.h"
+#include "cop/cop_nms.h"
+#include "cop/cop_sdo.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,8 +31,8 @@ struct CCANopenAccess::tLibrary {
     std::int32_t (*enterPreOperational)(BYTE node);
     std::int32_t (*resetNode)(BYTE node);
     std::int32_t (*resetCommunication)(BYTE node);
-    std::int32_t (*transmit)(std::int32_t cob_id, short length, const BYTE* data);
-    std::int32_t (*request)(std::int32_t cob_id, short* length, BYTE* data);
+    std::int32_t (*transmit)(WORD cob_id, short length, const BYTE* data);
+    std::int32_t (*request)(WORD cob_id, short* length, BYTE* data);
     std::int32_t (*readQueue)(WORD* cob_id, short* length, BYTE* data);
     std::int32_t (*clearQueue)();
     std::int32_t (*hardware)(char* buffer, short size);
@@ -39,6 +42,71 @@ struct CCANopenAccess::tLibrary {
 
 namespace
 {
+
+/// Copies at most `size` characters of the text, with its terminator where that fits.
+std::int32_t copyText(const char* text, char* buffer, short size)
+{
+    if (buffer == nullptr)
+        return ERR_NULL_POINTER;
+    const std::size_t length = std::strlen(text) + 1;
+    std::memcpy(buffer, text, std::min(length, static_cast<std::size_t>(std::max<short>(size, 0))));
+    return ERR_NO_ERROR;
+}
+
+// Where the signatures of the libraries differ.
+
+std::int32_t initMaster(long board, void* param, BYTE baudrate)
+{
+    return cop_init(static_cast<int>(board), param, baudrate);
+}
+
+std::int32_t setMasterTimeout(WORD timeout, WORD* previous)
+{
+    const WORD old = sdo_timeout(timeout);
+    if (previous != nullptr)
+        *previous = old;
+    return ERR_NO_ERROR;
+}
+
+std::int32_t transmitByMaster(WORD cob_id, short length, const BYTE* data)
+{
+    return cop_transmit(cob_id, length, data);
+}
+
+std::int32_t requestByMaster(WORD cob_id, short* length, BYTE* data)
+{
+    return cop_request(cob_id, length, data);
+}
+
+std::int32_t readMasterQueue(WORD* cob_id, short* length, BYTE* data)
+{
+    std::uint32_t identifier = 0;
+    const std::int32_t result = cop_queue_read(cob_id != nullptr ? &identifier : nullptr, length, data);
+    // Kept: 32 bits go through the pointer, for which its users have room.
+    if (result == ERR_NO_ERROR)
+        std::memcpy(cob_id, &identifier, sizeof identifier);
+    return result;
+}
+
+std::int32_t masterHardware(char* buffer, short size)
+{
+    return copyText(cop_hardware(), buffer, size);
+}
+
+std::int32_t masterSoftware(char* buffer, short size)
+{
+    return copyText(cop_software(), buffer, size);
+}
+
+std::int32_t transmitByGateway(WORD cob_id, short length, const BYTE* data)
+{
+    return top_transmit(cob_id, length, data);
+}
+
+std::int32_t requestByGateway(WORD cob_id, short* length, BYTE* data)
+{
+    return top_request(cob_id, length, data);
+}
 
 std::int32_t initGateway(long, void* param, BYTE baudrate)
 {
@@ -52,11 +120,17 @@ std::int32_t initGateway(long, void* param, BYTE baudrate)
 
 // clang-format off
 constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
+    { librarySocketCAN, initMaster, cop_exit, cop_reset,
+      sdo_write, sdo_read,
+      sdo_write_8bit, sdo_write_16bit, sdo_write_32bit, sdo_read_8bit, sdo_read_16bit, sdo_read_32bit, setMasterTimeout,
+      nmt_start_remote_node, nmt_stop_remote_node, nmt_enter_preoperational, nmt_reset_node, nmt_reset_communication,
+      transmitByMaster, requestByMaster, readMasterQueue, cop_queue_clear,
+      masterHardware, masterSoftware, cop_version },
     { libraryGateway, initGateway, top_exit, top_reset,
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
-      top_transmit, top_request, top_queue_read, top_queue_clear,
+      transmitByGateway, requestByGateway, top_queue_read, top_queue_clear,
       top_hardware, top_software, top_version },
 };
 // clang-format on
@@ -163,7 +237,7 @@ bool CCANopenAccess::readInteger32(BYTE node, WORD index, BYTE subindex, std::in
 
 bool CCANopenAccess::setSDOTimeout(WORD timeout, WORD* previous)
 {
-    return finished(call(&tLibrary::timeout, timeout, previous));
+    return answered(call(&tLibrary::timeout, timeout, previous));
 }
 
 bool CCANopenAccess::startRemoteNode(BYTE node)
@@ -213,12 +287,12 @@ bool CCANopenAccess::clearQueue()
 
 bool CCANopenAccess::getHardwareVersion(char* buffer, short size)
 {
-    return finished(call(&tLibrary::hardware, buffer, size));
+    return answered(call(&tLibrary::hardware, buffer, size));
 }
 
 bool CCANopenAccess::getFirmwareVersion(char* buffer, short size)
 {
-    return finished(call(&tLibrary::software, buffer, size));
+    return answered(call(&tLibrary::software, buffer, size));
 }
 
 const char* CCANopenAccess::getAPIVersion()
@@ -232,11 +306,8 @@ const char* CCANopenAccess::getAPIVersion()
 
 bool CCANopenAccess::getCopyright(char* buffer, short size)
 {
-    if (buffer == nullptr)
-        return finished(ERR_NULL_POINTER);
-    constexpr int length = sizeof product::copyright; // with the terminator
-    std::memcpy(buffer, product::copyright, static_cast<std::size_t>(std::clamp<int>(size, 0, length)));
-    return true;
+    const std::int32_t result = copyText(product::copyright, buffer, size);
+    return result == ERR_NO_ERROR || finished(result);
 }
 
 const char* CCANopenAccess::version()
@@ -286,4 +357,10 @@ bool CCANopenAccess::finished(std::int32_t result)
 {
     m_lastError = result;
     return result == 0;
+}
+
+// The ending of what the SocketCAN master answers without the bus: success leaves its last error as it was.
+bool CCANopenAccess::answered(std::int32_t result)
+{
+    return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || finished(result);
 }

@@ -32,9 +32,10 @@ public:
     CCANopenAccess(const CCANopenAccess&) = delete;
     CCANopenAccess& operator=(const CCANopenAccess&) = delete;
 
-    /// Opens the interface and binds its library: 700 is the gateway client, whose `param` is a `_top_param`; `board`
-    /// is not used there. `baudrate` is an index 0 to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s). Fails
-    /// with -96 while a library is bound, -98 for a library that is not available, -94 without `param`.
+    /// Opens the interface and binds its library. 0 is the SocketCAN master: `param` is a `_can_param`, `board` must be
+    /// -1 (else -93). 700 is the gateway client: `param` is a `_top_param`, `board` is not used. `baudrate` is an index
+    /// 0 to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s). Fails with -96 while a library is bound, -98 for any
+    /// other library, -94 without `param`, -10000 or -20000 when the interface or the gateway cannot be opened.
     bool initialize(short library, long board, void* param, BYTE baudrate);
     /// Closes the interface; the object can then be initialised again.
     bool terminate();
@@ -58,7 +59,8 @@ public:
     bool readInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t* value);
     bool readInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t* value);
     bool readInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t* value);
-    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null.
+    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null. Leaves the last error alone with the
+    /// SocketCAN master, as its version texts do.
     bool setSDOTimeout(WORD timeout, WORD* previous);
 
     /// Network management of one node.
@@ -71,11 +73,12 @@ public:
     /// CAN messages of at most eight bytes.
     bool transmitMessage(WORD cob_id, short length, const BYTE* data);
     bool requestMessage(WORD cob_id, short* length, BYTE* data);
-    /// The oldest message received; fails with -30 when there is none.
+    /// The oldest message received; fails with -30 when there is none. `cob_id` needs room for 32 bits: that many are
+    /// written by the SocketCAN master.
     bool readQueue(WORD* cob_id, short* length, BYTE* data);
     bool clearQueue();
 
-    /// Texts about the opened interface.
+    /// Texts about the opened interface, at most `size` characters, terminated only when shorter. A null buffer is -94.
     bool getHardwareVersion(char* buffer, short size);
     bool getFirmwareVersion(char* buffer, short size);
     /// The revision line of the bound library; null without one.
@@ -102,6 +105,7 @@ private:
                       std::type_identity_t<Parameters>... arguments) const;
     bool transferred(std::int32_t result);
     bool finished(std::int32_t result);
+    bool answered(std::int32_t result);
 
     int m_library = libraryNone; // number of the bound library
     int m_lastError = 0;

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void libraryMustBeKnown_data();
     void libraryMustBeKnown();
     void gatewayNeedsAParameter();
+    void masterNeedsAParameterAndAnInterface();
     void refusedGatewayLeavesTheObjectUnbound();
     void secondInitializeFailsWithoutTouchingTheLibrary();
     void terminatedObjectCanBeInitializedAgain();
@@ -85,8 +86,8 @@ void TestCANopenAccess::textsWorkUnbound()
 void TestCANopenAccess::libraryMustBeKnown_data()
 {
     QTest::addColumn<short>("library");
-    for (const short library : { short(5), short(0), short(-1), short(1), short(699), short(701), short(-700) })
-        QTest::addRow("%d", library) << library; // 0, the SocketCAN master, is not part of this version
+    for (const short library : { short(5), short(-1), short(1), short(699), short(701), short(-700) })
+        QTest::addRow("%d", library) << library;
 }
 
 void TestCANopenAccess::libraryMustBeKnown()
@@ -109,6 +110,20 @@ void TestCANopenAccess::gatewayNeedsAParameter()
     QVERIFY(!access.initialize(gatewayLibrary, 0, nullptr, 0));
     QCOMPARE(access.getLastError(), ERR_NULL_POINTER);
     QVERIFY(!access.terminate());
+}
+
+// On this machine's own CAN, if it has any. TestCANopenAccessSocketCAN has one of its own.
+void TestCANopenAccess::masterNeedsAParameterAndAnInterface()
+{
+    CCANopenAccess access;
+    QVERIFY(!access.initialize(0, -1, nullptr, 0));
+    QCOMPARE(access.getLastError(), ERR_NULL_POINTER);
+    _can_param param = { "no such one", 29, 3, 1 };
+    QVERIFY(!access.initialize(0, -1, &param, 0));
+    QCOMPARE(access.getLastError(), -10000);
+    QCOMPARE(QByteArray(access.getErrorText(0)), QByteArray("Resistance is futile, prepare to assimilate!"));
+    QVERIFY(!access.terminate());
+    QCOMPARE(access.getLastError(), ERR_NOT_INITIALIZED);
 }
 
 void TestCANopenAccess::refusedGatewayLeavesTheObjectUnbound()

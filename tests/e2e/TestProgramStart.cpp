@@ -117,7 +117,7 @@ void TestProgramStart::captionLosesTheVersionAfterAFile()
 
 void TestProgramStart::failedInterfaceShowsItsBoxAndTheProgramGoesOn()
 {
-    const tEnd end = run({ { dialog, "\"can0\"" },
+    const tEnd end = run({ { dialog, "\"nocan0\"" },
                            { dialog, "Return" },
                            { "Velmora - Initialize Interface", "Return" },
                            { frame, "Ctrl+Q" } });

@@ -1,0 +1,242 @@
+// Tests of the facade's operations over the SocketCAN master on a fake bus: what they send, and how each of them ends.
+// SPDX-License-Identifier: MIT
+#include "MasterExchanges.h"
+
+#include <QByteArray>
+#include <QtTest>
+
+#include <cerrno>
+#include <cstring>
+
+class TestCANopenAccessMaster : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void operationSendsItsFrame_data() { addExchanges(); }
+    void operationSendsItsFrame();
+    void operationThatCannotBeSentFails_data() { addExchanges(); }
+    void operationThatCannotBeSentFails();
+    void abortOfATransferIsErrorFour_data() { addExchanges(true); }
+    void abortOfATransferIsErrorFour();
+    void timeoutKeepsTheLastAbortAndSuccessClearsIt();
+    void oddAbortCodesAreResultsAsTheyAre();
+    void valuesArriveInEveryWidth();
+    void sdoTimeoutIsSetAndThePreviousOneTold();
+    void queueWritesThirtyTwoBitsOnSuccessOnly();
+    void queueIsCleared();
+    void messageIsRequested();
+    void nodesOfTheNetworkCommandsAreChecked();
+};
+
+void TestCANopenAccessMaster::operationSendsItsFrame()
+{
+    const tFrames& frames = fetchedFrames();
+    const tOperation& operation = operationNamed(frames.name);
+    tBoundMaster on;
+    on.abortOnce();
+    CFakeBusRequest& request = on.bus.expect(frames.id, frames.request);
+    if (frames.answer != nullptr)
+        request.answer(0x585, frames.answer);
+    QVERIFY(operation.run(on.access));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(on.access.getLastAbort(), operation.ending == transfer ? 0L : readOnly);
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::operationThatCannotBeSentFails()
+{
+    const tFrames& frames = fetchedFrames();
+    const tOperation& operation = operationNamed(frames.name);
+    tBoundMaster on;
+    on.abortOnce();
+    on.bus.fail(CFakeBus::Write, ENETDOWN);
+    QVERIFY(!operation.run(on.access));
+    QCOMPARE(on.access.getLastError(), -20);
+    QCOMPARE(on.access.getLastAbort(), readOnly);
+    QVERIFY(!on.access.isSDOAborted());
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::abortOfATransferIsErrorFour()
+{
+    const tFrames& frames = fetchedFrames();
+    tBoundMaster on;
+    on.bus.expect(frames.id, frames.request).answer(0x585, "80 00 20 01 11 00 09 06");
+    QVERIFY(!operationNamed(frames.name).run(on.access));
+    QCOMPARE(on.access.getLastError(), 4);
+    QCOMPARE(on.access.getLastAbort(), 0x06090011L);
+    QVERIFY(on.access.isSDOAborted());
+    QCOMPARE(QByteArray(on.access.getErrorText(0)), QByteArray("Transfer aborted."));
+    QCOMPARE(QByteArray(on.access.getAbortText(0)), QByteArray("Sub-index does not exist."));
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::timeoutKeepsTheLastAbortAndSuccessClearsIt()
+{
+    tBoundMaster on;
+    on.abortOnce();
+    QCOMPARE(on.access.getLastError(), 4);
+    QCOMPARE(on.access.getLastAbort(), readOnly);
+    QCOMPARE(QByteArray(on.access.getAbortText(0)), QByteArray("Attempt to write a read only object."));
+    on.bus.expect(0x605, "40 00 20 01 00 00 00 00");
+    on.bus.expect(0x605, "80 00 20 01 00 00 04 05");
+    QVERIFY(!readDomain(on.access));
+    QCOMPARE(on.access.getLastError(), -50);
+    QCOMPARE(QByteArray(on.access.getErrorText(0)), QByteArray("Time-out error."));
+    QCOMPARE(on.access.getLastAbort(), readOnly);
+    QVERIFY(!on.access.isSDOAborted());
+    on.bus.expect(0x605, "40 00 20 01 00 00 00 00").answer(0x585, "43 00 20 01 01 02 03 04");
+    QVERIFY(readDomain(on.access));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(on.access.getLastAbort(), 0L);
+    QVERIFY(on.bus.finished());
+}
+
+// An abort code of zero or with the highest bit reads as a success or as an error code.
+void TestCANopenAccessMaster::oddAbortCodesAreResultsAsTheyAre()
+{
+    tBoundMaster on;
+    on.abortOnce();
+    on.bus.expect(0x605, "2F 00 20 01 07 00 00 00").answer(0x585, "80 00 20 01 00 00 00 80");
+    QVERIFY(!on.access.writeUnsigned8(5, 0x2000, 1, 7));
+    QCOMPARE(on.access.getLastError(), int(INT32_MIN));
+    QCOMPARE(on.access.getLastAbort(), readOnly);
+    QVERIFY(!on.access.isSDOAborted());
+    on.bus.expect(0x605, "2F 00 20 01 07 00 00 00").answer(0x585, "80 00 20 01 00 00 00 00");
+    QVERIFY(on.access.writeUnsigned8(5, 0x2000, 1, 7));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(on.access.getLastAbort(), 0L);
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::valuesArriveInEveryWidth()
+{
+    tBoundMaster on;
+    for (int turn = 0; turn < 2; ++turn)
+        for (const char* answer : { "4F 00 20 01 FE 00 00 00", "4B 00 20 01 DC FE 00 00", "43 00 20 01 98 BA DC FE" })
+            on.bus.expect(0x605, "40 00 20 01 00 00 00 00").answer(0x585, answer);
+    uint8_t unsigned8 = 0;
+    uint16_t unsigned16 = 0;
+    uint32_t unsigned32 = 0;
+    int8_t integer8 = 0;
+    int16_t integer16 = 0;
+    int32_t integer32 = 0;
+    QVERIFY(on.access.readUnsigned8(5, 0x2000, 1, &unsigned8));
+    QVERIFY(on.access.readUnsigned16(5, 0x2000, 1, &unsigned16));
+    QVERIFY(on.access.readUnsigned32(5, 0x2000, 1, &unsigned32));
+    QVERIFY(on.access.readInteger8(5, 0x2000, 1, &integer8));
+    QVERIFY(on.access.readInteger16(5, 0x2000, 1, &integer16));
+    QVERIFY(on.access.readInteger32(5, 0x2000, 1, &integer32));
+    QCOMPARE(unsigned8, uint8_t(0xFE));
+    QCOMPARE(unsigned16, uint16_t(0xFEDC));
+    QCOMPARE(unsigned32, uint32_t(0xFEDCBA98));
+    QCOMPARE(integer8, int8_t(-2));
+    QCOMPARE(integer16, int16_t(-292));
+    QCOMPARE(integer32, int32_t(-19088744));
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::sdoTimeoutIsSetAndThePreviousOneTold()
+{
+    tBoundMaster on;
+    on.abortOnce(); // an error that stays
+    WORD previous = 1;
+    QVERIFY(on.access.setSDOTimeout(70, &previous));
+    QCOMPARE(previous, WORD(500));
+    QCOMPARE(on.access.getLastError(), 4);
+    const qint64 start = on.bus.milliseconds();
+    on.bus.expect(0x605, "40 00 20 01 00 00 00 00");
+    on.bus.expect(0x605, "80 00 20 01 00 00 04 05");
+    QVERIFY(!readDomain(on.access));
+    QCOMPARE(on.bus.milliseconds() - start, 70);
+    QVERIFY(on.access.setSDOTimeout(300, nullptr));
+    QCOMPARE(on.access.getLastError(), -50);
+    QVERIFY(on.access.setSDOTimeout(500, &previous));
+    QCOMPARE(previous, WORD(300));
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::queueWritesThirtyTwoBitsOnSuccessOnly()
+{
+    tBoundMaster on;
+    alignas(4) BYTE memory[16];
+    std::memset(memory, 0xA5, sizeof memory);
+    WORD* id = reinterpret_cast<WORD*>(static_cast<void*>(memory + 2)); // aligned for 16 bits
+    short length = 77;
+    BYTE data[8] = {};
+    QVERIFY(!on.access.readQueue(id, &length, data));
+    QCOMPARE(on.access.getLastError(), -30);
+    QCOMPARE(QByteArray(reinterpret_cast<char*>(memory), 16), QByteArray(16, char(0xA5)));
+    on.bus.inject(0x723, "11 22");
+    QVERIFY(on.access.readQueue(id, &length, data));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(QByteArray(reinterpret_cast<char*>(memory), 8).toHex(' '), QByteArray("a5 a5 23 07 00 00 a5 a5"));
+    QCOMPARE(length, short(2));
+    QCOMPARE(data[1], BYTE(0x22));
+    on.bus.inject(0x723, "11 22");
+    QVERIFY(!on.access.readQueue(nullptr, &length, data));
+    QCOMPARE(on.access.getLastError(), -94);
+    QVERIFY(!on.access.readQueue(id, nullptr, data));
+    QCOMPARE(on.access.getLastError(), -94);
+    QVERIFY(!on.access.readQueue(id, &length, nullptr));
+    QCOMPARE(on.access.getLastError(), -94);
+    QVERIFY(on.access.readQueue(id, &length, data)); // and it is still there
+}
+
+void TestCANopenAccessMaster::queueIsCleared()
+{
+    tBoundMaster on;
+    QVERIFY(!on.access.clearQueue());
+    QCOMPARE(on.access.getLastError(), -30);
+    on.bus.inject(0x723, "11 22");
+    can_read_queue(0);
+    QVERIFY(on.access.clearQueue());
+    QCOMPARE(on.access.getLastError(), 0);
+    QVERIFY(!on.access.clearQueue());
+}
+
+void TestCANopenAccessMaster::messageIsRequested()
+{
+    tBoundMaster on;
+    short length = 2;
+    BYTE data[8] = {};
+    on.bus.injectAfter(5, 0x705, "11 22 33");
+    QVERIFY(on.access.requestMessage(0x705, &length, data));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(length, short(3));
+    QCOMPARE(data[2], BYTE(0x33));
+    QVERIFY(!on.access.requestMessage(0x705, &length, data));
+    QCOMPARE(on.access.getLastError(), -50);
+    QVERIFY(!on.access.requestMessage(0x705, nullptr, data));
+    QCOMPARE(on.access.getLastError(), -94);
+    QVERIFY(!on.access.requestMessage(0x800, &length, data));
+    QCOMPARE(on.access.getLastError(), -93);
+    QVERIFY(!on.access.transmitMessage(0xFFFF, 0, data));
+    QCOMPARE(on.access.getLastError(), -93);
+    QVERIFY(!on.access.transmitMessage(0x181, 9, data));
+    QCOMPARE(on.access.getLastError(), -93);
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::nodesOfTheNetworkCommandsAreChecked()
+{
+    tBoundMaster on;
+    bool (CCANopenAccess::*const commands[])(BYTE) = {
+        &CCANopenAccess::startRemoteNode, &CCANopenAccess::stopRemoteNode, &CCANopenAccess::enterPreOperationalState,
+        &CCANopenAccess::resetNode, &CCANopenAccess::resetCommunication
+    };
+    for (const auto command : commands) {
+        QVERIFY(!(on.access.*command)(128));
+        QCOMPARE(on.access.getLastError(), -90);
+    }
+    QCOMPARE(on.bus.written(), QStringList());
+    on.bus.expect(0x000, "81 00");
+    QVERIFY(on.access.resetNode(0));
+    on.bus.expect(0x000, "01 7F");
+    QVERIFY(on.access.startRemoteNode(127));
+    QVERIFY(on.bus.finished());
+}
+
+QTEST_GUILESS_MAIN(TestCANopenAccessMaster)
+#include "TestCANopenAccessMaster.moc"
