@@ -6,6 +6,8 @@
 #include <QCanBusFrame>
 #include <QLoggingCategory>
 
+#include <cerrno>
+#include <cstring>
 #include <net/if.h>
 
 namespace
@@ -50,11 +52,14 @@ void CCanDevice::setLog(const tLog& log)
 
 QString CCanDevice::open(const QString& interface)
 {
+    // The library would cut a name that is too long, and take another interface.
+    m_interface = interface.toLocal8Bit();
+    m_interfaceIndex = ::if_nametoindex(m_interface.constData());
+    if (m_interfaceIndex == 0)
+        return QString::fromLocal8Bit(std::strerror(errno));
     const QString trouble = connectDevice(m_device, interface);
     if (!m_device)
         return trouble;
-    m_interface = interface.toLocal8Bit();
-    m_interfaceIndex = ::if_nametoindex(m_interface.constData());
     connect(m_device.get(), &QCanBusDevice::framesReceived, this, &CCanDevice::receive);
     m_watch.start();
     m_bus.start();
@@ -74,6 +79,8 @@ void CCanDevice::receive()
 // What cannot be sent is lost, as on a bus without another node; the next frame may get through.
 void CCanDevice::write(const tCanFrame& frame)
 {
+    if (!m_device)
+        return;
     const bool sent = m_device->writeFrame(QCanBusFrame(frame.cobId, frame.data));
     if (sent == m_sendFailed && m_log)
         m_log(sent ? QByteArray("can sends again") : "can cannot send: " + m_device->errorString().toLocal8Bit());

@@ -11,14 +11,10 @@ constexpr quint32 firstFloodId = 0x181; // the PDOs of all nodes
 constexpr quint32 lastFloodId = 0x57F;
 constexpr unsigned unknownSpecifier = 0xE0;
 
-unsigned specifierOf(const tSdoStep& step)
-{
-    return byteAt(step.answer.data, 0) & sdoSpecifierMask;
-}
-
 bool isSegment(const tSdoStep& step)
 {
-    return specifierOf(step) == scsUploadSegment || specifierOf(step) == scsDownloadSegment;
+    const unsigned specifier = specifierOf(step.answer.data);
+    return specifier == scsUploadSegment || specifier == scsDownloadSegment;
 }
 
 // The answer with other bits in one of its bytes.
@@ -56,7 +52,8 @@ tCanFrames wrongToggle(quint32 argument, const tSdoStep& step)
 
 tCanFrames wrongCommand(quint32 argument, const tSdoStep& step)
 {
-    return { step.number == argument ? changed(step, 0, specifierOf(step) ^ unknownSpecifier) : step.answer };
+    return { step.number == argument ? changed(step, 0, specifierOf(step.answer.data) ^ unknownSpecifier)
+                                     : step.answer };
 }
 
 tCanFrames cutFrame(quint32 argument, const tSdoStep& step)
@@ -91,11 +88,10 @@ tCanFrames floodFirst(quint32 argument, const tSdoStep& step)
 // A download has its abort from the server, in place of the last confirmation.
 tCanFrames abortBehindLast(quint32, const tSdoStep& step)
 {
-    const bool last = step.number > 1 && (byteAt(step.answer.data, 0) & (sdoSpecifierMask | sdoLastSegment)) ==
-                                             (scsUploadSegment | sdoLastSegment);
-    if (!last)
+    const unsigned command = byteAt(step.answer.data, 0);
+    if ((command & (sdoSpecifierMask | sdoLastSegment)) != (scsUploadSegment | sdoLastSegment))
         return { step.answer };
-    return { step.answer, { step.answer.cobId, oneByte(scsAbort) + step.multiplexor + littleEndian(abortGeneral, 4) } };
+    return { step.answer, { step.answer.cobId, abortFrame(step.multiplexor, abortGeneral) } };
 }
 
 void abortInitiate(quint32 argument, tSdoDefects& defects)

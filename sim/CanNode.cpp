@@ -56,7 +56,7 @@ CCanNode::~CCanNode()
 
 void CCanNode::start()
 {
-    m_server.reset();
+    endSdo();
     sendState(bootUpByte);
     m_heartbeat.stop();
     followHeartbeatTime();
@@ -69,15 +69,23 @@ void CCanNode::hear(tNodeEvent event)
         return;
     }
     if (!m_node.answersSdo())
-        m_server.reset();
+        endSdo();
     followHeartbeatTime();
+}
+
+// Forgets the transfer under way and the answers that are still to come.
+void CCanNode::endSdo()
+{
+    m_server.reset();
+    m_delays = std::make_unique<QObject>();
+    m_delayed = 0;
 }
 
 // Begins anew only when the time is another one: the value of any entry may have changed.
 void CCanNode::followHeartbeatTime()
 {
-    const QByteArray value = m_node.read(heartbeatTimeIndex, 0).data;
-    const auto period = static_cast<int>(numberOf(value, { kindUnsigned, 2 }) & 0xFFFF);
+    const quint64 value = numberOf(m_node.value(heartbeatTimeIndex, 0), { kindUnsigned, 2 });
+    const auto period = static_cast<int>(value & 0xFFFF);
     if (period == 0)
         m_heartbeat.stop();
     else if (!m_heartbeat.isActive() || m_heartbeat.interval() != period)
@@ -118,7 +126,7 @@ void CCanNode::answer(const tCanFrames& frames, int delay)
     if (m_delayed >= delayedLimit)
         return;
     ++m_delayed;
-    QTimer::singleShot(delay, Qt::PreciseTimer, this, [this, frames] {
+    QTimer::singleShot(delay, Qt::PreciseTimer, m_delays.get(), [this, frames] {
         --m_delayed;
         m_context.send(frames);
     });

@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 /// What all devices on a bus share. `log` is empty when nothing is to be logged.
 struct tCanContext {
@@ -40,6 +41,7 @@ public:
 
 private:
     void hear(tNodeEvent event);
+    void endSdo();
     void followHeartbeatTime();
     void sendState(unsigned state);
     void answer(const tCanFrames& frames, int delay);
@@ -50,5 +52,7 @@ private:
     CSdoServer m_server;
     const tFault* m_fault = nullptr; // of the transfer under way
     QTimer m_heartbeat;
-    int m_delayed = 0; // answers held back
+    // The context of the answers held back, without which they are not sent, and how many they are.
+    std::unique_ptr<QObject> m_delays = std::make_unique<QObject>();
+    int m_delayed = 0;
 };

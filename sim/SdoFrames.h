@@ -1,6 +1,9 @@
-// The bits of byte 0 of SDO frames (CiA 301), for the server and for what it does wrong on request.
+// The layout of SDO frames (CiA 301), for the server and for what it does wrong on request.
 // SPDX-License-Identifier: MIT
 #pragma once
+
+#include "AbortCodes.h"
+#include "ValueTypes.h"
 
 #include <QByteArray>
 
@@ -12,18 +15,17 @@ constexpr qsizetype sdoExpeditedSize = 4;
 constexpr qsizetype sdoSegmentAt = 1; // the data of a segment
 constexpr qsizetype sdoSegmentSize = 7;
 
-/// The specifier is in the three high bits.
-constexpr unsigned sdoSpecifierShift = 5;
+/// The specifier is in the three high bits of byte 0.
 constexpr unsigned sdoSpecifierMask = 0xE0;
 
-/// Client command specifiers.
-constexpr unsigned ccsDownloadSegment = 0;
-constexpr unsigned ccsInitiateDownload = 1;
-constexpr unsigned ccsInitiateUpload = 2;
-constexpr unsigned ccsUploadSegment = 3;
-constexpr unsigned ccsAbort = 4;
+/// Client command specifiers, in their place.
+constexpr unsigned ccsDownloadSegment = 0x00;
+constexpr unsigned ccsInitiateDownload = 0x20;
+constexpr unsigned ccsInitiateUpload = 0x40;
+constexpr unsigned ccsUploadSegment = 0x60;
+constexpr unsigned ccsAbort = 0x80;
 
-/// Answers of the server, in byte 0.
+/// Server command specifiers, in their place.
 constexpr unsigned scsUploadSegment = 0x00;
 constexpr unsigned scsDownloadSegment = 0x20;
 constexpr unsigned scsInitiateUpload = 0x40;
@@ -48,6 +50,12 @@ inline unsigned byteAt(const QByteArray& frame, qsizetype place)
     return static_cast<unsigned char>(frame.at(place));
 }
 
+/// The command specifier, in its place.
+inline unsigned specifierOf(const QByteArray& frame)
+{
+    return byteAt(frame, 0) & sdoSpecifierMask;
+}
+
 /// The index and the sub-index in bytes 1 to 3.
 inline unsigned indexIn(const QByteArray& frame)
 {
@@ -62,4 +70,10 @@ inline unsigned subIndexIn(const QByteArray& frame)
 inline QByteArray oneByte(unsigned byte)
 {
     return QByteArray(1, static_cast<char>(byte));
+}
+
+/// The abort of a transfer by the server.
+inline QByteArray abortFrame(const QByteArray& multiplexor, tAbortCode code)
+{
+    return oneByte(scsAbort) + multiplexor + littleEndian(code, sdoFrameSize - sdoDataAt);
 }

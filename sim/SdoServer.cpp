@@ -13,19 +13,15 @@ namespace
 // What stands for data that a value does not have.
 constexpr char surplusByte = 0x55;
 
-unsigned specifierOf(const QByteArray& request)
-{
-    return byteAt(request, 0) >> sdoSpecifierShift;
-}
-
 unsigned unusedOf(const QByteArray& request, unsigned mask, unsigned shift)
 {
     return (byteAt(request, 0) & mask) >> shift;
 }
 
-quint64 sizeField(const QByteArray& request)
+// The size of a segmented download, or an abort code.
+quint32 numberIn(const QByteArray& request)
 {
-    return numberOf(request.mid(sdoDataAt), { kindUnsigned, 4 });
+    return static_cast<quint32>(numberOf(request.mid(sdoDataAt), { kindUnsigned, 4 }));
 }
 
 } // namespace
@@ -48,7 +44,7 @@ QByteArray CSdoServer::answer(const QByteArray& request)
     if (request.size() != sdoFrameSize)
         return QByteArray();
     if (specifierOf(request) == ccsAbort) {
-        const auto code = static_cast<tAbortCode>(numberOf(request.mid(sdoDataAt), { kindUnsigned, 4 }));
+        const tAbortCode code = numberIn(request);
         finish(code != abortNone ? code : abortGeneral);
         return QByteArray();
     }
@@ -99,13 +95,12 @@ QByteArray CSdoServer::initiateDownload(const QByteArray& request)
         m_transfer.data = request.mid(sdoDataAt, size);
         return m_defects.abortedAnswer == m_answerCount ? abort(m_defects.abortCode) : writeValue(confirmation);
     }
-    m_announced = sizeGiven ? std::optional(sizeField(request)) : std::nullopt;
-    const auto length = m_announced ? std::optional(static_cast<qsizetype>(*m_announced)) : std::nullopt;
+    m_announced = sizeGiven ? std::optional<qsizetype>(numberIn(request)) : std::nullopt;
     if (m_defects.abortedAnswer == m_answerCount)
         return abort(m_defects.abortCode);
-    if (const tAbortCode code = m_node.checkWrite(m_transfer.index, m_transfer.subIndex, length))
+    if (const tAbortCode code = m_node.checkWrite(m_transfer.index, m_transfer.subIndex, m_announced))
         return abort(code);
-    if (length && *length > longestDownload)
+    if (m_announced && *m_announced > longestDownload)
         return abort(abortMemory);
     m_phase = phaseDownload;
     return confirmation;
@@ -123,7 +118,7 @@ QByteArray CSdoServer::downloadSegment(const QByteArray& request)
     if (m_transfer.data.size() + count > longestDownload)
         return abort(abortMemory);
     m_transfer.data += request.mid(sdoSegmentAt, count);
-    const auto size = static_cast<quint64>(m_transfer.data.size());
+    const qsizetype size = m_transfer.data.size();
     if (m_announced && (size > *m_announced || (last && size != *m_announced)))
         return abort(abortLength);
     const QByteArray confirmation = oneByte(scsDownloadSegment | m_toggle);
@@ -199,7 +194,7 @@ QByteArray CSdoServer::uploadedBytes() const
 QByteArray CSdoServer::abort(tAbortCode code)
 {
     finish(code);
-    return oneByte(scsAbort) + m_multiplexor + littleEndian(code, 4);
+    return abortFrame(m_multiplexor, code);
 }
 
 void CSdoServer::finish(tAbortCode code)

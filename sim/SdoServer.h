@@ -12,7 +12,7 @@
 /// The longest value that a download may bring, in bytes.
 constexpr qsizetype longestDownload = 65536;
 
-/// A transfer that has ended. `data` is what was written or read, as far as it got.
+/// A transfer that has ended. `data` is what was written, as far as it got, or the whole value that was to be read.
 struct tSdoTransfer {
     bool writes = false;
     unsigned index = 0;
@@ -95,9 +95,9 @@ private:
     QByteArray m_multiplexor = QByteArray(3, '\0');
     quint32 m_answerCount = 0;
     tSdoTransfer m_transfer;
-    std::optional<quint64> m_announced; // the size of a segmented download
-    QByteArray m_source;                // the bytes of a segmented upload
-    qsizetype m_position = 0;           // of the next one in it
-    quint32 m_emptySegments = 0;        // still to come
-    unsigned m_toggle = 0;              // expected in the next segment
+    std::optional<qsizetype> m_announced; // the size of a segmented download
+    QByteArray m_source;                  // the bytes of a segmented upload
+    qsizetype m_position = 0;             // of the next one in it
+    quint32 m_emptySegments = 0;          // still to come
+    unsigned m_toggle = 0;                // expected in the next segment
 };

@@ -127,6 +127,12 @@ tAbortCode CSimulatedNode::checkWrite(unsigned index, unsigned subIndex, std::op
     return abortNone;
 }
 
+QByteArray CSimulatedNode::value(unsigned index, unsigned subIndex) const
+{
+    const auto found = m_entries.find(keyOf(index, subIndex));
+    return found == m_entries.end() ? QByteArray() : found->second.value;
+}
+
 std::optional<tValueType> CSimulatedNode::typeOf(unsigned index, unsigned subIndex) const
 {
     const auto found = m_entries.find(keyOf(index, subIndex));

@@ -49,6 +49,9 @@ public:
     /// What `write` checks before it knows the data: object, sub-index, access and, when it is given, the length.
     tAbortCode checkWrite(unsigned index, unsigned subIndex, std::optional<qsizetype> length) const;
 
+    /// The value of an entry as the device itself sees it, whatever the access; empty when there is no such entry.
+    QByteArray value(unsigned index, unsigned subIndex) const;
+
     /// The layout of an entry; none when there is no such entry.
     std::optional<tValueType> typeOf(unsigned index, unsigned subIndex) const;
 

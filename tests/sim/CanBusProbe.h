@@ -1,4 +1,4 @@
-// A simulated CAN bus with the sample sheet as nodes 5 and 7, and everything that it sends.
+// A simulated CAN bus with a data sheet as nodes 5 and 7, and everything that it sends.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -18,10 +18,10 @@
 class CCanBusProbe
 {
 public:
-    explicit CCanBusProbe(const QStringList& faults = {})
+    explicit CCanBusProbe(const QStringList& faults = {}, const QString& sheet = demoSheet())
     {
         for (const unsigned nodeId : { 5U, 7U }) {
-            m_trouble += m_network.add(nodeId, demoSheet());
+            m_trouble += m_network.add(nodeId, sheet);
             m_network.node(nodeId)->write(0x1017, 0, QByteArray(2, '\0'));
         }
         QList<tFault> list;

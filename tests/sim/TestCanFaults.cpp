@@ -16,6 +16,7 @@ private Q_SLOTS:
     void clientGetsWhatTheFaultsMake();
     void delayAnswersLate();
     void delayedAnswersAreBounded();
+    void delayedAnswersMakeRoomForOthers();
     void floodComesBeforeTheAnswer();
     void surplusIsMoreThanAnnounced();
     void endlessUploadEndsAfterItsSegments();
@@ -205,6 +206,25 @@ void TestCanFaults::delayedAnswersAreBounded()
     QVERIFY(probe.await(CCanNode::delayedLimit));
     QTest::qWait(50);
     QCOMPARE(probe.take().size(), CCanNode::delayedLimit);
+}
+
+void TestCanFaults::delayedAnswersMakeRoomForOthers()
+{
+    CCanBusProbe probe({ "delay=20" });
+    const auto askOften = [&probe] {
+        for (int i = 0; i < CCanNode::delayedLimit; ++i)
+            probe.put("605 40 04 20 00 00 00 00 00");
+    };
+    askOften();
+    QVERIFY(probe.await(CCanNode::delayedLimit));
+    probe.take();
+    askOften();
+    QVERIFY(probe.await(CCanNode::delayedLimit));
+    askOften();
+    probe.put("000 82 05"); // the answers held back are lost
+    probe.take();
+    askOften();
+    QVERIFY(probe.await(CCanNode::delayedLimit));
 }
 
 void TestCanFaults::floodComesBeforeTheAnswer()

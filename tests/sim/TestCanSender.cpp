@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "CanSender.h"
 
+#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QTest>
 
 #include <algorithm>
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void manyFramesTakeTheTimeOfABus();
     void laterFramesWaitForTheirTurn();
     void moreThanMayWaitAreLost();
+    void nothingRunsWhenNoneWaits();
 
 private:
     QList<quint32> m_sent;
@@ -88,6 +91,22 @@ void TestCanSender::moreThanMayWaitAreLost()
     QTRY_COMPARE(m_sent.size(), 11);
     QTest::qWait(20);
     QCOMPARE(m_sent.size(), 11);
+}
+
+void TestCanSender::nothingRunsWhenNoneWaits()
+{
+    m_sent.clear();
+    CCanSender sender([this](const tCanFrame& frame) { m_sent += frame.cobId; });
+    sender.send(framesFrom(0, 50));
+    QTRY_COMPARE(m_sent.size(), 50);
+    int awakenings = 0;
+    QObject context;
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, &context,
+            [&awakenings] { ++awakenings; });
+    QEventLoop loop;
+    QTimer::singleShot(100, &loop, &QEventLoop::quit);
+    loop.exec();
+    QVERIFY2(awakenings < 20, QByteArray::number(awakenings));
 }
 
 QTEST_GUILESS_MAIN(TestCanSender)
