@@ -57,7 +57,7 @@ std::int32_t copyText(const char* text, char* buffer, short size)
 
 std::int32_t initMaster(long board, void* param, BYTE baudrate)
 {
-    return cop_init(static_cast<int>(board), param, baudrate);
+    return cop_init(board == -1 ? -1 : 0, param, baudrate); // all boards but -1 are alike, however wide their number
 }
 
 std::int32_t setMasterTimeout(WORD timeout, WORD* previous)
@@ -359,7 +359,8 @@ bool CCANopenAccess::finished(std::int32_t result)
     return result == 0;
 }
 
-// The ending of what the SocketCAN master answers without the bus: success leaves its last error as it was.
+// The ending of what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so that
+// looking at the interface does not hide what has failed on it.
 bool CCANopenAccess::answered(std::int32_t result)
 {
     return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || finished(result);

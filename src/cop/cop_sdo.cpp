@@ -41,6 +41,8 @@ struct sdo_phase {
     bool multiplexed; // an answer with another index or sub-index is not ours: wait on
     bool toggled;     // bit 4 must repeat the toggle of the request
 };
+// Kept: the first answer to a download counts by all of its bits, those of the other phases by their command; devices set
+// what is unused there as they like.
 static constexpr sdo_phase sdo_download_initiate = { 0xFF, 0xFF, 0x60, true, false };
 static constexpr sdo_phase sdo_download_segment = { sdo_command_mask, sdo_command_mask, 0x20, false, true };
 static constexpr sdo_phase sdo_upload_initiate = { sdo_command_mask, sdo_command_mask, 0x40, true, false };
@@ -117,6 +119,7 @@ static bool sdo_in_time()
 static bool sdo_accept(const sdo_phase& phase, BYTE toggle)
 {
     if ((cop_buffer[0] & phase.abort_mask) == sdo_abort) {
+        // Kept: as it reads, 0 and negative numbers included; devices send what they like.
         cop_error = static_cast<int32_t>(sdo_get_le(cop_buffer + 4, 4));
         return false;
     }
@@ -128,7 +131,7 @@ static bool sdo_accept(const sdo_phase& phase, BYTE toggle)
 }
 
 /// True: the answer is in cop_buffer and cop_error is 0. False: the transfer has ended and cop_error holds the result,
-/// which is whatever the server's abort code reads as (0 and negative included) or our error; our abort has been sent.
+/// which is whatever the server's abort code reads as or our error; our abort has been sent.
 static bool sdo_await(const sdo_phase& phase, BYTE toggle)
 {
     can_start_timer(cop_timeout);

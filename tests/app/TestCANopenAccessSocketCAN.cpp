@@ -53,6 +53,7 @@ void TestCANopenAccessSocketCAN::initializeFails_data()
     QTest::addColumn<int>("error");
     QTest::newRow("board 0") << 0 << 0L << QByteArray("can0") << 0 << -93;
     QTest::newRow("board 1") << 0 << 1L << QByteArray("can0") << 0 << -93;
+    QTest::newRow("board 4294967295") << 0 << 4294967295L << QByteArray("can0") << 0 << -93;
     QTest::newRow("board 1 without a parameter") << 0 << 1L << QByteArray() << 0 << -93;
     QTest::newRow("no parameter") << 0 << -1L << QByteArray() << 0 << -94;
     QTest::newRow("no such interface") << 0 << -1L << QByteArray("can1") << 0 << -10000;
