@@ -1,18 +1,21 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc 12) and in asan (clang 14, both sanitizers), the
-# formatting, clang-tidy, and the demonstration without a display.
-#   ./test.sh            everything
-#   ./test.sh --quick    the suite in dev only
+# tests on the CAN interface vcan0, the formatting, clang-tidy, and the demonstrations without a display.
+#   ./test.sh                  everything
+#   ./test.sh --without-can    all but what needs vcan0
+#   ./test.sh --quick          the suite in dev only, without what needs vcan0
 # SPDX-License-Identifier: MIT
 set -euo pipefail
 cd "$(dirname "$0")"
 . scripts/common.sh
 
 quick=false
+can=true
 case "${1:-}" in
     "") ;;
-    --quick) quick=true ;;
-    *) echo "usage: ./test.sh [--quick]" >&2; exit 2 ;;
+    --quick) quick=true can=false ;;
+    --without-can) can=false ;;
+    *) echo "usage: ./test.sh [--quick | --without-can]" >&2; exit 2 ;;
 esac
 mkdir -p build
 summaries=()
@@ -23,6 +26,16 @@ suite() {
     stage "Testing $1"
     ctest --preset "$1" 2>&1 | tee "build/$1.ctest.log" || fail "tests of $1 failed"
     summaries+=("$1: $(grep 'tests passed' "build/$1.ctest.log")")
+}
+
+# The tests on vcan0, `way` as with-vcan names it.
+suite_on_vcan() {
+    build ubsan
+    stage "Testing with-vcan: $way"
+    tests/vcan/check-with-vcan || fail "tests/with-vcan does not do what it should"
+    stage "Testing on vcan0: $way"
+    tests/with-vcan ctest --preset vcan 2>&1 | tee build/vcan.ctest.log || fail "tests on vcan0 failed"
+    summaries+=("vcan0: $(grep 'tests passed' build/vcan.ctest.log)")
 }
 
 format() {
@@ -55,12 +68,21 @@ if $quick; then
     suite dev
 else
     install_missing "${build_packages[@]}" "${test_packages[@]}"
+    if $can; then
+        install_missing "${can_packages[@]}"
+        # These tests make and remove interfaces of their own, which on the host only root may.
+        [ "$(id -u)" -eq 0 ] || export VELMORA_VCAN=${VELMORA_VCAN:-namespace uml}
+        way=$(tests/with-vcan --way) || fail "there is no vcan0 here; ./test.sh --without-can leaves out what needs it"
+    fi
     format
     suite dev
     suite asan
+    if $can; then suite_on_vcan; fi
     tidy
     stage "Demonstration without a display"
     ./demo.sh --headless
+    if $can; then ./demo.sh --can --headless; fi
 fi
+$can || summaries+=("vcan0: left out")
 stage "Summary"
 printf '%s\n' "${summaries[@]}"

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 option(VELMORA_WERROR "Treat warnings as errors" OFF)
 option(VELMORA_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(VELMORA_SANITIZE_UNDEFINED "Build with the undefined-behaviour sanitizer alone" OFF)
 option(VELMORA_COVERAGE "Build with coverage counters" OFF)
 option(VELMORA_HARDENED "Build with hardening: PIE, RELRO, stack protector, _FORTIFY_SOURCE" OFF)
 
@@ -20,8 +21,13 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 if(VELMORA_SANITIZE)
-    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    add_link_options(-fsanitize=address,undefined)
+    set(sanitizers address,undefined)
+elseif(VELMORA_SANITIZE_UNDEFINED)
+    set(sanitizers undefined)
+endif()
+if(sanitizers)
+    add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${sanitizers})
 endif()
 if(VELMORA_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)

@@ -1,8 +1,9 @@
 # Shared by demo.sh and test.sh: stage titles and the installation of what is missing. Sourced, not run.
 # SPDX-License-Identifier: MIT
 
-build_packages=(g++-12 cmake ninja-build qt6-base-dev)
+build_packages=(g++-12 cmake ninja-build qt6-base-dev qt6-serialbus-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
+can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for tests/with-vcan and the tests that run there
 test_packages=(git clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 "${demo_packages[@]}")
 
 stage() { printf '\n== %s\n' "$*"; }

@@ -1,0 +1,111 @@
+// A node on a real CAN bus that follows a script, frame by frame, in a thread of its own.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "RawCan.h"
+
+#include <atomic>
+#include <deque>
+#include <functional>
+#include <thread>
+
+/// The steps are played in their order from `play` on. A frame that is not the one expected ends the play. The node hears
+/// the SDO requests to all nodes and nothing else.
+///
+///     CScriptedNode node;
+///     node.expect("605#4000100000000000").answer("585#4300100091010F00");
+///     node.play();
+///     QCOMPARE(sdo_read_32bit(5, 0x1000, 0, &value), 0);
+///     QCOMPARE(node.difference(), QString());
+class CScriptedNode
+{
+public:
+    /// What the node does when a frame has come: in the order in which it is said here.
+    class CStep
+    {
+    public:
+        explicit CStep(const QString& frame) : m_frame(frame) {}
+        CStep& answer(const QString& frame)
+        {
+            return act([frame](CRawCan& bus) { bus.send(frame); });
+        }
+        CStep& wait(int milliseconds)
+        {
+            return act([milliseconds](CRawCan&) { usleep(static_cast<useconds_t>(milliseconds) * 1000); });
+        }
+        CStep& act(const std::function<void(CRawCan&)>& action)
+        {
+            m_actions.push_back(action);
+            return *this;
+        }
+
+    private:
+        friend class CScriptedNode;
+        QString m_frame;
+        std::deque<std::function<void(CRawCan&)>> m_actions;
+    };
+
+    explicit CScriptedNode(const char* interface = "vcan0") : m_bus(interface) { m_bus.hearOnly(0x600, 0x780); }
+    ~CScriptedNode() { stop(); }
+    CScriptedNode(const CScriptedNode&) = delete;
+    CScriptedNode& operator=(const CScriptedNode&) = delete;
+
+    CStep& expect(const QString& frame)
+    {
+        m_steps.emplace_back(frame);
+        return m_steps.back();
+    }
+    /// Takes requests and answers in turns.
+    void expectInTurns(const QStringList& frames)
+    {
+        for (qsizetype i = 0; i < frames.size(); i += 2)
+            expect(frames[i]).answer(frames.value(i + 1));
+    }
+    void play()
+    {
+        m_thread = std::thread([this] { run(); });
+    }
+    /// Waits for the end of the play. Empty when all has come as expected and nothing more; else what differed.
+    QString difference()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+        const QStringList more = m_bus.receiveAll();
+        return m_difference.isEmpty() && !more.isEmpty() ? "unexpected: " + more.join(' ') : m_difference;
+    }
+    /// Ends the play early.
+    void stop()
+    {
+        m_stopped = true;
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+private:
+    void run()
+    {
+        for (CStep& step : m_steps) {
+            const QString frame = next();
+            if (frame != step.m_frame) {
+                m_difference = "expected " + step.m_frame + ", got " + (frame.isEmpty() ? "nothing" : frame);
+                return;
+            }
+            for (const auto& action : step.m_actions)
+                action(m_bus);
+        }
+    }
+    QString next() const
+    {
+        const QDeadlineTimer deadline(CRawCan::soon);
+        QString frame;
+        while (frame.isEmpty() && !m_stopped && !deadline.hasExpired())
+            frame = m_bus.receive(CRawCan::quiet);
+        return frame;
+    }
+
+    CRawCan m_bus;
+    std::deque<CStep> m_steps;
+    std::thread m_thread;
+    std::atomic<bool> m_stopped = false;
+    QString m_difference;
+};

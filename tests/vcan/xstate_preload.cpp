@@ -1,0 +1,47 @@
+// Preloaded into linux.uml alone: lets it restore the registers of its processes where the processor has more of them
+// than its buffer of fixed size holds (AMX). The kernel takes NT_X86_XSTATE as a whole only and refuses less with EFAULT.
+// SPDX-License-Identifier: MIT
+#include <dlfcn.h>
+#include <elf.h>
+#include <sys/ptrace.h>
+#include <sys/types.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+namespace
+{
+
+using tPtrace = long (*)(__ptrace_request, pid_t, void*, void*);
+
+// Found before linux.uml runs: later it calls from small stacks of its own, where looking up is too much. For the same
+// reason the whole set has a static place; linux.uml has one thread.
+const tPtrace systemPtrace = reinterpret_cast<tPtrace>(dlsym(RTLD_NEXT, "ptrace"));
+alignas(64) std::uint8_t wholeSet[65536];
+
+// Sets the whole register set, with the caller's data at its beginning and what the process has now behind it.
+long setWhole(pid_t process, void* type, const iovec& part)
+{
+    iovec whole = { wholeSet, sizeof wholeSet };
+    if (systemPtrace(PTRACE_GETREGSET, process, type, &whole) < 0)
+        return -1;
+    std::memcpy(wholeSet, part.iov_base, std::min(part.iov_len, whole.iov_len));
+    return systemPtrace(PTRACE_SETREGSET, process, type, &whole);
+}
+
+} // namespace
+
+/// As ptrace(2), except that a part of NT_X86_XSTATE can be set too.
+extern "C" long ptraceWithParts(__ptrace_request request, pid_t process, void* address, void* data) __asm__("ptrace");
+
+long ptraceWithParts(__ptrace_request request, pid_t process, void* address, void* data)
+{
+    const long result = systemPtrace(request, process, address, data);
+    if (result >= 0 || errno != EFAULT || request != PTRACE_SETREGSET ||
+        reinterpret_cast<std::uintptr_t>(address) != NT_X86_XSTATE)
+        return result;
+    return setWhole(process, address, *static_cast<const iovec*>(data));
+}
