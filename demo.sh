@@ -1,7 +1,8 @@
 #!/bin/bash
 # Builds the browser and the simulator, starts a simulated device and the browser, and says what to do next.
 # Without a display, or with --headless, it plays that session by itself in Xvfb and checks what arrived at the device.
-#   ./demo.sh [--headless]
+#   ./demo.sh [--can] [--headless]
+# With --can the device is on the CAN interface vcan0, otherwise behind a gateway.
 # SPDX-License-Identifier: MIT
 set -eu
 cd "$(dirname "$0")"
@@ -9,13 +10,18 @@ cd "$(dirname "$0")"
 
 headless=false
 [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || headless=true
-case "${1:-}" in
-    "") ;;
-    --headless) headless=true ;;
-    *) echo "usage: ./demo.sh [--headless]" >&2; exit 2 ;;
-esac
+can=false
+for option; do
+    case $option in
+        --headless) headless=true ;;
+        --can) can=true ;;
+        *) echo "usage: ./demo.sh [--can] [--headless]" >&2; exit 2 ;;
+    esac
+done
+on_bus=${VELMORA_DEMO_ON_BUS:-false} # the second run of this script with --can, where vcan0 is
 
 demo=$PWD/build/demo
+if $can; then demo+=-can; fi
 sheet=$PWD/share/velmora/velmora-demo.eds
 node=5
 simulator_log=$demo/simulator.log
@@ -43,43 +49,67 @@ wait_for() {
     done
 }
 
-# The simulator serves its gateway or has ended.
-simulator_decided() { grep -q 'gateway on .* port [0-9]' "$simulator_log" || ! kill -0 "$simulator"; }
+# The simulator takes part in the network or has ended.
+simulator_decided() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$simulator"; }
 
-# Starts the simulator on the gateway's usual port, or on a free one when that is taken; sets `port`.
+# Starts the simulator on vcan0, or on the gateway's usual port, or on a free one when that is taken; sets `interface` to
+# what reaches it.
 start_simulator() {
-    local wish
-    for wish in 60000 0; do
-        build/release/sim/velmora-sim --gateway "$wish" --node "$node=$sheet" -v > "$simulator_log" 2>&1 &
+    local place places=("--gateway 60000" "--gateway 0") port
+    if $can; then places=("--can vcan0"); fi
+    for place in "${places[@]}"; do
+        # shellcheck disable=SC2086 # an option and its value
+        build/release/sim/velmora-sim $place --node "$node=$sheet" -v > "$simulator_log" 2>&1 &
         simulator=$!
         started+=("$simulator")
         wait_for 10 simulator_decided || break
         port=$(sed -n 's/.*gateway on .* port \([0-9]*\).*/\1/p' "$simulator_log")
-        [ -z "$port" ] || return 0
+        interface=$(sed -n 's/.*CAN on \([^ ]*\).*/\1/p' "$simulator_log")${port:+localhost:$port}
+        [ -z "$interface" ] || return 0
     done
     cat "$simulator_log"
     fail "the simulator did not start"
 }
 
-# Settings of the demonstration's own: the gateway in the interface history, the sample sheet in the recent files.
+# Settings of the demonstration's own: the interface in its history, the sample sheet in the recent files.
 write_settings() {
     export XDG_CONFIG_HOME=$demo/settings
     mkdir -p "$XDG_CONFIG_HOME"
     local quoted=${sheet//\\/\\\\}
     printf '%s\n' '[CANopen%20Object%20Browser]' "Recent%20File%20List\\File1=\"${quoted//\"/\\\"}\"" \
-        "Used%20Interfaces\\Interface1=localhost:$port" > "$XDG_CONFIG_HOME/Brask Works.conf"
+        "Used%20Interfaces\\Interface1=$interface" > "$XDG_CONFIG_HOME/Brask Works.conf"
 }
 
-mkdir -p build
-install_missing "${build_packages[@]}"
-if $headless; then install_missing "${demo_packages[@]}"; fi
-build release
+# Runs this script once more where vcan0 exists, with everything built.
+enter_bus() {
+    local way
+    install_missing "${can_packages[@]}"
+    way=$(tests/with-vcan --way)
+    stage "Entering a CAN bus: $way"
+    if [ "$way" = uml ] && ! $headless; then
+        echo "This machine has vcan0 in User Mode Linux only, which shows no windows: the session is played without them."
+        headless=true
+        install_missing "${demo_packages[@]}"
+    fi
+    local options=(--can)
+    if $headless; then options+=(--headless); fi
+    VELMORA_DEMO_ON_BUS=true VELMORA_VCAN_TIMEOUT=${VELMORA_VCAN_TIMEOUT:-86400} \
+        exec tests/with-vcan ./demo.sh "${options[@]}"
+}
+
+if ! $on_bus; then
+    mkdir -p build
+    install_missing "${build_packages[@]}"
+    if $headless; then install_missing "${demo_packages[@]}"; fi
+    build release
+    if $can; then enter_bus; fi
+fi
 rm -rf "$demo"
 mkdir -p "$demo"
 stage "Starting the simulated device"
 start_simulator
 write_settings
-echo "node $node on the gateway localhost:$port, from ${sheet#"$PWD"/}"
+echo "node $node on $interface, from ${sheet#"$PWD"/}"
 
 if $headless; then
     . scripts/headless-session.sh
@@ -88,7 +118,7 @@ else
     cat << END
 
 Three steps in the browser:
-  1. Press OK to initialise the interface localhost:$port.
+  1. Press OK to initialise the interface $interface.
   2. File, Recently used, and the sample sheet velmora-demo.eds.
   3. Double-click Node $node and select objects: their values are read from the device.
 

@@ -6,11 +6,13 @@ pictures=0
 
 # The screen, with a window manager and the browser on it.
 start_browser() {
-    Xvfb -displayfd 7 -screen 0 1280x800x24 -nolisten tcp 7> "$demo/display" 2> "$demo/xvfb.log" &
+    # For User Mode Linux: a number of our own, since Xvfb would take the host's displays for dead ones and remove them;
+    # and no scheduling by a timer, whose signals can come faster there than a new process is made.
+    local display=$((RANDOM + 100))
+    Xvfb ":$display" -displayfd 7 -screen 0 1280x800x24 -nolisten tcp -dumbSched 7> "$demo/display" 2> "$demo/xvfb.log" &
     started+=($!)
-    wait_for 20 test -s "$demo/display" || fail "Xvfb did not start"
-    DISPLAY=:$(cat "$demo/display")
-    export DISPLAY QT_QPA_PLATFORM=xcb
+    wait_for 20 test -s "$demo/display" || { cat "$demo/xvfb.log"; fail "Xvfb did not start"; }
+    export DISPLAY=":$display" QT_QPA_PLATFORM=xcb
     unset WAYLAND_DISPLAY
     openbox > "$demo/openbox.log" 2>&1 &
     started+=($!)
@@ -40,14 +42,11 @@ picture() {
     pictures=$((pictures + 1))
     local file
     file=$(printf '%s/%02d-%s.png' "$demo" "$pictures" "$1")
-    before=none
     at_rest() {
-        local after
-        after=$(import -silent -window root -depth 8 rgb:- | md5sum)
-        [ "$before" = "$after" ] || { before=$after; return 1; }
+        import -silent -window root -define png:exclude-chunks=date,time "png:$file.new"
+        if cmp -s "$file.new" "$file"; then rm "$file.new"; else mv "$file.new" "$file"; return 1; fi
     }
     wait_for 5 at_rest || true
-    import -silent -window root "$file"
     echo "  ${file#"$PWD"/}"
 }
 
@@ -76,7 +75,7 @@ box() {
 initialise() {
     window "Initialize CAN Interface"
     press ctrl+a
-    enter "localhost:$port"
+    enter "$interface"
     picture interface
     press Return
     window "CANopen Object Browser - Version 0.2 Build 61"
@@ -165,6 +164,6 @@ play_session() {
     show_information
     press ctrl+q
     wait "$browser" || fail "the browser ended with $?"
-    arrived "client 1 disconnected"
+    if ! $can; then arrived "client 1 disconnected"; fi
     echo "The device saw the reads and writes; the value sent reads back."
 }
