@@ -52,8 +52,8 @@ wait_for() {
 # The simulator takes part in the network or has ended.
 simulator_decided() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$simulator"; }
 
-# Starts the simulator on vcan0, or on the gateway's usual port, or on a free one when that is taken; sets `interface` to
-# what reaches it.
+# Starts the simulator on vcan0, or on the gateway's usual port, or on a free one when that is taken; sets `interface`
+# to what reaches it.
 start_simulator() {
     local place places=("--gateway 60000" "--gateway 0") port
     if $can; then places=("--can vcan0"); fi
@@ -80,14 +80,18 @@ write_settings() {
         "Used%20Interfaces\\Interface1=$interface" > "$XDG_CONFIG_HOME/Brask Works.conf"
 }
 
+# A network namespace has no way to displays over TCP, User Mode Linux to none.
+shows_windows() { [ "$1" = namespace ] && [[ ${DISPLAY:-} == :* || -n ${WAYLAND_DISPLAY:-} ]]; }
+
 # Runs this script once more where vcan0 exists, with everything built.
 enter_bus() {
     local way
-    install_missing "${can_packages[@]}"
+    export VELMORA_VCAN_INTERFACES=vcan0
+    tests/with-vcan --way > /dev/null 2>&1 || install_missing "${can_packages[@]}"
     way=$(tests/with-vcan --way)
     stage "Entering a CAN bus: $way"
-    if [ "$way" = uml ] && ! $headless; then
-        echo "This machine has vcan0 in User Mode Linux only, which shows no windows: the session is played without them."
+    if [ "$way" != host ] && ! $headless && ! shows_windows "$way"; then
+        echo "The way to vcan0 on this machine ($way) shows no windows: the session is played without them."
         headless=true
         install_missing "${demo_packages[@]}"
     fi

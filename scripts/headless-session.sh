@@ -56,8 +56,8 @@ arrived() {
     wait_for 20 count_in_log "$1" "${2:-1}" || { picture "missing"; fail "the device never saw: $1"; }
 }
 
-# select_object TEXT: finds an item of the tree by its first characters and selects it. The tree forgets the characters of
-# a search after a pause, which this waits for.
+# select_object TEXT: finds an item of the tree by its first characters and selects it. The tree forgets the characters
+# of a search after a pause, which this waits for.
 select_object() {
     sleep 1
     enter "$1"

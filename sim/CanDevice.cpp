@@ -15,7 +15,7 @@ namespace
 
 constexpr int watchInterval = 1000; // milliseconds
 
-// Keeps the library to itself that it misses an optional one, which sets bit rates: this is not wanted here.
+// Silences the library's warning that libsocketcan is missing: that sets bit rates, which nobody asks for here.
 QString connectDevice(std::unique_ptr<QCanBusDevice>& device, const QString& interface)
 {
     QLoggingCategory::setFilterRules(QStringLiteral("qt.canbus*=false\ndefault.warning=false"));

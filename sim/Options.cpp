@@ -85,7 +85,8 @@ void addOptions(QCommandLineParser& parser)
         parser.addOption({ QLatin1String(row.name), QLatin1String(row.what), QLatin1String(row.value) });
     parser.addOption(
         { QStringLiteral("v"),
-          QStringLiteral("Log every command and its answer, and every SDO transfer on CAN, on standard output.") });
+          QStringLiteral(
+              "Log gateway commands and answers, SDO transfers, and NMT commands on CAN, on standard output.") });
     parser.addHelpOption();
     parser.addOption({ QStringLiteral("version"), QStringLiteral("Displays version information.") });
 }

@@ -359,8 +359,8 @@ bool CCANopenAccess::finished(std::int32_t result)
     return result == 0;
 }
 
-// The ending of what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so that
-// looking at the interface does not hide what has failed on it.
+// The ending of what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so
+// that looking at the interface does not hide what has failed on it.
 bool CCANopenAccess::answered(std::int32_t result)
 {
     return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || finished(result);

@@ -35,7 +35,8 @@ public:
     /// Opens the interface and binds its library. 0 is the SocketCAN master: `param` is a `_can_param`, `board` must be
     /// -1 (else -93). 700 is the gateway client: `param` is a `_top_param`, `board` is not used. `baudrate` is an index
     /// 0 to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s). Fails with -96 while a library is bound, -98 for any
-    /// other library, -94 without `param`, -10000 or -20000 when the interface or the gateway cannot be opened.
+    /// other library, -94 without `param`, -91 with the SocketCAN master for index 1 and above 8, -10000 or -20000 when
+    /// the interface or the gateway cannot be opened.
     bool initialize(short library, long board, void* param, BYTE baudrate);
     /// Closes the interface; the object can then be initialised again.
     bool terminate();

@@ -125,6 +125,7 @@ short can_init(int board, void* param)
     if (interface == nullptr || interface->ifname == nullptr)
         return ERR_NULL_POINTER;
 
+    // Kept: 16 characters of a name count, though the kernel knows 15; longer ones in users' histories go on working.
     std::memset(ifname, 0, sizeof ifname);
     std::memcpy(ifname, interface->ifname, strnlen(interface->ifname, sizeof ifname));
     family = interface->family;
@@ -173,7 +174,7 @@ short can_reset()
 {
     if (init == 0)
         return ERR_NOT_INITIALIZED;
-    // Kept: devices rely on a master that never runs at index 1, so such a one is not taken for stopped.
+    // Kept: index 1 has no bit timing; programs that ask for it expect to be refused here, too.
     if (can_state.b.can_stopped == 0 && can_baudrate == 1)
         return ERR_BAUDRATE;
     can_state.b.can_stopped = 1;
@@ -361,6 +362,8 @@ short can_queue_status()
     return error;
 }
 
+/// Kept: by the clock of the wall, so that time-outs fit the time stamps of users' traces; setting it back lengthens a
+/// wait.
 static uint64_t can_microseconds()
 {
     timeval now = {};
@@ -420,6 +423,7 @@ static bool can_store(uint32_t cob_id, short length, const BYTE* data)
     });
     if (object == last)
         return false;
+    // Kept: the newest message counts, as devices expect of a mailbox; one that was not read in time is lost.
     object->length = length;
     std::memcpy(object->data, data, static_cast<std::size_t>(length));
     can_count_up(*object);
@@ -457,6 +461,6 @@ int can_read_queue(int max)
         if (!can_store(cob_id, length, frame.data) && queue_enabled)
             can_enqueue(cob_id, length, frame.data);
     }
-    que_load = static_cast<BYTE>(frames * 100 / (max != 0 ? max : can_read_unlimited));
+    que_load = static_cast<BYTE>(int64_t{ frames } * 100 / (max != 0 ? max : can_read_unlimited));
     return frames;
 }

@@ -18,7 +18,7 @@ struct _can_param {
 union CAN_STATE {
     BYTE byte;
     struct {
-        BYTE queue_overrun : 1;    ///< the queue has dropped its oldest message
+        BYTE queue_overrun : 1;    ///< messages were dropped; renewed with each one that is queued
         BYTE message_lost : 1;     ///< a message object was overwritten before it was read; until the next can_init
         BYTE receiver_empty : 1;   ///< the last read found nothing
         BYTE transmitter_busy : 1; ///< the last message could not be sent
@@ -35,7 +35,7 @@ extern CAN_STATE can_state;
 
 /// What a message object does: the low byte of the control word of `can_config`.
 inline constexpr WORD can_object_transmit = 1;
-inline constexpr WORD can_object_transmit_remote = 2;
+inline constexpr WORD can_object_transmit_remote = 2; ///< transmits exactly like 1
 inline constexpr WORD can_object_receive = 3;
 inline constexpr WORD can_object_receive_remote = 4; ///< receives exactly like 3
 inline constexpr int can_object_length_shift = 8;    ///< the high byte of the control word is the data length
@@ -43,12 +43,13 @@ inline constexpr int can_object_length_shift = 8;    ///< the high byte of the c
 inline constexpr short can_length_max = 8; ///< data bytes of a CAN message
 
 // One controller a process, used by one thread. Nothing blocks: messages are taken from the socket, at most 100 at a
-// time, only while one of these functions runs. Unless a function says otherwise, it returns 0 or an error code and checks
-// in this order:
+// time, only while one of these functions runs. Unless a function says otherwise, it returns 0 or an error code and
+// checks in this order:
 //   -95   not initialised
 //   -9    not started, where messages are sent or read
-//   -93   an argument or the kind of the object is out of range
+//   -93   a number is out of range
 //   -94   a null pointer
+//   -93   the object is of another kind
 
 /// Opens a raw socket on the interface that `param`, a `_can_param`, names; the controller is then stopped, all its
 /// message objects are free and its queue is enabled; what it holds from before stays. `board` must be -1.
@@ -58,20 +59,20 @@ short can_init(int board, void* param);
 /// Closes the socket, also that of an attempt that has failed. @return 0 always
 short can_exit();
 
-/// Starts the controller. The bit rate is that of the interface, which is configured elsewhere: `baudrate`, an index 0 to
-/// 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s), is only noted.
+/// Starts the controller. The bit rate is that of the interface, which is configured elsewhere: `baudrate`, an index 0
+/// to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s), is only noted.
 /// @return also -8 when already started; -91 for index 1, which has no bit timing, and above 8
 short can_start(BYTE baudrate);
-/// Stops the controller.
+/// Stops the controller. @return also -91 while it runs at index 1
 short can_reset();
 
-/// Not available from a raw socket: -98 always; what the pointers point to is left as it is.
+/// Not available from a raw socket: -98 once initialised; what the pointers point to is left as it is.
 short can_status(BYTE* status);
 short can_busload(BYTE* load, BYTE* status);
 
 /// Sets up a message object for the identifier `cob_id` (0 to 2047). `control` is the kind of object and, in its high
-/// byte, a data length of 0 to 8: 0x0803 receives. Messages that wait in the socket are taken first, so that the object
-/// gets newer ones only.
+/// byte, a data length of 0 to 8: 0x0803 receives. Messages that wait in the socket are taken first, 100 at most, so
+/// that the object gets newer ones.
 short can_config(short object, uint32_t cob_id, WORD control);
 /// Frees a message object. @return 0, or -93 for a number that is none
 short can_delete(short object);
@@ -81,7 +82,7 @@ short can_delete(short object);
 short can_transmit(short object, short length, const BYTE* data);
 /// Not available: -98 for transmit objects, -93 for others.
 short can_update(short object, short length, const BYTE* data);
-/// The number of messages that the transmit object could not send; 0 when there is no such object.
+/// The number of messages that an object of kind 1 could not send; 0 for others, and while nothing can be sent.
 short can_busy(short object);
 
 /// Reads what a receive object has received last; `data` has room for eight bytes. When it had received more than one
@@ -101,7 +102,8 @@ short can_queue_enable();  ///< empties the queue when it was disabled; 0 always
 short can_queue_disable(); ///< messages without an object are dropped from now on; 0 always
 short can_queue_empty();   ///< 1 when the queue is empty, else 0
 short can_queue_clear();   ///< -30 when it was empty already
-/// What went wrong with the queue last, once: -40 after it has dropped messages, -30 when it was read while empty, or 0.
+/// What went wrong with the queue last, once: -40 after it has dropped messages, -30 when it was read while empty, or
+/// 0, also when it has been read with success since.
 short can_queue_status();
 
 /// Sets the one timer to so many milliseconds from now. @return 0

@@ -103,7 +103,7 @@ int32_t cop_queue_clear()
 
 int32_t cop_queue_status(BYTE* status, BYTE* load)
 {
-    cop_error = can_busload(load, status);
+    cop_error = can_busload(load, status); // never available: what counts is the queue
     return cop_error = can_queue_status();
 }
 

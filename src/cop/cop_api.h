@@ -20,8 +20,8 @@ inline constexpr short cop_receive_object = 1;
 
 /// Starts the CAN controller on the interface that `param`, a `_can_param`, names. What was open before is closed, and
 /// nothing stays open on failure. `board` must be -1; `baudrate` is an index 0 to 8 without 1.
-/// @return 0; -93 for another board; -94 without `param`; -10000 when the interface cannot be opened; -91 for an index
-/// without bit timing
+/// @return 0; -93 for another board; -94 without `param` or its name; -10000 when the interface cannot be opened; -91
+/// for an index without bit timing
 int32_t cop_init(int board, void* param, BYTE baudrate);
 /// Closes the interface. @return 0 always
 int32_t cop_exit();
@@ -31,21 +31,20 @@ int32_t cop_reset(BYTE baudrate);
 /// Sends a message of `length` data bytes (0 to 8) with the identifier `cob_id` (0 to 2047). @return also -20 when the
 /// interface does not take it
 int32_t cop_transmit(uint32_t cob_id, short length, const BYTE* data);
-/// Waits for a message with the identifier `cob_id`; `length` is the length expected on entry and that of the message on
-/// return, `data` has room for eight bytes. Waits 20 ms down to 100 kbit/s, 50 ms at 50, 100 ms at 20 and 200 ms at 10
-/// kbit/s.
+/// Waits for a message with the identifier `cob_id`. `length` has to be 0 to 8 and becomes that of the message; `data`
+/// has room for eight bytes. Waits 20 ms down to 100 kbit/s, 50 ms at 50, 100 ms at 20 and 200 ms at 10 kbit/s.
 /// @return also -50 when nothing has arrived
 int32_t cop_request(uint32_t cob_id, short* length, BYTE* data);
 
-/// Not available: -98 always while initialised; nothing is stored.
+/// Not available: -98 once initialised; nothing is stored.
 int32_t cop_status(BYTE* status, BYTE* load);
 
 /// Takes the oldest message out of the queue; `data` has room for eight bytes. @return also -30 when it is empty
 int32_t cop_queue_read(uint32_t* cob_id, short* length, BYTE* data);
 /// Empties the queue. @return also -30 when it was empty already
 int32_t cop_queue_clear();
-/// What went wrong with the queue since the last call: -40 when it has dropped messages, -30 when it was read while
-/// empty, or 0. Nothing is stored through the pointers.
+/// What went wrong with the queue last, once: -40 after it has dropped messages, -30 when it was read while empty, or
+/// 0, also when it has been read with success since. Nothing is stored through the pointers.
 int32_t cop_queue_status(BYTE* status, BYTE* load);
 
 const char* cop_hardware(); ///< interface="can0", family=29, type=3, protocol=1

@@ -8,16 +8,16 @@
 #include <algorithm>
 #include <iterator>
 
-// The first byte of a message (CiA 301, SDO protocols). Names: D download, U upload; i initiate, s segment.
-static constexpr BYTE sdo_download_expedited = 0x23; // Di, expedited with size; unused bytes in bits 2 and 3
-static constexpr BYTE sdo_download_segmented = 0x21; // Di, size in bytes 4 to 7
-static constexpr BYTE sdo_upload = 0x40;             // Ui
-static constexpr BYTE sdo_upload_next = 0x60;        // Us, with the toggle
+// The first byte of a message (CiA 301, SDO protocols).
+static constexpr BYTE sdo_download_expedited = 0x23; // initiate, with the data; unused bytes in bits 2 and 3
+static constexpr BYTE sdo_download_segmented = 0x21; // initiate, with the size in bytes 4 to 7
+static constexpr BYTE sdo_upload = 0x40;             // initiate
+static constexpr BYTE sdo_upload_next = 0x60;        // request of a segment, with the toggle
 static constexpr BYTE sdo_abort = 0x80;
 static constexpr BYTE sdo_toggle = 0x10;
-static constexpr BYTE sdo_last = 0x01;            // Ds and Us: no more segments
-static constexpr BYTE sdo_expedited = 0x02;       // answer to Ui: the data is in bytes 4 to 7
-static constexpr BYTE sdo_size_indicated = 0x01;  // answer to Ui: the unused bytes are counted
+static constexpr BYTE sdo_last = 0x01;            // no more segments
+static constexpr BYTE sdo_expedited = 0x02;       // upload: the answer has the data in bytes 4 to 7
+static constexpr BYTE sdo_size_indicated = 0x01;  // upload: the answer counts its unused bytes
 static constexpr BYTE sdo_command_mask = 0xE0;    // the command specifier
 static constexpr BYTE sdo_initiate_unused = 0x0C; // unused bytes of an expedited answer
 static constexpr BYTE sdo_segment_unused = 0x0E;  // unused bytes of a segment
@@ -41,8 +41,8 @@ struct sdo_phase {
     bool multiplexed; // an answer with another index or sub-index is not ours: wait on
     bool toggled;     // bit 4 must repeat the toggle of the request
 };
-// Kept: the first answer to a download counts by all of its bits, those of the other phases by their command; devices set
-// what is unused there as they like.
+// Kept: the first answer to a download counts by all of its bits, those of the other phases by their command; devices
+// set what is unused there as they like.
 static constexpr sdo_phase sdo_download_initiate = { 0xFF, 0xFF, 0x60, true, false };
 static constexpr sdo_phase sdo_download_segment = { sdo_command_mask, sdo_command_mask, 0x20, false, true };
 static constexpr sdo_phase sdo_upload_initiate = { sdo_command_mask, sdo_command_mask, 0x40, true, false };
@@ -64,7 +64,8 @@ static uint32_t sdo_get_le(const BYTE* bytes, int count)
     return value;
 }
 
-/// Starts and ends a transfer: sets up the message objects for a node, and frees them. `cop_error` tells whether it could.
+/// Starts and ends a transfer: sets up the message objects for a node, and frees them. `cop_error` tells whether it
+/// could.
 class sdo_objects
 {
 public:
@@ -139,7 +140,7 @@ static bool sdo_await(const sdo_phase& phase, BYTE toggle)
         short length = 0;
         cop_error = can_receive(cop_receive_object, &length, cop_buffer);
         if (cop_error == ERR_RECEIVER_EMPTY)
-            continue;
+            continue; // while there is time
         if (cop_error != ERR_NO_ERROR)
             return sdo_fail(ABORT_GENERAL, cop_error);
         if (length != can_length_max)
@@ -219,8 +220,8 @@ static void sdo_receive_segments(sdo_received& received)
         received.data[received.count] = 0;
 }
 
-/// Reads an entry into `received`. Kept: the size that announces segments is not looked at, since devices say nothing or
-/// something else than they send.
+/// Reads an entry into `received`. Kept: the size that announces segments is not looked at, since devices say nothing
+/// or something else than they send.
 static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& received)
 {
     const sdo_objects guard(node, index, subindex);

@@ -12,9 +12,9 @@
 //   -50       no answer in time
 //   -60       an answer of other than eight bytes
 //   -70       an answer that does not belong to the request: another command, a wrong toggle bit
-//   positive  the SDO abort code of the node
+//   positive  the SDO abort code of the node, as a signed number: strange ones may read as 0 or as negative
 //   others    error codes of the CAN controller
-// After -50, -60 and -70 the node has been sent an abort, too.
+// Where waiting for an answer has failed, the node has been sent an abort, too.
 
 /// Writes `length` bytes: up to 4 in one message, more in segments of 7.
 int32_t sdo_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data);
@@ -31,7 +31,8 @@ int32_t sdo_write_8bit(BYTE node, WORD index, BYTE subindex, uint8_t value);
 int32_t sdo_write_16bit(BYTE node, WORD index, BYTE subindex, uint16_t value);
 int32_t sdo_write_32bit(BYTE node, WORD index, BYTE subindex, uint32_t value);
 
-/// @return also -60 when the node delivers another number of bytes; a value of 8 bits may be overwritten then
+/// @return also -60 when the node delivers another number of bytes, for which no abort is sent; a value of 8 bits may
+/// be overwritten then
 int32_t sdo_read_8bit(BYTE node, WORD index, BYTE subindex, uint8_t* value);
 int32_t sdo_read_16bit(BYTE node, WORD index, BYTE subindex, uint16_t* value);
 int32_t sdo_read_32bit(BYTE node, WORD index, BYTE subindex, uint32_t* value);

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 class TestCANopenAccessMaster : public QObject
 {
@@ -22,6 +23,8 @@ private Q_SLOTS:
     void timeoutKeepsTheLastAbortAndSuccessClearsIt();
     void oddAbortCodesAreResultsAsTheyAre();
     void valuesArriveInEveryWidth();
+    void nullPointersAreFatal();
+    void otherNumbersOfBytesAreRefused();
     void sdoTimeoutIsSetAndThePreviousOneTold();
     void queueWritesThirtyTwoBitsOnSuccessOnly();
     void queueIsCleared();
@@ -134,6 +137,58 @@ void TestCANopenAccessMaster::valuesArriveInEveryWidth()
     QCOMPARE(integer8, int8_t(-2));
     QCOMPARE(integer16, int16_t(-292));
     QCOMPARE(integer32, int32_t(-19088744));
+    QVERIFY(on.bus.finished());
+}
+
+// Nothing is sent, and the last abort stays.
+void TestCANopenAccessMaster::nullPointersAreFatal()
+{
+    using tOperationOf = std::function<bool(CCANopenAccess&)>;
+    short length = 77;
+    BYTE data[8] = {};
+    const tOperationOf refused[] = {
+        [](auto& access) { return access.write(5, 0x2000, 1, 3, nullptr); },
+        [](auto& access) { return access.write(5, 0x2000, 1, 0, nullptr); },
+        [&](auto& access) { return access.read(5, 0x2000, 1, nullptr, data, 8); },
+        [&](auto& access) { return access.read(5, 0x2000, 1, &length, nullptr, 8); },
+        [](auto& access) { return access.read(5, 0x2000, 1, nullptr, nullptr, 0); },
+        [](auto& access) { return access.readUnsigned8(5, 0x2000, 1, nullptr); },
+        [](auto& access) { return access.readUnsigned16(5, 0x2000, 1, nullptr); },
+        [](auto& access) { return access.readUnsigned32(5, 0x2000, 1, nullptr); },
+        [](auto& access) { return access.readInteger8(5, 0x2000, 1, nullptr); },
+        [](auto& access) { return access.readInteger16(5, 0x2000, 1, nullptr); },
+        [](auto& access) { return access.readInteger32(5, 0x2000, 1, nullptr); },
+    };
+    for (const tOperationOf& run : refused) {
+        tBoundMaster on;
+        on.abortOnce();
+        const QByteArray place = QByteArray::number(int(&run - refused));
+        QVERIFY2(!run(on.access), place.constData());
+        QVERIFY2(on.access.getLastError() == -99, place.constData());
+        QCOMPARE(QByteArray(on.access.getErrorText(0)), QByteArray("Fatal error!"));
+        QCOMPARE(on.access.getLastAbort(), readOnly);
+        QVERIFY(!on.access.isSDOAborted());
+        QVERIFY2(on.bus.finished(), place.constData());
+    }
+}
+
+void TestCANopenAccessMaster::otherNumbersOfBytesAreRefused()
+{
+    tBoundMaster on;
+    on.abortOnce();
+    uint16_t value = 0xA5A5;
+    int16_t integer = 0x5A5A;
+    for (const char* answer : { "4F 00 20 01 01 02 03 04", "43 00 20 01 01 02 03 04" }) {
+        on.bus.expect(0x605, "40 00 20 01 00 00 00 00").answer(0x585, answer);
+        QVERIFY(!on.access.readUnsigned16(5, 0x2000, 1, &value));
+        QCOMPARE(on.access.getLastError(), -60);
+        on.bus.expect(0x605, "40 00 20 01 00 00 00 00").answer(0x585, answer);
+        QVERIFY(!on.access.readInteger16(5, 0x2000, 1, &integer));
+        QCOMPARE(on.access.getLastError(), -60);
+    }
+    QCOMPARE(on.access.getLastAbort(), readOnly);
+    QCOMPARE(value, uint16_t(0xA5A5));
+    QCOMPARE(integer, int16_t(0x5A5A));
     QVERIFY(on.bus.finished());
 }
 

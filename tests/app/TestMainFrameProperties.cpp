@@ -1,11 +1,14 @@
 // What the main frame shows as the properties of the interface.
 // SPDX-License-Identifier: MIT
 #include "BoxCatcher.h"
+#include "FakeBus.h"
 #include "FakeGateway.h"
 #include "FrameDriver.h"
 #include "TempSettings.h"
 
 #include "CANopenAccess.h"
+#include "Product.h"
+#include "cop/cop_api.h"
 
 #include <QTest>
 
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void propertiesWithoutInterface();
     void propertiesShowTheTextsOfTheGateway_data();
     void propertiesShowTheTextsOfTheGateway();
+    void propertiesShowTheInterfaceOfTheMaster();
     void propertiesThatFail_data();
     void propertiesThatFail();
 
@@ -84,6 +88,25 @@ void TestMainFrameProperties::propertiesShowTheTextsOfTheGateway()
                                       "\nCopyright " + copyright + "\n");
     QCOMPARE(catcher.only().icon, QMessageBox::Information);
     QCOMPARE(catcher.only().format, Qt::PlainText);
+}
+
+void TestMainFrameProperties::propertiesShowTheInterfaceOfTheMaster()
+{
+    const CBoxCatcher catcher;
+    CFakeBus bus;
+    CFrameDriver driver;
+    driver.initialize("can0");
+    driver.choose("&Interface", "&Properties...");
+    QCOMPARE(catcher.only().title, propertiesTitle);
+    QCOMPARE(catcher.only().text,
+             QString("Hardware: interface=\"can0\", family=29, type=3, protocol=1\nFirmware: %1\nSoftware: %2\n"
+                     "Copyright %3\n")
+                 .arg(cop_software(), cop_version(), product::copyright));
+    QCOMPARE(catcher.only().icon, QMessageBox::Information);
+    QCOMPARE(catcher.only().format, Qt::PlainText);
+    QVERIFY(!catcher.only().waitCursor);
+    QCOMPARE(bus.written(), QStringList());
+    QVERIFY(bus.finished());
 }
 
 void TestMainFrameProperties::propertiesThatFail_data()

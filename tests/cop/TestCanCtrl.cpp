@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/select.h>
 
@@ -22,6 +23,20 @@ private Q_SLOTS:
         QCOMPARE(bus.calls(), (QStringList{ "socket(29, 3, 1)", "ioctl(\"vcan1\", -1)", "bind(29, 12, 16)" }));
         QCOMPARE(bus.descriptors(), 1);
         QCOMPARE(can_state.byte, 0x80);
+    }
+
+    void socketDoesNotBlock() // neither sending nor reading
+    {
+        CStartedBus bus;
+        QCOMPARE(can_config(0, 0x123, 0x0001), 0);
+        bus.expect(0x123, "").answer(0x456, "01");
+        QCOMPARE(can_transmit(0, 0, nullptr), 0);
+        QCOMPARE(queued(), "456 0: 01");
+        QVERIFY(bus.finished()); // looks at the descriptor in each write and read
+        can_exit();
+        bus.lowestDescriptor = 100; // with any descriptor
+        QCOMPARE(can_init(-1, &bus.param), 0);
+        QVERIFY((fcntl(100, F_GETFL) & O_NONBLOCK) != 0);
     }
 
     void familyTypeAndProtocolAreThoseOfTheRecord()
@@ -44,8 +59,10 @@ private Q_SLOTS:
         QCOMPARE(can_init(-1, &nameless), -94);
         QCOMPARE(bus.calls(), QStringList());
         QCOMPARE(can_init(-1, &bus.param), 0);
+        QCOMPARE(can_start(0), 0);
         QCOMPARE(can_init(0, nullptr), -96);
         QCOMPARE(can_init(-1, &bus.param), -96);
+        QCOMPARE(can_state.byte, 0x00); // and it runs on
         QCOMPARE(bus.descriptors(), 1);
     }
 
@@ -280,6 +297,19 @@ private Q_SLOTS:
         bus.advance(1);
         QCOMPARE(can_is_timeout(), 1);
         bus.advance(100000);
+        QCOMPARE(can_is_timeout(), 1);
+    }
+
+    void clockThatIsSetBackLengthensTheWait()
+    {
+        CFakeBus bus;
+        bus.step = 0;
+        QCOMPARE(can_start_timer(100), 0);
+        bus.advance(99 - 1000);
+        QCOMPARE(can_is_timeout(), 0);
+        bus.advance(1000);
+        QCOMPARE(can_is_timeout(), 0);
+        bus.advance(1);
         QCOMPARE(can_is_timeout(), 1);
     }
 

@@ -119,6 +119,18 @@ private Q_SLOTS:
             QCOMPARE(can_delete(short(object)), -93);
     }
 
+    void deletingNeedsNoOpenController()
+    {
+        CFakeBus bus;
+        for (int initialised = 0; initialised < 2; ++initialised) {
+            for (short object = 0; object < 15; ++object)
+                QCOMPARE(can_delete(object), 0);
+            for (const int object : { -32768, -1, 15, 16, 32767 })
+                QCOMPARE(can_delete(short(object)), -93);
+            QCOMPARE(can_init(-1, &bus.param), initialised == 0 ? 0 : -96);
+        }
+    }
+
     void transmitWritesOneFrame_data()
     {
         QTest::addColumn<int>("length");

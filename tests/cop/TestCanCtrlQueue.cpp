@@ -58,6 +58,54 @@ private Q_SLOTS:
         QCOMPARE(can_queue_status(), 0);
     }
 
+    // A call that does not get as far as the queue leaves its error alone, whatever that is.
+    void refusedReadingIsNoErrorOfTheQueue()
+    {
+        for (const short error : { short(-30), short(0) }) {
+            CStartedBus bus;
+            const auto setError = [error] { return queued() == "-30" && (error != 0 || can_queue_status() == -30); };
+            QVERIFY(setError());
+            QCOMPARE(can_queue_get_message(nullptr, nullptr, nullptr), -94);
+            QCOMPARE(can_queue_status(), error);
+            QVERIFY(setError());
+            can_reset();
+            QCOMPARE(queued(), "-9");
+            QCOMPARE(can_queue_status(), error);
+            can_start(0);
+            QVERIFY(setError());
+            can_exit();
+            QCOMPARE(queued(), "-95");
+            QCOMPARE(can_queue_status(), error);
+        }
+    }
+
+    void queueNeedsNoOpenController()
+    {
+        CStartedBus bus;
+        can_exit();
+        QCOMPARE(can_queue_enable(), 0);
+        QCOMPARE(can_queue_disable(), 0);
+        QCOMPARE(can_queue_disable(), 0);
+        QCOMPARE(can_queue_enable(), 0);
+        QCOMPARE(can_queue_empty(), 1);
+        QCOMPARE(can_queue_clear(), -30);
+        QCOMPARE(can_queue_status(), 0);
+    }
+
+    void queueIsClearedWhileClosed()
+    {
+        CStartedBus bus;
+        fill(bus, 2);
+        can_read_queue(100);
+        can_exit();
+        QCOMPARE(can_queue_empty(), 0);
+        QCOMPARE(can_queue_clear(), 0);
+        QCOMPARE(can_queue_clear(), -30);
+        QCOMPARE(can_init(-1, &bus.param), 0);
+        QCOMPARE(can_start(0), 0);
+        QCOMPARE(queued(), "-30");
+    }
+
     void queueHolds16382()
     {
         CStartedBus bus;

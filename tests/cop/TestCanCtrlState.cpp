@@ -107,6 +107,45 @@ private Q_SLOTS:
         QCOMPARE(fd, -1);
     }
 
+    void failedOpeningLeavesAllButTheSocketAlone_data()
+    {
+        QTest::addColumn<int>("board");
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<int>("call");
+        QTest::addColumn<int>("result");
+        QTest::newRow("board") << 0 << QByteArray("can0") << -1 << -93;
+        QTest::newRow("no name") << -1 << QByteArray() << -1 << -94;
+        QTest::newRow("no interface") << -1 << QByteArray("can9") << -1 << -10000;
+        QTest::newRow("socket fails") << -1 << QByteArray("can0") << int(CFakeBus::Socket) << -10000;
+        QTest::newRow("bind fails") << -1 << QByteArray("can0") << int(CFakeBus::Bind) << -10000;
+    }
+    void failedOpeningLeavesAllButTheSocketAlone()
+    {
+        QFETCH(int, board);
+        QFETCH(QByteArray, name);
+        QFETCH(int, call);
+        QFETCH(int, result);
+        CStartedBus bus;
+        leaveTraces(bus);
+        _can_param other = { name.isNull() ? nullptr : name.constData(), 29, 3, 1 };
+        if (call >= 0)
+            bus.fail(CFakeBus::ECall(call), EPERM);
+        QCOMPARE(can_init(board, &other), result);
+        QCOMPARE(can_state.byte, 0x86);
+        QCOMPARE(object(3), "3 123: 0, 1 bytes 02 00 00 00 00 00 00 00");
+        QCOMPARE(object(4), "4 124: 1, 1 bytes 03 00 00 00 00 00 00 00");
+        QVERIFY(!queue_enabled);
+        QCOMPARE(can_queue_empty(), 0); // enabling it would empty it
+        QCOMPARE(int(queue_error), -30);
+        bus.heal();
+        can_exit();
+        QCOMPARE(can_init(-1, &bus.param), 0);
+        QCOMPARE(can_state.byte, 0x80);
+        QCOMPARE(int(msg_buf[3].control), 0);
+        QCOMPARE(int(msg_buf[4].control), 0);
+        QCOMPARE(can_queue_empty(), 1);
+    }
+
     void nameOf16CharactersFillsItsField()
     {
         CFakeBus bus;
@@ -274,6 +313,23 @@ private Q_SLOTS:
     }
 
 private:
+    // Closes the controller with a message in an object and another in the queue, an error of the queue and state bits.
+    static void leaveTraces(CFakeBus& bus)
+    {
+        QCOMPARE(queued(), "-30");
+        QCOMPARE(can_config(3, 0x123, 0x0803), 0);
+        QCOMPARE(can_config(4, 0x124, 0x0804), 0);
+        bus.inject(0x123, "01");
+        bus.inject(0x123, "02"); // the one before is lost
+        QCOMPARE(received(3), "0: 02");
+        bus.inject(0x124, "03");
+        bus.inject(0x125, "04");
+        QCOMPARE(received(3), "-30");
+        can_queue_disable();
+        QCOMPARE(can_exit(), 0);
+        QCOMPARE(can_state.byte, 0x86);
+    }
+
     static int stateOf(void (*set)(CAN_STATE& state))
     {
         CAN_STATE state = {};

@@ -1,4 +1,4 @@
-// The CANopen master: opening, closing, restarting, single messages and the queue, and that cop_error keeps each result.
+// The CANopen master: opening, closing, restarting, single messages, the queue, and cop_error, which keeps each result.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 #include "cop/cop_api.h"
@@ -162,10 +162,13 @@ private Q_SLOTS:
 
     void resetStopsFor100Milliseconds()
     {
+        int states = 0;
         CFakeBus bus;
         QCOMPARE(cop_init(-1, &bus.param, 0), 0);
+        bus.before = [&](CFakeBus::ECall call) { states |= call == CFakeBus::Usleep ? 0x100 | can_state.byte : 0; };
         cop_error = 1;
         QCOMPARE(kept(cop_reset(5)), 0);
+        QCOMPARE(states, 0x180); // stopped during the pause
         QCOMPARE(bus.calls(), opening + QStringList{ "usleep(100000)" });
         QCOMPARE(bus.milliseconds(), 100);
         QCOMPARE(can_state.byte, 0x00);

@@ -39,6 +39,19 @@ private Q_SLOTS:
         QCOMPARE(bus.written(), QStringList()); // no remote frame is sent
     }
 
+    // Setting up the object may take its time, too.
+    void timeStartsWhenTheObjectIsSetUp()
+    {
+        CFakeBus bus;
+        QCOMPARE(cop_init(-1, &bus.param, 0), 0);
+        bus.before = [&](CFakeBus::ECall call) {
+            if (call == CFakeBus::Select && bus.count(call) == 1)
+                bus.advance(19);
+        };
+        bus.injectAfter(19 + 19, 0x705, "7F");
+        QCOMPARE(request(0x705, 1), "0: 7F");
+    }
+
     void indexOfAFailedCallDoesNotCount()
     {
         CFakeBus bus;

@@ -13,6 +13,8 @@ private Q_SLOTS:
     void settingReturnsThePreviousOne();
     void answerWithinTheTimeoutCounts_data() { addSdoPhases(); }
     void answerWithinTheTimeoutCounts();
+    void timeStartsWhenTheRequestIsSent_data() { addSdoPhases(); }
+    void timeStartsWhenTheRequestIsSent();
     void silenceEndsWithAnAbort_data();
     void silenceEndsWithAnAbort();
     void eachAnswerHasTheWholeTime_data();
@@ -59,6 +61,21 @@ void TestCopSdoTiming::answerWithinTheTimeoutCounts()
     QCOMPARE(phase.transfer.run(), QString(phase.transfer.success));
     QVERIFY(bus.finished());
     QCOMPARE(bus.count(CFakeBus::Usleep), 0);
+}
+
+void TestCopSdoTiming::timeStartsWhenTheRequestIsSent()
+{
+    const tSdoPhase& phase = fetchedPhase();
+    CPhaseBus bus(phase);
+    bus.before = [&](CFakeBus::ECall call) {
+        if (call == CFakeBus::Write && bus.count(call) == int(phase.place) + 1)
+            bus.advance(499);
+    };
+    bus.request->after(499).answer(0x585, phase.answer());
+    bus.talkFrom(phase.place + 1);
+    QCOMPARE(phase.transfer.run(), QString(phase.transfer.success));
+    QVERIFY(bus.finished());
+    QCOMPARE(bus.milliseconds(), 499 + 499);
 }
 
 void TestCopSdoTiming::silenceEndsWithAnAbort_data()

@@ -15,23 +15,31 @@ private Q_SLOTS:
     void otherNumbersOfBytesAreRefused();
     void failuresAreThoseOfTheTransfer_data();
     void failuresAreThoseOfTheTransfer();
+    void failureAfterTheData_data() { failuresAreThoseOfTheTransfer_data(); }
+    void failureAfterTheData();
     void nullPointersAndNodes();
 
 private:
-    // "0: 00000005" with the value, or the result alone.
+    // "0: 00000005" with the value; a failure is its result, and the value if that has changed: "-60: 05".
     template <typename Value>
     static QString text(int32_t (*read)(BYTE, WORD, BYTE, Value*))
     {
+        constexpr auto untouched = Value(0xA5A5A5A5);
         struct {
             BYTE before[4] = { 0xA5, 0xA5, 0xA5, 0xA5 };
-            Value value = 0;
+            Value value = untouched;
             BYTE behind[8] = { 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5 };
         } memory;
         const QString end = ended(read(5, 0x2008, 1, &memory.value));
+        for (const BYTE byte : memory.before)
+            if (byte != 0xA5)
+                return end + ", bytes before changed";
         for (const BYTE byte : memory.behind)
             if (byte != 0xA5)
                 return end + ", bytes behind changed";
-        return end == "0" ? QString::asprintf("0: %0*X", int(sizeof memory.value) * 2, unsigned(memory.value)) : end;
+        if (end != "0" && memory.value == untouched)
+            return end;
+        return end + QString::asprintf(": %0*X", int(sizeof memory.value) * 2, unsigned(memory.value));
     }
     static QString readValue(int bits)
     {
@@ -88,7 +96,8 @@ void TestCopSdoValues::otherNumbersOfBytesAreRefused_data()
     }
 }
 
-// The data are counted before they are cut to the value's bytes. Nothing is sent: the transfer itself was good.
+// The data are counted before they are cut to the value's bytes. Nothing is sent: the transfer itself was good. A value
+// of 8 bits has been overwritten by then, with the zero byte when there were no data; wider ones are as they were.
 void TestCopSdoValues::otherNumbersOfBytesAreRefused()
 {
     QFETCH(int, bits);
@@ -98,7 +107,7 @@ void TestCopSdoValues::otherNumbersOfBytesAreRefused()
     bus.talk("40 08 20 01 00 00 00 00", segmented ? "41 08 20 01 00 00 00 00" : answer);
     if (segmented)
         bus.talk("60 00 00 00 00 00 00 00", answer);
-    QCOMPARE(readValue(bits), QString("-60"));
+    QCOMPARE(readValue(bits), QString(bits > 8 ? "-60" : answer.startsWith("0F") ? "-60: 00" : "-60: 11"));
     QVERIFY(bus.finished());
 }
 
@@ -121,9 +130,35 @@ void TestCopSdoValues::failuresAreThoseOfTheTransfer()
     bus.talk("40 08 20 01 00 00 00 00");
     bus.talk("80 08 20 01 00 00 04 05");
     QCOMPARE(readValue(bits), QString("-50"));
+    bus.talk("40 08 20 01 00 00 00 00", "4F 08 20");
+    bus.talk("80 08 20 01 00 00 00 08");
+    QCOMPARE(readValue(bits), QString("-60"));
     QVERIFY(bus.finished());
     cop_exit();
     QCOMPARE(readValue(bits), QString("-95"));
+}
+
+// All the data have come, but not the end of the transfer. A value of 8 bits has them already.
+void TestCopSdoValues::failureAfterTheData()
+{
+    QFETCH(int, bits);
+    CSdoBus bus;
+    const char* segment = bits == 8    ? "0C 11 EE EE EE EE EE EE"
+                          : bits == 16 ? "0A 11 22 EE EE EE EE EE"
+                                       : "06 11 22 33 44 EE EE EE";
+    const auto talkData = [&] {
+        bus.talk("40 08 20 01 00 00 00 00", "41 08 20 01 04 00 00 00");
+        bus.talk("60 00 00 00 00 00 00 00", segment);
+    };
+    const QString value = bits == 8 ? ": 11" : "";
+    talkData();
+    bus.talk("70 00 00 00 00 00 00 00", "80 08 20 01 00 00 00 08");
+    QCOMPARE(readValue(bits), "08000000" + value);
+    talkData();
+    bus.talk("70 00 00 00 00 00 00 00");
+    bus.talk("80 08 20 01 00 00 04 05");
+    QCOMPARE(readValue(bits), "-50" + value);
+    QVERIFY(bus.finished());
 }
 
 // 16 and 32 bits look at the pointer first, 8 bits at the node.

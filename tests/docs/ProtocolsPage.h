@@ -29,6 +29,7 @@ struct tPageExample {
 ///     block   = "```can" or "```gateway", { example, blank line }, "```"
 ///     example = { step }, each on a line that ends with its explanation, behind three blanks
 ///     step    = call | "  > " sent | "  < " came | "  .. " pause | "  = " result
-///     table   = a head with the column "Result", and a row for each call; columns Call, Sent, Answer, Our abort. Without
-///               a column Call, the line above the table names the call and what it sends
+///     table   = a head with the column "Result", and a row for each call; columns Call, Sent, Answer, Our abort
+///
+/// Without a column Call, the line above the table names the call and what it sends.
 QList<tPageExample> readProtocolsPage(const QString& fileName);

@@ -9,8 +9,8 @@
 
 #include <linux/can.h>
 
-// Frames read as in the log of candump: "605#4008100000000000", "605#R" for a remote frame, with its length as in "605#R8",
-// and eight digits for an extended identifier.
+// Frames read as in the log of candump: "605#4008100000000000", "605#R" for a remote frame, with its length as in
+// "605#R8", and eight digits for an extended identifier.
 
 inline QString frameText(const can_frame& frame)
 {

@@ -20,14 +20,14 @@
 ///     CFakeBus bus;
 ///     QCOMPARE(cop_init(-1, &bus.param, 0), 0);
 ///     bus.expect(0x605, "40 08 10 00 00 00 00 00").answer(0x585, "41 08 10 00 03 00 00 00");
-///     bus.expect(0x605, "60 00 00 00 00 00 00 00").after(30).answer(0x585, "09 41 42 43 00 00 00 00");   // 30 ms later
+///     bus.expect(0x605, "60 00 00 00 00 00 00 00").after(30).answer(0x585, "09 41 42 43 00 00 00 00"); // 30 ms later
 ///     bus.expect(0x605, "80 00 00 00 00 00 00 00");                                                      // silence
 ///     ...
 ///     QVERIFY(bus.finished());
 ///
-/// Frames read as "605: 40 08 10": identifier (3 digits, 8 with flags or beyond 7FF), then the data. What a frame carries
-/// behind its data is shown, too, if it is not zero: "605: 40 08 | 01 00 00 00 00 00". Identifiers given here may carry
-/// the flags CAN_EFF_FLAG 0x80000000, CAN_RTR_FLAG 0x40000000 and CAN_ERR_FLAG 0x20000000.
+/// Frames read as "605: 40 08 10": identifier (3 digits, 8 with flags or beyond 7FF), then the data. What a frame
+/// carries behind its data is shown, too, if it is not zero: "605: 40 08 | 01 00 00 00 00 00". Identifiers given here
+/// may carry the flags CAN_EFF_FLAG 0x80000000, CAN_RTR_FLAG 0x40000000 and CAN_ERR_FLAG 0x20000000.
 class CFakeBus
 {
 public:

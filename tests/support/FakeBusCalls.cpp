@@ -100,8 +100,16 @@ struct CFakeBusCalls {
         return 0;
     }
 
+    // Nothing may wait for a bus that is busy, or for a message that another has taken.
+    static void checkNonBlocking(CFakeBus& bus, int descriptor, const QString& call)
+    {
+        if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
+            bus.problem(call + " on a socket that blocks");
+    }
+
     static ssize_t write(CFakeBus& bus, int descriptor, const void* data, size_t size)
     {
+        checkNonBlocking(bus, descriptor, "write()");
         const QString frame = fakeBusText(data, size);
         bus.m_calls += "write(" + frame + ")";
         if (const auto* failure = bus.failure(CFakeBus::Write))
@@ -116,12 +124,11 @@ struct CFakeBusCalls {
 
     static ssize_t read(CFakeBus& bus, int descriptor, void* data, size_t size)
     {
+        checkNonBlocking(bus, descriptor, "read()");
         bus.m_calls += "read()";
         if (const auto* failure = bus.failure(CFakeBus::Read))
             return failure->result;
         if (!bus.readable() || !bus.m_sockets[descriptor].bound) {
-            if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
-                bus.problem("read() would block");
             errno = EAGAIN;
             return -1;
         }

@@ -31,17 +31,20 @@ public:
         if (if_nametoindex(interface) != 0 && CRawCan(interface).isOpen())
             return QByteArray();
         return QByteArray("There is no CAN interface ") + interface +
-               " here. Run this test as tests/with-vcan COMMAND.";
+               " here, or no right to buffer its frames. Run this test as tests/with-vcan COMMAND.";
     }
 
     explicit CRawCan(const char* interface = "vcan0") : m_socket(socket(PF_CAN, SOCK_RAW | SOCK_CLOEXEC, CAN_RAW))
     {
         const int room = 4 << 20; // bytes: far more than comes between two calls
         setsockopt(m_socket, SOL_SOCKET, SO_RCVBUFFORCE, &room, sizeof room);
+        int granted = 0;
+        socklen_t size = sizeof granted;
+        getsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &granted, &size);
         sockaddr_can address = {};
         address.can_family = AF_CAN;
         address.can_ifindex = static_cast<int>(if_nametoindex(interface));
-        m_open = bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        m_open = bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 && granted >= room;
     }
     ~CRawCan() { close(m_socket); }
     CRawCan(const CRawCan&) = delete;

@@ -9,8 +9,8 @@
 #include <functional>
 #include <thread>
 
-/// The steps are played in their order from `play` on. A frame that is not the one expected ends the play. The node hears
-/// the SDO requests to all nodes and nothing else.
+/// The steps are played in their order from `play` on. A frame that is not the one expected ends the play. The node
+/// hears the SDO requests to all nodes and nothing else.
 ///
 ///     CScriptedNode node;
 ///     node.expect("605#4000100000000000").answer("585#4300100091010F00");

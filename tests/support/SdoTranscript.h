@@ -1,4 +1,4 @@
-// The frames of SDO transfers with node 5 as CiA 301 has them: requests of the client and answers of the server, in turns.
+// The frames of SDO transfers with node 5 as CiA 301 has them: requests of the client, answers of the server, in turns.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -7,8 +7,8 @@
 
 #include <net/if.h>
 
-/// There and up from construction to destruction. Needs the right to make interfaces, which tests/with-vcan gives where it
-/// makes vcan0 itself.
+/// There and up from construction to destruction. Needs the right to make interfaces, which tests/with-vcan gives where
+/// it makes vcan0 itself.
 class CVcanInterface
 {
 public:

@@ -1,6 +1,7 @@
 // Preloaded behind xstate_preload: the kernel of a processor with large extended registers, as far as ptrace shows it.
-// The set of registers has 8 KiB more behind what this machine has, and is set as a whole only.
 // SPDX-License-Identifier: MIT
+//
+// The set of registers has 8 KiB more behind what this machine has, and is set as a whole only.
 #include <dlfcn.h>
 #include <elf.h>
 #include <sys/ptrace.h>

@@ -1,5 +1,4 @@
-// The values of a data sheet as they are on the bus, and others that may be written: by the tables of CiA 301, not by the
-// project's own converters.
+// The values of a data sheet as bytes on the bus, by the tables of CiA 301 and not by the project's own converters.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -1,4 +1,4 @@
-// The facade as CANopen master with a simulated node that misbehaves, on vcan0: the stated error in its time, and on it goes.
+// The facade as CANopen master on vcan0 with a node that misbehaves: the stated error in its time, and on it goes.
 // SPDX-License-Identifier: MIT
 #include "CANopenAccess.h"
 #include "DemoEntries.h"

@@ -1,4 +1,4 @@
-// The CAN controller, the master and its NMT commands on a real CAN interface, with frames of the test on the other side.
+// The CAN controller, the master and its NMT commands on a CAN interface, with frames of the test on the other side.
 // SPDX-License-Identifier: MIT
 #include "MasterQueue.h"
 #include "RawCan.h"

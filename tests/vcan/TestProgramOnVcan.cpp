@@ -1,5 +1,4 @@
-// A walk through the whole program as CANopen master on vcan0 with the simulated device, one step a test: each goes on where
-// the one before ended.
+// A walk through the whole program on vcan0 with the simulated device; each test goes on where the one before ended.
 // SPDX-License-Identifier: MIT
 #include "BoxCatcher.h"
 #include "DemoEntries.h"

@@ -1,6 +1,8 @@
-// Preloaded into linux.uml alone: lets it restore the registers of its processes where the processor has more of them
-// than its buffer of fixed size holds (AMX). The kernel takes NT_X86_XSTATE as a whole only and refuses less with EFAULT.
+// Preloaded into linux.uml alone: lets it restore the registers of processes on a processor with large ones (AMX).
 // SPDX-License-Identifier: MIT
+//
+// Its buffer of fixed size holds fewer than there are; the kernel takes NT_X86_XSTATE as a whole only and refuses less
+// with EFAULT.
 #include <dlfcn.h>
 #include <elf.h>
 #include <sys/ptrace.h>
