@@ -1,6 +1,6 @@
 #!/bin/bash
-# Sets up what is missing and runs every check: the suite in dev (gcc 12) and in asan (clang 14, both sanitizers), the
-# tests on the CAN interface vcan0, the formatting, clang-tidy, and the demonstrations without a display.
+# Sets up what is missing and runs every check: the suite in dev (gcc 12) and in asan (clang 14), the tests on the CAN
+# interface vcan0 in dev, the formatting, clang-tidy, and the demonstrations without a display.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -30,7 +30,6 @@ suite() {
 
 # The tests on vcan0, `way` as with-vcan names it.
 suite_on_vcan() {
-    build ubsan
     stage "Testing with-vcan: $way"
     tests/vcan/check-with-vcan || fail "tests/with-vcan does not do what it should"
     stage "Testing on vcan0: $way"

@@ -116,3 +116,17 @@ inline QString readInto(int size)
         text += ", bytes outside changed";
     return text;
 }
+
+/// Rows with places in dictionaries: the node, the index and the sub-index of a call, and their bytes in its frames.
+inline void addPlaces()
+{
+    QTest::addColumn<int>("node");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<int>("subindex");
+    QTest::addColumn<QByteArray>("multiplexor");
+    QTest::newRow("node 1") << 1 << 0x1017 << 0 << QByteArray("17 10 00");
+    QTest::newRow("node 127") << 127 << 0x2008 << 1 << QByteArray("08 20 01");
+    QTest::newRow("index 0000") << 5 << 0 << 0 << QByteArray("00 00 00");
+    QTest::newRow("index FFFF") << 5 << 0xFFFF << 0xFF << QByteArray("FF FF FF");
+    QTest::newRow("index 80FE") << 64 << 0x80FE << 0x80 << QByteArray("FE 80 80");
+}

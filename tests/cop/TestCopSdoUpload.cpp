@@ -206,14 +206,7 @@ void TestCopSdoUpload::everyLengthArrives()
 
 void TestCopSdoUpload::indexAndNodeAreThoseOfTheCall_data()
 {
-    QTest::addColumn<int>("node");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("subindex");
-    QTest::addColumn<QByteArray>("multiplexor");
-    QTest::newRow("node 1") << 1 << 0x1017 << 0 << QByteArray("17 10 00");
-    QTest::newRow("node 127") << 127 << 0x2008 << 1 << QByteArray("08 20 01");
-    QTest::newRow("index FFFF") << 5 << 0xFFFF << 0xFF << QByteArray("FF FF FF");
-    QTest::newRow("index 80FE") << 64 << 0x80FE << 0x80 << QByteArray("FE 80 80");
+    addPlaces();
 }
 
 void TestCopSdoUpload::indexAndNodeAreThoseOfTheCall()

@@ -51,8 +51,14 @@ private Q_SLOTS:
 private:
     enum tOutcome { good = 0, aborted = 4, timeOut = -50, badLength = -60, badFormat = -70 };
 
-    void followGoodTransfer();
+    struct tPlace {
+        WORD index;
+        BYTE subIndex;
+    };
+    tPlace prepare();
+    void checkOutcome(bool well, qint64 elapsed);
     void checkAbortSent(const CSdoTranscript& transcript, uint sent);
+    void followGoodTransfer();
 
     CCANopenAccess m_access;
     std::optional<CRawCan> m_bus;
@@ -96,6 +102,30 @@ void TestAccessFaultsOnVcan::checkAbortSent(const CSdoTranscript& transcript, ui
     QCOMPARE(aborts, sent != 0 ? QStringList(transcript.abort(sent)) : QStringList());
 }
 
+// Gets ready for the row; its name tells the place of the fault.
+TestAccessFaultsOnVcan::tPlace TestAccessFaultsOnVcan::prepare()
+{
+    QFETCH(const int, outcome);
+    m_bus->forget();
+    m_access.setSDOTimeout(outcome == timeOut ? impatience : patience, nullptr);
+    const QString place = QString(QTest::currentDataTag()).section('@', 1);
+    return { place.section(':', 0, 0).toUShort(nullptr, 16),
+             static_cast<BYTE>(place.section(':', 1).toUInt(nullptr, 16)) };
+}
+
+void TestAccessFaultsOnVcan::checkOutcome(bool well, qint64 elapsed)
+{
+    QFETCH(const int, outcome);
+    QFETCH(const uint, abort);
+    QCOMPARE(well, outcome == good);
+    if (!well)
+        QCOMPARE(m_access.getLastError(), outcome);
+    if (outcome == timeOut)
+        QVERIFY2(elapsed >= impatience - 1 && elapsed < impatience + slack, qPrintable(QString::number(elapsed)));
+    if (outcome == aborted)
+        QCOMPARE(m_access.getLastAbort(), long(abort));
+}
+
 void TestAccessFaultsOnVcan::read_data()
 {
     QTest::addColumn<int>("outcome"); // the last error
@@ -126,29 +156,15 @@ void TestAccessFaultsOnVcan::read_data()
 
 void TestAccessFaultsOnVcan::read()
 {
-    QFETCH(const int, outcome);
-    QFETCH(const uint, abort);
     QFETCH(const uint, sent);
-    const QString place = QString(QTest::currentDataTag()).section('@', 1);
-    const auto index = place.section(':', 0, 0).toUShort(nullptr, 16);
-    const auto subIndex = static_cast<BYTE>(place.section(':', 1).toUInt(nullptr, 16));
-    m_bus->forget();
-    m_access.setSDOTimeout(outcome == timeOut ? impatience : patience, nullptr);
-
+    const auto [index, subIndex] = prepare();
     QByteArray data(room + 16, '\xEE');
     short length = -1;
     QElapsedTimer timer;
     timer.start();
     const bool well =
         m_access.read(node, index, subIndex, &length, reinterpret_cast<BYTE*>(data.data()), short{ room });
-    const qint64 elapsed = timer.elapsed();
-    QCOMPARE(well, outcome == good);
-    if (!well)
-        QCOMPARE(m_access.getLastError(), outcome);
-    if (outcome == timeOut)
-        QVERIFY2(elapsed >= impatience - 1 && elapsed < impatience + slack, qPrintable(QString::number(elapsed)));
-    if (outcome == aborted)
-        QCOMPARE(m_access.getLastAbort(), long(abort));
+    checkOutcome(well, timer.elapsed());
     QCOMPARE(data.mid(room), QByteArray(16, '\xEE'));
     QByteArray expected;
     for (const tDemoEntry& entry : CDemoEntries::all())
@@ -188,15 +204,8 @@ void TestAccessFaultsOnVcan::write_data()
 
 void TestAccessFaultsOnVcan::write()
 {
-    QFETCH(const int, outcome);
-    QFETCH(const uint, abort);
     QFETCH(const uint, sent);
-    const QString place = QString(QTest::currentDataTag()).section('@', 1);
-    const auto index = place.section(':', 0, 0).toUShort(nullptr, 16);
-    const auto subIndex = static_cast<BYTE>(place.section(':', 1).toUInt(nullptr, 16));
-    m_bus->forget();
-    m_access.setSDOTimeout(outcome == timeOut ? impatience : patience, nullptr);
-
+    const auto [index, subIndex] = prepare();
     QByteArray data;
     for (const tDemoEntry& entry : CDemoEntries::all())
         if (entry.index == index && entry.subIndex == subIndex)
@@ -205,14 +214,7 @@ void TestAccessFaultsOnVcan::write()
     timer.start();
     const bool well = m_access.write(node, index, subIndex, static_cast<short>(data.size()),
                                      reinterpret_cast<const BYTE*>(data.constData()));
-    const qint64 elapsed = timer.elapsed();
-    QCOMPARE(well, outcome == good);
-    if (!well)
-        QCOMPARE(m_access.getLastError(), outcome);
-    if (outcome == timeOut)
-        QVERIFY2(elapsed >= impatience - 1 && elapsed < impatience + slack, qPrintable(QString::number(elapsed)));
-    if (outcome == aborted)
-        QCOMPARE(m_access.getLastAbort(), long(abort));
+    checkOutcome(well, timer.elapsed());
     checkAbortSent(CSdoTranscript(index, subIndex), sent);
     followGoodTransfer();
 }
