@@ -1,6 +1,6 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc 12) and in asan (clang 14), the tests on the CAN
-# interface vcan0 in dev, the formatting, clang-tidy, and the demonstrations without a display.
+# interface vcan0 in dev, the formatting, clang-tidy, and the demonstration without a display.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -80,7 +80,6 @@ else
     tidy
     stage "Demonstration without a display"
     ./demo.sh --headless
-    if $can; then ./demo.sh --can --headless; fi
 fi
 $can || summaries+=("vcan0: left out")
 stage "Summary"
