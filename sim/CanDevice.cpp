@@ -57,7 +57,7 @@ QString CCanDevice::open(const QString& interface)
     m_interfaceIndex = ::if_nametoindex(m_interface.constData());
     if (m_interfaceIndex == 0)
         return QString::fromLocal8Bit(std::strerror(errno));
-    const QString trouble = connectDevice(m_device, interface);
+    QString trouble = connectDevice(m_device, interface);
     if (!m_device)
         return trouble;
     connect(m_device.get(), &QCanBusDevice::framesReceived, this, &CCanDevice::receive);

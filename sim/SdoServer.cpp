@@ -83,7 +83,7 @@ QByteArray CSdoServer::execute(const QByteArray& request)
 
 QByteArray CSdoServer::initiateDownload(const QByteArray& request)
 {
-    const QByteArray confirmation = oneByte(scsInitiateDownload) + m_multiplexor;
+    QByteArray confirmation = oneByte(scsInitiateDownload) + m_multiplexor;
     const bool sizeGiven = (byteAt(request, 0) & sdoSizeGiven) != 0;
     if ((byteAt(request, 0) & sdoExpedited) != 0) {
         const auto type = m_node.typeOf(m_transfer.index, m_transfer.subIndex);
@@ -121,7 +121,7 @@ QByteArray CSdoServer::downloadSegment(const QByteArray& request)
     const qsizetype size = m_transfer.data.size();
     if (m_announced && (size > *m_announced || (last && size != *m_announced)))
         return abort(abortLength);
-    const QByteArray confirmation = oneByte(scsDownloadSegment | m_toggle);
+    QByteArray confirmation = oneByte(scsDownloadSegment | m_toggle);
     m_toggle ^= sdoToggle;
     if (!last)
         return confirmation;

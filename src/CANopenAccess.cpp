@@ -80,8 +80,10 @@ std::int32_t requestByMaster(WORD cob_id, short* length, BYTE* data)
 
 std::int32_t readMasterQueue(WORD* cob_id, short* length, BYTE* data)
 {
+    if (cob_id == nullptr)
+        return cop_queue_read(nullptr, length, data);
     std::uint32_t identifier = 0;
-    const std::int32_t result = cop_queue_read(cob_id != nullptr ? &identifier : nullptr, length, data);
+    const std::int32_t result = cop_queue_read(&identifier, length, data);
     // Kept: 32 bits go through the pointer, for which its users have room.
     if (result == ERR_NO_ERROR)
         std::memcpy(cob_id, &identifier, sizeof identifier);

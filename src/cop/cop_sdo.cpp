@@ -327,7 +327,7 @@ int32_t sdo_read_16bit(BYTE node, WORD index, BYTE subindex, uint16_t* value)
 {
     if (value == nullptr)
         return cop_error = ERR_FATAL;
-    BYTE data[2];
+    BYTE data[2] = {};
     if (sdo_read_exactly(node, index, subindex, data, 2) == ERR_NO_ERROR)
         *value = static_cast<uint16_t>(sdo_get_le(data, 2));
     return cop_error;
@@ -337,7 +337,7 @@ int32_t sdo_read_32bit(BYTE node, WORD index, BYTE subindex, uint32_t* value)
 {
     if (value == nullptr)
         return cop_error = ERR_FATAL;
-    BYTE data[4];
+    BYTE data[4] = {};
     if (sdo_read_exactly(node, index, subindex, data, 4) == ERR_NO_ERROR)
         *value = sdo_get_le(data, 4);
     return cop_error;
