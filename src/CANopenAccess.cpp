@@ -31,8 +31,8 @@ struct CCANopenAccess::tLibrary {
     std::int32_t (*enterPreOperational)(BYTE node);
     std::int32_t (*resetNode)(BYTE node);
     std::int32_t (*resetCommunication)(BYTE node);
-    std::int32_t (*transmit)(WORD cob_id, short length, const BYTE* data);
-    std::int32_t (*request)(WORD cob_id, short* length, BYTE* data);
+    std::int32_t (*transmit)(std::int32_t cob_id, short length, const BYTE* data);
+    std::int32_t (*request)(std::int32_t cob_id, short* length, BYTE* data);
     std::int32_t (*readQueue)(WORD* cob_id, short* length, BYTE* data);
     std::int32_t (*clearQueue)();
     std::int32_t (*hardware)(char* buffer, short size);
@@ -68,14 +68,14 @@ std::int32_t setMasterTimeout(WORD timeout, WORD* previous)
     return ERR_NO_ERROR;
 }
 
-std::int32_t transmitByMaster(WORD cob_id, short length, const BYTE* data)
+std::int32_t transmitByMaster(std::int32_t cob_id, short length, const BYTE* data)
 {
-    return cop_transmit(cob_id, length, data);
+    return cop_transmit(static_cast<std::uint32_t>(cob_id), length, data);
 }
 
-std::int32_t requestByMaster(WORD cob_id, short* length, BYTE* data)
+std::int32_t requestByMaster(std::int32_t cob_id, short* length, BYTE* data)
 {
-    return cop_request(cob_id, length, data);
+    return cop_request(static_cast<std::uint32_t>(cob_id), length, data);
 }
 
 std::int32_t readMasterQueue(WORD* cob_id, short* length, BYTE* data)
@@ -100,16 +100,6 @@ std::int32_t masterSoftware(char* buffer, short size)
     return copyText(cop_software(), buffer, size);
 }
 
-std::int32_t transmitByGateway(WORD cob_id, short length, const BYTE* data)
-{
-    return top_transmit(cob_id, length, data);
-}
-
-std::int32_t requestByGateway(WORD cob_id, short* length, BYTE* data)
-{
-    return top_request(cob_id, length, data);
-}
-
 std::int32_t initGateway(long, void* param, BYTE baudrate)
 {
     if (param == nullptr)
@@ -132,7 +122,7 @@ constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
-      transmitByGateway, requestByGateway, top_queue_read, top_queue_clear,
+      top_transmit, top_request, top_queue_read, top_queue_clear,
       top_hardware, top_software, top_version },
 };
 // clang-format on

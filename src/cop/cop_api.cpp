@@ -64,13 +64,13 @@ int32_t cop_transmit(uint32_t cob_id, short length, const BYTE* data)
 static int32_t cop_await(short* length, BYTE* data)
 {
     can_start_timer(cop_request_timeout[cop_baudrate]);
-    short error = can_receive(cop_receive_object, length, data);
-    while (error == ERR_RECEIVER_EMPTY) {
+    while (true) {
+        const short error = can_receive(cop_receive_object, length, data);
+        if (error != ERR_RECEIVER_EMPTY)
+            return error;
         if (can_is_timeout() != 0)
             return ERR_TIMEOUT;
-        error = can_receive(cop_receive_object, length, data);
     }
-    return error;
 }
 
 int32_t cop_request(uint32_t cob_id, short* length, BYTE* data)

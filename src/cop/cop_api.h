@@ -10,6 +10,8 @@ extern int32_t cop_error;
 
 // For the master's own modules.
 
+inline constexpr BYTE cop_node_last = 127; ///< node-ids are 1 to this
+
 /// The data of the message that is being sent or has arrived.
 extern BYTE cop_buffer[8];
 // Message objects that the services use in turns; each service frees its objects before it returns.

@@ -5,11 +5,10 @@
 #include "cop/cop_api.h"
 
 static constexpr uint32_t nmt_cob_id = 0x000;
-static constexpr BYTE nmt_node_last = 127;
 
 static int32_t nmt_command(BYTE specifier, BYTE node)
 {
-    if (node > nmt_node_last)
+    if (node > cop_node_last)
         return cop_error = ERR_NODE_ID;
     cop_buffer[0] = specifier;
     cop_buffer[1] = node;

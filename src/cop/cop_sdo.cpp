@@ -24,9 +24,8 @@ static constexpr BYTE sdo_segment_unused = 0x0E;  // unused bytes of a segment
 static constexpr int sdo_initiate_unused_shift = 2;
 static constexpr int sdo_segment_unused_shift = 1;
 
-static constexpr int sdo_initiate_data = 4; // bytes of data in an expedited message
-static constexpr int sdo_segment_data = 7;  // bytes of data in a segment
-static constexpr BYTE sdo_node_last = 127;
+static constexpr int sdo_initiate_data = 4;           // bytes of data in an expedited message
+static constexpr int sdo_segment_data = 7;            // bytes of data in a segment
 static constexpr uint32_t sdo_request_cob_id = 0x600; // plus the node-id
 static constexpr uint32_t sdo_answer_cob_id = 0x580;  // plus the node-id
 
@@ -241,17 +240,18 @@ static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& r
     return cop_error;
 }
 
-static bool sdo_is_node(BYTE node)
+/// Checks the arguments of a transfer; `complete` tells that no pointer is null. @return `cop_error`, which it sets
+static int32_t sdo_check(BYTE node, bool complete)
 {
-    return node != 0 && node <= sdo_node_last;
+    if (node == 0 || node > cop_node_last)
+        return cop_error = ERR_NODE_ID;
+    return cop_error = complete ? ERR_NO_ERROR : ERR_FATAL;
 }
 
 int32_t sdo_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data)
 {
-    if (!sdo_is_node(node))
-        return cop_error = ERR_NODE_ID;
-    if (data == nullptr)
-        return cop_error = ERR_FATAL;
+    if (sdo_check(node, data != nullptr) != ERR_NO_ERROR)
+        return cop_error;
     const sdo_objects guard(node, index, subindex);
     if (cop_error != ERR_NO_ERROR)
         return cop_error;
@@ -266,10 +266,8 @@ int32_t sdo_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data
 {
     if (length != nullptr)
         *length = 0;
-    if (!sdo_is_node(node))
-        return cop_error = ERR_NODE_ID;
-    if (length == nullptr || data == nullptr)
-        return cop_error = ERR_FATAL;
+    if (sdo_check(node, length != nullptr && data != nullptr) != ERR_NO_ERROR)
+        return cop_error;
     sdo_received received = { data, std::max<int>(size, 0) };
     if (sdo_receive(node, index, subindex, received) == ERR_NO_ERROR)
         *length = static_cast<short>(std::min<int64_t>(received.count, received.room));
@@ -308,10 +306,8 @@ int32_t sdo_write_32bit(BYTE node, WORD index, BYTE subindex, uint32_t value)
 /// Reads into `data`, which has room for the `size` bytes that the server has to deliver.
 static int32_t sdo_read_exactly(BYTE node, WORD index, BYTE subindex, BYTE* data, int size)
 {
-    if (!sdo_is_node(node))
-        return cop_error = ERR_NODE_ID;
-    if (data == nullptr)
-        return cop_error = ERR_FATAL;
+    if (sdo_check(node, data != nullptr) != ERR_NO_ERROR)
+        return cop_error;
     sdo_received received = { data, size };
     if (sdo_receive(node, index, subindex, received) == ERR_NO_ERROR && received.count != size)
         cop_error = ERR_LENGTH;
