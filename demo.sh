@@ -1,21 +1,24 @@
 #!/bin/bash
 # Builds the browser and the simulator, starts a simulated device and the browser, and says what to do next.
 # Without a display, or with --headless, it plays that session by itself in Xvfb and checks what arrived at the device.
-#   ./demo.sh [--can] [--headless]
-# With --can the device is on the CAN interface vcan0, otherwise behind a gateway.
+#   ./demo.sh [--can] [--headless | --start]
+# With --can the device is on the CAN interface vcan0, otherwise behind a gateway. With --start the session without a
+# display ends as soon as its first window is there.
 # SPDX-License-Identifier: MIT
 set -eu
 cd "$(dirname "$0")"
 . scripts/common.sh
 
 headless=false
+start_only=false
 [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || headless=true
 can=false
 for option; do
     case $option in
         --headless) headless=true ;;
+        --start) headless=true start_only=true ;;
         --can) can=true ;;
-        *) echo "usage: ./demo.sh [--can] [--headless]" >&2; exit 2 ;;
+        *) echo "usage: ./demo.sh [--can] [--headless | --start]" >&2; exit 2 ;;
     esac
 done
 on_bus=${VELMORA_DEMO_ON_BUS:-false} # the second run of this script with --can, where vcan0 is
@@ -24,33 +27,60 @@ demo=$PWD/build/demo
 if $can; then demo+=-can; fi
 sheet=$PWD/share/velmora/velmora-demo.eds
 node=5
-simulator_log=$demo/simulator.log
+simulator_log=$demo/velmora-sim.log
+patience=600 # seconds: only ends what would wait for ever, the busiest machine is far below
 started=()
+declare -A needed=() # the programs without which the session cannot go on: their names and processes
+
+# start COMMAND...: starts a program in the background, which writes to a log of its name; sets `process`.
+start() {
+    local name=${1##*/}
+    "$@" > "$demo/$name.log" 2>&1 &
+    process=$!
+    started+=("$process")
+    needed[$name]=$process
+}
+
+# Succeeds when a needed program has ended, and says which, how, and its last words.
+someone_ended() {
+    local name status any=1
+    for name in "${!needed[@]}"; do
+        if kill -0 "${needed[$name]}" 2> /dev/null; then continue; fi
+        status=0
+        wait "${needed[$name]}" || status=$?
+        tail -n 5 "$demo/$name.log"
+        echo "demo.sh: $name ended with status $status" >&2
+        unset "needed[$name]"
+        any=0
+    done
+    return $any
+}
 
 # Ends every process that this script has started, the last one first.
 finish() {
-    local n
+    local status=$? n
+    [ $status -eq 0 ] || someone_ended || true
     for ((n = ${#started[@]} - 1; n >= 0; n--)); do
         kill "${started[n]}" 2> /dev/null || true
         wait "${started[n]}" 2> /dev/null || true
     done
 }
 trap finish EXIT
-trap 'exit 1' INT TERM
+trap 'needed=(); exit 1' INT TERM
 
-# wait_for SECONDS COMMAND...: tries the command until it succeeds, at most so long.
+# wait_for COMMAND...: tries the command until it succeeds, at most `patience` seconds. Ends the script as soon as a
+# needed program has ended.
 wait_for() {
-    local tries=$(($1 * 20))
-    shift
+    local end=$((SECONDS + patience))
     until "$@" > /dev/null 2>&1; do
-        tries=$((tries - 1))
-        [ $tries -gt 0 ] || return 1
+        ! someone_ended || exit 1
+        ((SECONDS < end)) || return 1
         sleep 0.05
     done
 }
 
 # The simulator takes part in the network or has ended.
-simulator_decided() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$simulator"; }
+simulator_decided() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$process"; }
 
 # Starts the simulator on vcan0, or on the gateway's usual port, or on a free one when that is taken; sets `interface`
 # to what reaches it.
@@ -59,13 +89,12 @@ start_simulator() {
     if $can; then places=("--can vcan0"); fi
     for place in "${places[@]}"; do
         # shellcheck disable=SC2086 # an option and its value
-        build/release/sim/velmora-sim $place --node "$node=$sheet" -v > "$simulator_log" 2>&1 &
-        simulator=$!
-        started+=("$simulator")
-        wait_for 10 simulator_decided || break
+        start build/release/sim/velmora-sim $place --node "$node=$sheet" -v
+        unset "needed[velmora-sim]" # another place may be free
+        wait_for simulator_decided || break
         port=$(sed -n 's/.*gateway on .* port \([0-9]*\).*/\1/p' "$simulator_log")
         interface=$(sed -n 's/.*CAN on \([^ ]*\).*/\1/p' "$simulator_log")${port:+localhost:$port}
-        [ -z "$interface" ] || return 0
+        [ -z "$interface" ] || { needed[velmora-sim]=$process; return 0; }
     done
     cat "$simulator_log"
     fail "the simulator did not start"
@@ -96,9 +125,8 @@ enter_bus() {
         install_missing "${demo_packages[@]}"
     fi
     local options=(--can)
-    if $headless; then options+=(--headless); fi
-    VELMORA_DEMO_ON_BUS=true VELMORA_VCAN_TIMEOUT=${VELMORA_VCAN_TIMEOUT:-86400} \
-        exec tests/with-vcan ./demo.sh "${options[@]}"
+    if $start_only; then options+=(--start); elif $headless; then options+=(--headless); fi
+    VELMORA_DEMO_ON_BUS=true exec tests/with-vcan ./demo.sh "${options[@]}"
 }
 
 if ! $on_bus; then
@@ -117,7 +145,7 @@ echo "node $node on $interface, from ${sheet#"$PWD"/}"
 
 if $headless; then
     . scripts/headless-session.sh
-    play_session
+    if $start_only; then play_start; else play_session; fi
 else
     cat << END
 
@@ -128,7 +156,6 @@ Three steps in the browser:
 
 The device's log is in ${simulator_log#"$PWD"/}. It ends with the browser.
 END
-    build/release/src/velmora &
-    started+=("$!")
-    wait "$!" # in the background, so that ending this script ends the browser, too
+    start build/release/src/velmora
+    wait "$process" # in the background, so that ending this script ends the browser, too
 fi

@@ -7,19 +7,18 @@ pictures=0
 # The screen, with a window manager and the browser on it.
 start_browser() {
     # For User Mode Linux: a number of our own, since Xvfb would take the host's displays for dead ones and remove them;
-    # and no scheduling by a timer, whose signals can come faster there than a new process is made.
+    # and no scheduling by a timer, whose signals can come faster there than a new process is made. On a busy machine:
+    # no starting over when the last client leaves (-noreset), which cuts off whoever is just coming: a window manager
+    # ends then; and no keys that repeat because their release is late (-r).
     local display=$((RANDOM + 100))
-    Xvfb ":$display" -displayfd 7 -screen 0 1280x800x24 -nolisten tcp -dumbSched 7> "$demo/display" 2> "$demo/xvfb.log" &
-    started+=($!)
-    wait_for 20 test -s "$demo/display" || { cat "$demo/xvfb.log"; fail "Xvfb did not start"; }
+    start Xvfb ":$display" -displayfd 7 -screen 0 1280x800x24 -nolisten tcp -dumbSched -noreset -r 7> "$demo/display"
+    wait_for test -s "$demo/display" || fail "Xvfb did not start"
     export DISPLAY=":$display" QT_QPA_PLATFORM=xcb
     unset WAYLAND_DISPLAY
-    openbox > "$demo/openbox.log" 2>&1 &
-    started+=($!)
-    wait_for 20 eval 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' || fail "the window manager did not start"
-    build/release/src/velmora > "$demo/velmora.log" 2>&1 &
-    browser=$!
-    started+=("$browser")
+    start openbox
+    wait_for eval 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' || fail "the window manager did not start"
+    start build/release/src/velmora
+    browser=$process
 }
 
 # window TITLE: waits until a window with exactly this title has the keyboard.
@@ -29,7 +28,7 @@ window() {
         xdotool search --onlyvisible --limit 1 --name "^$(sed 's/[^a-zA-Z0-9 ]/[&]/g' <<< "$1")\$" windowactivate
         return 1
     }
-    wait_for 20 activate "$1" || { picture "missing"; fail "no window \"$1\" came up"; }
+    wait_for activate "$1" || { picture "missing"; fail "no window \"$1\" came up"; }
 }
 
 press() { xdotool key --clearmodifiers --delay 30 "$@"; }
@@ -46,23 +45,46 @@ picture() {
         import -silent -window root -define png:exclude-chunks=date,time "png:$file.new"
         if cmp -s "$file.new" "$file"; then rm "$file.new"; else mv "$file.new" "$file"; return 1; fi
     }
-    wait_for 5 at_rest || true
+    patience=5 wait_for at_rest || true # a cursor that blinks never rests
     echo "  ${file#"$PWD"/}"
 }
 
+times_in_log() { grep -cE "$1" "$simulator_log" || true; }
+
+shows_in_log() { [ "$(times_in_log "$1")" -ge "$2" ]; }
+
 # arrived PATTERN [TIMES]: waits until the device's log shows this, so many times.
 arrived() {
-    count_in_log() { [ "$(grep -cE "$1" "$simulator_log")" -ge "$2" ]; }
-    wait_for 20 count_in_log "$1" "${2:-1}" || { picture "missing"; fail "the device never saw: $1"; }
+    wait_for shows_in_log "$1" "${2:-1}" || { picture "missing"; fail "the device never saw: $1"; }
 }
 
-# select_object TEXT: finds an item of the tree by its first characters and selects it. The tree forgets the characters
-# of a search after a pause, which this waits for.
-select_object() {
-    sleep 1
-    enter "$1"
-    press Return
+# arrives PATTERN COMMAND...: runs the command and waits until the device's log shows this once more than before.
+arrives() {
+    local pattern=$1 times
+    times=$(times_in_log "$pattern")
+    shift
+    "$@"
+    arrived "$pattern" $((times + 1))
 }
+
+# select_object TEXT PATTERN: finds an item of the tree by its first characters and selects it, until the device's log
+# shows PATTERN once more. The tree forgets the characters of a search after a pause: this waits for it before the
+# first one, and tries again where a busy machine has made one between two characters.
+select_object() {
+    local wanted
+    wanted=$(($(times_in_log "$2") + 1))
+    for _ in {1..20}; do
+        sleep 1
+        enter "$1"
+        press Return
+        if patience=30 wait_for shows_in_log "$2" "$wanted"; then return; fi
+    done
+    arrived "$2" "$wanted"
+}
+
+# The browser keeps the display mode in its settings at once: 0 hexadecimal, 1 decimal, 2 octal.
+display_mode_is() { grep -qxF "Settings\\Display=$1" "$XDG_CONFIG_HOME/Brask Works.conf"; }
+display_mode() { wait_for display_mode_is "$1" || { picture "missing"; fail "the display mode never became $1"; }; }
 
 # box TITLE NAME: waits for a message box, takes a picture of it and closes it.
 box() {
@@ -99,44 +121,38 @@ open_and_connect() {
 
 # The modes share their letters with two menus: from octal, the cursor keys reach the others.
 read_in_all_modes() {
-    click 60 120 # somewhere in the tree; its entry is read at once
-    arrived "node $node read "
-    select_object "1008"
-    arrived "node $node read 0x1008 0x00 d = \"Velmora Demo I/O\""
+    arrives "node $node read " click 60 120 # somewhere in the tree; its entry is read at once
+    select_object "1008" "node $node read 0x1008 0x00 d = \"Velmora Demo I/O\""
     picture text
-    select_object "1017"
-    arrived "node $node read 0x1017 0x00 u16 = 0x03E8"
+    local value="node $node read 0x1017 0x00 u16 = 0x03E8"
+    select_object "1017" "$value"
     picture hexadecimal
-    press alt+o alt+r
-    arrived "node $node read 0x1017 0x00 u16 = 0x03E8" 2
-    picture octal
     press alt+o
-    sleep 0.5 # the time of the button's animated click
-    press Left alt+r
-    arrived "node $node read 0x1017 0x00 u16 = 0x03E8" 3
+    display_mode 2
+    arrives "$value" press alt+r
+    picture octal
+    press Left # Read has not taken the focus
+    display_mode 1
+    arrives "$value" press alt+r
     picture decimal
 }
 
 send_values() {
     press alt+v
     enter "1234"
-    press alt+s
-    arrived "node $node write 0x1017 0x00 u16 0x04D2 = OK"
+    arrives "node $node write 0x1017 0x00 u16 0x04D2 = OK" press alt+s
     picture sent
-    press alt+r
-    arrived "node $node read 0x1017 0x00 u16 = 0x04D2"
+    arrives "node $node read 0x1017 0x00 u16 = 0x04D2" press alt+r
     picture "read-back"
     press alt+v ctrl+a
     enter "twelve"
     press Return
     box "Velmora - Send parameter" "wrong-value"
     click 60 80
-    select_object "1000"
-    arrived "node $node read 0x1000 0x00 u32 = 0x000F0191"
+    select_object "1000" "node $node read 0x1000 0x00 u32 = 0x000F0191"
     press alt+v ctrl+a
     enter "1"
-    press Return
-    arrived "node $node write 0x1000 0x00 u32 0x00000001 = ERROR: 0x06010002"
+    arrives "node $node write 0x1000 0x00 u32 0x00000001 = ERROR: 0x06010002" press Return
     box "Velmora - Send parameter" "read-only"
 }
 
@@ -162,8 +178,16 @@ play_session() {
     read_in_all_modes
     send_values
     show_information
+    unset "needed[velmora]"
     press ctrl+q
     wait "$browser" || fail "the browser ended with $?"
     if ! $can; then arrived "client 1 disconnected"; fi
     echo "The device saw the reads and writes; the value sent reads back."
+}
+
+play_start() {
+    stage "Starting the browser"
+    start_browser
+    window "Initialize CAN Interface"
+    echo "Its first window is there."
 }
