@@ -1,10 +1,13 @@
-# Shared by demo.sh and test.sh: stage titles and the installation of what is missing. Sourced, not run.
+# Shared by demo.sh and test.sh: stage titles, the installation of what is missing, builds. Sourced, not run.
 # SPDX-License-Identifier: MIT
+. scripts/compilers.sh
 
-build_packages=(g++-12 cmake ninja-build qt6-base-dev qt6-serialbus-dev)
+build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
 can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for tests/with-vcan and the tests that run there
-test_packages=(git clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 "${demo_packages[@]}")
+test_packages=(git "${demo_packages[@]}")
+find_gcc > /dev/null || build_packages+=(g++)
+find_clang > /dev/null || test_packages+=(clang)
 
 stage() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
@@ -28,10 +31,20 @@ install_missing() {
         { tail -n 20 build/packages.log; fail "these packages could not be installed: ${missing[*]}"; }
 }
 
-# build PRESET: configures and builds; quiet unless it fails.
+# install_clang_tools: what goes with the clang that is there; sets `clang` and `clang_major`.
+install_clang_tools() {
+    clang=$(find_clang) || fail "clang $least_clang or later is needed"
+    clang_major=$(major_version "$clang")
+    install_missing "libclang-rt-$clang_major-dev" "clang-format-$clang_major" "clang-tidy-$clang_major"
+}
+
+# build PRESET: configures and builds, asan with clang and the others with gcc; quiet unless it fails.
 build() {
-    stage "Building $1"
-    cmake --preset "$1" > "build/$1.configure.log" 2>&1 || { cat "build/$1.configure.log"; fail "configuring $1 failed"; }
+    local compiler
+    if [ "$1" = asan ]; then compiler=$clang; else compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed"; fi
+    stage "Building $1 with $compiler $(major_version "$compiler")"
+    cmake --preset "$1" -D CMAKE_CXX_COMPILER="$compiler" > "build/$1.configure.log" 2>&1 ||
+        { cat "build/$1.configure.log"; fail "configuring $1 failed"; }
     cmake --build --preset "$1" -j "$(nproc)" > "build/$1.build.log" 2>&1 ||
         { tail -n 60 "build/$1.build.log"; fail "building $1 failed"; }
     tail -n 1 "build/$1.build.log"

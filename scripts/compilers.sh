@@ -1,0 +1,27 @@
+# The compilers are found by their version. Sourced, not run.
+# SPDX-License-Identifier: MIT
+
+least_gcc=12
+least_clang=14
+
+# major_version COMMAND: that of a compiler; 0 where there is none.
+major_version() {
+    local version
+    version=$("$1" -dumpversion 2> /dev/null) || version=0
+    echo "${version%%.*}"
+}
+
+# find_compiler NAME LEAST: the command NAME, or the newest NAME-N, of this major version or a later one.
+find_compiler() {
+    local name
+    for name in "$1" $(compgen -c "$1-" | grep -xE '.*-[0-9]+' | sort -ruV); do
+        if [ "$(major_version "$name")" -ge "$2" ]; then
+            echo "$name"
+            return
+        fi
+    done
+    return 1
+}
+
+find_gcc() { find_compiler g++ "$least_gcc"; }
+find_clang() { find_compiler clang++ "$least_clang"; }
