@@ -21,10 +21,12 @@ start_browser() {
     browser=$process
 }
 
-# window TITLE: waits until a window with exactly this title has the keyboard.
+# window TITLE: waits until a window with exactly this title has the keyboard. A window manager that has read a new
+# window's request while it was still starting sleeps on it until the next event: each look is one.
 window() {
     activate() {
         [ "$(xdotool getactivewindow getwindowname)" = "$1" ] && return
+        xprop -root -f VELMORA_LOOK 8c -set VELMORA_LOOK 1
         xdotool search --onlyvisible --limit 1 --name "^$(sed 's/[^a-zA-Z0-9 ]/[&]/g' <<< "$1")\$" windowactivate
         return 1
     }
