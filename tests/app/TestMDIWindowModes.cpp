@@ -1,6 +1,7 @@
 // The display modes of a document: their buttons, what is stored, and what windows share.
 // SPDX-License-Identifier: MIT
 #include "OnlineDocument.h"
+#include "Patience.h"
 
 #include "BoxCatcher.h"
 #include "TempSettings.h"
@@ -87,7 +88,7 @@ private Q_SLOTS:
     {
         CDocumentUser user;
         user.window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(user.window.get()));
+        QVERIFY(QTest::qWaitForWindowActive(user.window.get(), patience));
         user.mode("hex")->setFocus();
         QTest::keyClick(user.mode("hex"), Qt::Key_Right);
         QCOMPARE(user.modes(), QString("dec"));

@@ -1,6 +1,7 @@
 // What the document window consists of: names, labels, help texts and the state in which it starts.
 // SPDX-License-Identifier: MIT
 #include "DocumentUser.h"
+#include "Patience.h"
 
 #include "TempSettings.h"
 
@@ -185,7 +186,7 @@ private Q_SLOTS:
 
     void theFormIsNotClippedAtTheStartingSize()
     {
-        QVERIFY(QTest::qWaitForWindowExposed(m_user->window.get()));
+        QVERIFY(QTest::qWaitForWindowExposed(m_user->window.get(), patience));
         const auto* form = m_user->find<QWidget>("object attributes form widget");
         QVERIFY(form->width() >= form->minimumSizeHint().width());
         QVERIFY(form->height() >= form->minimumSizeHint().height());
@@ -225,10 +226,10 @@ private Q_SLOTS:
         QFETCH(const char, key);
         QFETCH(const QString, modes);
         m_user->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_user->window.get()));
+        QVERIFY(QTest::qWaitForWindowActive(m_user->window.get(), patience));
         m_user->choose(key == 'H' ? "dec" : "hex");
         QTest::keyClick(m_user->window.get(), key, Qt::AltModifier);
-        QTRY_COMPARE(m_user->modes(), modes); // the button shows itself pressed for a moment
+        AWAIT_COMPARE(m_user->modes(), modes); // the button shows itself pressed for a moment
         QTest::keyClick(m_user->window.get(), 'V', Qt::AltModifier);
         QVERIFY(m_user->newValue()->hasFocus());
     }

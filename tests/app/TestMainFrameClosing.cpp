@@ -76,7 +76,7 @@ void TestMainFrameClosing::closingClosesTheDocuments()
     const QPointer<CMDIWindow> first = driver.frame.newDocument(), second = driver.frame.newDocument();
     QVERIFY(driver.frame.close());
     QCOMPARE(driver.documentCount(), 0);
-    QTRY_VERIFY(first.isNull() && second.isNull());
+    AWAIT_VERIFY(first.isNull() && second.isNull());
 }
 
 void TestMainFrameClosing::closingDisconnectsTheGateway()
@@ -196,7 +196,7 @@ void TestMainFrameClosing::closingADocumentDuringItsConnectDialog()
     const CWhenShown<CConnectNodeDialog> node([&](auto*) { driver.frame.fileCloseAll(); });
     driver.press(Qt::Key_O);
     QCOMPARE(node.count(), 1);
-    QTRY_COMPARE(driver.frame.findChildren<CMDIWindow*>().size(), 0);
+    AWAIT_COMPARE(driver.frame.findChildren<CMDIWindow*>().size(), 0);
     QCOMPARE(driver.documentCount(), 0);
     QCOMPARE(driver.frame.windowTitle(), QString("CANopen Object Browser"));
     QCOMPARE(catcher.count(), 0);

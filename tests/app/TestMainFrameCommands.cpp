@@ -137,12 +137,12 @@ void TestMainFrameCommands::closeKeyClosesTheActiveDocument()
     driver.workspace()->setActiveSubWindow(driver.subWindow(1));
     driver.press(Qt::Key_W);
     QCOMPARE(driver.documentCount(), 2);
-    QTRY_VERIFY(second.isNull()); // a document deletes itself
+    AWAIT_VERIFY(second.isNull()); // a document deletes itself
     QVERIFY(!first.isNull() && !third.isNull());
     driver.press(Qt::Key_W);
     driver.press(Qt::Key_W);
     QCOMPARE(driver.documentCount(), 0);
-    QTRY_VERIFY(first.isNull() && third.isNull());
+    AWAIT_VERIFY(first.isNull() && third.isNull());
     QVERIFY(driver.frame.isVisible());
 }
 
@@ -172,7 +172,7 @@ void TestMainFrameCommands::closeAllClosesEveryDocument()
         driver.frame.newDocument();
     driver.choose("&File", "C&lose All");
     QCOMPARE(driver.documentCount(), 0);
-    QTRY_VERIFY(driver.frame.findChildren<CMDIWindow*>().isEmpty());
+    AWAIT_VERIFY(driver.frame.findChildren<CMDIWindow*>().isEmpty());
     QVERIFY(driver.frame.isVisible());
 }
 

@@ -106,7 +106,7 @@ void TestMainFrameDocuments::documentsOpenInTheirSize()
     for (const int position : { 1, 0 }) {
         driver.subWindow(position)->showNormal();
         const QSize awaited = QSize(720, 400).expandedTo(driver.document(position)->minimumSizeHint());
-        QTRY_COMPARE(driver.document(position)->size(), awaited);
+        AWAIT_COMPARE(driver.document(position)->size(), awaited);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "InDialog.h"
 #include "MDIWindow.h"
 #include "MainFrame.h"
+#include "Patience.h"
 #include "WhenShown.h"
 
 #include <QAction>
@@ -25,6 +26,9 @@ public:
     CFrameDriver()
     {
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        // A text would go by itself after its time, which a busy machine may need to look at it.
+        QObject::connect(frame.statusBar(), &QStatusBar::messageChanged, &frame, [this] { keepStatus(); });
+        keepStatus();
         frame.setWindowTitle("CANopen Object Browser - Version 0.2 Build 61");
         frame.show();
         activate();
@@ -33,7 +37,7 @@ public:
     void activate()
     {
         frame.activateWindow();
-        if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &frame; }))
+        if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &frame; }, patience))
             qFatal("the frame does not become active");
     }
 
@@ -48,14 +52,8 @@ public:
     qsizetype documentCount() const { return workspace()->subWindowList().size(); }
 
     QString statusText() const { return frame.statusBar()->currentMessage(); }
-    /// How long the status text is shown in all, in milliseconds; 0 when for good.
-    int statusTime() const
-    {
-        for (const auto* timer : frame.statusBar()->findChildren<QTimer*>())
-            if (timer->isActive())
-                return timer->interval();
-        return 0;
-    }
+    /// How long the status text would be shown in all, in milliseconds; 0 when for good.
+    int statusTime() const { return m_statusTime; }
 
     /// The menu of that title, in the menu bar.
     QMenu* menu(const QString& title) const
@@ -143,4 +141,18 @@ public:
     }
 
     CMainFrame frame;
+
+private:
+    /// Notes the time of the status text and stops it.
+    void keepStatus()
+    {
+        m_statusTime = 0;
+        for (auto* timer : frame.statusBar()->findChildren<QTimer*>())
+            if (timer->isActive()) {
+                m_statusTime = timer->interval();
+                timer->stop();
+            }
+    }
+
+    int m_statusTime = 0;
 };

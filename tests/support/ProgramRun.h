@@ -2,11 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Patience.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
-/// Runs from construction to its end, at most 20 s:
+/// Runs from construction to its end:
 ///
 ///     const CProgramRun run({ { "Initialize CAN Interface", "Esc" }, { frame, "Ctrl+Q" } });
 ///     QVERIFY2(run.status == 0, run.output);
@@ -31,11 +33,11 @@ public:
         QProcess program;
         program.setProcessEnvironment(environment(file.fileName()));
         program.start(VELMORA_PROGRAM, {});
-        if (program.waitForFinished(20000) && program.exitStatus() == QProcess::NormalExit)
+        if (program.waitForFinished(patience) && program.exitStatus() == QProcess::NormalExit)
             status = program.exitCode();
         else
             program.kill();
-        program.waitForFinished();
+        program.waitForFinished(patience);
         windows = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
         output = program.readAllStandardError();
     }

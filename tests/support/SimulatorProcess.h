@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Patience.h"
+
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <QRegularExpression>
@@ -32,7 +34,7 @@ public:
     {
         end(SIGTERM);
         m_process.kill();
-        m_process.waitForFinished();
+        m_process.waitForFinished(patience);
     }
     CSimulatorProcess(const CSimulatorProcess&) = delete;
     CSimulatorProcess& operator=(const CSimulatorProcess&) = delete;
@@ -41,16 +43,16 @@ public:
     unsigned short port() const { return m_port; }
     QString interface() const { return "127.0.0.1:" + QString::number(m_port); }
     QByteArray log() const { return m_log.toUtf8(); }
-    /// Waits until the simulator has logged the text; false after 5 s.
+    /// Waits until the simulator has logged the text; false when it ends without.
     bool hasLogged(const QString& text)
     {
         return waitForLog([&] { return m_log.contains(text); });
     }
-    /// Sends the signal and waits. @return the exit status; -1 when it goes on for 5 s or dies of the signal
+    /// Sends the signal and waits. @return the exit status; -1 when it goes on or dies of the signal
     int end(int signal)
     {
         const auto process = static_cast<pid_t>(m_process.processId());
-        const bool finished = process > 0 && ::kill(process, signal) == 0 && m_process.waitForFinished(5000);
+        const bool finished = process > 0 && ::kill(process, signal) == 0 && m_process.waitForFinished(patience);
         m_log += QString::fromUtf8(m_process.readAll());
         return finished && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
@@ -59,7 +61,7 @@ private:
     template <typename Condition>
     bool waitForLog(Condition condition)
     {
-        const QDeadlineTimer deadline(5000);
+        const QDeadlineTimer deadline(patience);
         bool waiting = true;
         while (true) {
             m_log += QString::fromUtf8(m_process.readAll());
