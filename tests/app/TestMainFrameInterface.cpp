@@ -59,6 +59,7 @@ private:
     static QString loopback(const CFakeGateway& gateway) { return "127.0.0.1:" + QString::number(gateway.port()); }
     static void read(CFrameDriver& driver, int position);
 
+    const CRefusingPort m_refusing;
     std::optional<CTempSettings> m_store;
 };
 
@@ -116,7 +117,7 @@ void TestMainFrameInterface::failureLeavesTheHistory()
 
 void TestMainFrameInterface::failureShowsABoxWithItsReason_data()
 {
-    const QString refused = loopback(CFakeGateway()); // gone by the time that the test connects
+    const QString refused = "127.0.0.1:" + QString::number(m_refusing.port());
     QTest::addColumn<int>("error");
     QTest::addColumn<QString>("text");
     QTest::newRow(qPrintable(refused)) << -20000 << fallback;

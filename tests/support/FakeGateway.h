@@ -42,21 +42,24 @@ public:
     /// Waits until every client has left; all that they sent is then in `received()`.
     bool awaitClosed() { return m_server.awaitClosed(); }
 
-    /// The whole script was played and nothing else came.
+    /// The whole script was played and nothing else came, of all that clients have sent so far.
     bool finished() const
     {
+        m_server.settle();
         const std::lock_guard lock(m_mutex);
         return m_script.empty() && m_problem.empty();
     }
     /// What differed first: the bytes awaited and those that came.
     std::string problem() const
     {
+        m_server.settle();
         const std::lock_guard lock(m_mutex);
         return m_problem.empty() && !m_script.empty() ? "never came: " + m_script.front().command : m_problem;
     }
-    /// All bytes that ever came.
+    /// All bytes that clients have sent so far.
     std::string received() const
     {
+        m_server.settle();
         const std::lock_guard lock(m_mutex);
         return m_received;
     }
@@ -137,5 +140,5 @@ private:
     std::string m_received;
     std::string m_problem;
     long m_lastNumber = 0;
-    CLoopbackServer m_server{ [this](tConnection& connection) { serve(connection); } };
+    mutable CLoopbackServer m_server{ [this](tConnection& connection) { serve(connection); } };
 };

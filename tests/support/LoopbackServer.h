@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Patience.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -9,6 +11,7 @@
 #include <condition_variable>
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -20,6 +23,36 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
+
+/// A loopback port that refuses connections: bound, so that no other process gets it, but without a listener.
+class CRefusingPort
+{
+public:
+    /// Any port, or a certain one that was in use until now.
+    explicit CRefusingPort(unsigned short port = 0)
+    {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
+        const int yes = 1; // connections that have ended may linger there
+        ::setsockopt(m_socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+        if (::bind(m_socket, anyAddress, size) == 0 && ::getsockname(m_socket, anyAddress, &size) == 0)
+            m_port = ntohs(address.sin_port);
+    }
+    ~CRefusingPort() { ::close(m_socket); }
+    CRefusingPort(const CRefusingPort&) = delete;
+    CRefusingPort& operator=(const CRefusingPort&) = delete;
+
+    /// 0 when it could not be had.
+    unsigned short port() const { return m_port; }
+
+private:
+    const int m_socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    unsigned short m_port = 0;
+};
 
 class CLoopbackServer
 {
@@ -39,6 +72,8 @@ public:
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address;
         auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
+        const int yes = 1; // for `refuse`
+        ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
         if (::bind(m_listener, anyAddress, size) == 0 && ::listen(m_listener, SOMAXCONN) == 0 &&
             ::getsockname(m_listener, anyAddress, &size) == 0)
             m_port = ntohs(address.sin_port);
@@ -46,7 +81,11 @@ public:
     }
     ~CLoopbackServer()
     {
-        m_ending = true;
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ending = true;
+        }
+        m_changed.notify_all();
         ::eventfd_write(m_wake, 1);
         m_thread.join();
         ::close(m_wake);
@@ -59,13 +98,26 @@ public:
     /// From the return on, connecting to the port is refused; open connections stay.
     bool refuse()
     {
-        m_refusing = true;
-        ::eventfd_write(m_wake, 1);
-        return await([this] { return m_listener < 0; });
+        {
+            const std::lock_guard lock(m_mutex);
+            m_refusing = true;
+            ::eventfd_write(m_wake, 1);
+        }
+        return await([this] { return m_refused != nullptr; });
     }
-    /// Waits until a client was here and all connections are closed again; false after 5 s.
+    /// Returns when the handler has had all that clients sent before the call, and every client that connected or left
+    /// is known. Not for the handler.
+    void settle()
+    {
+        std::unique_lock lock(m_mutex);
+        const unsigned long wanted = ++m_settleWanted;
+        ::eventfd_write(m_wake, 1);
+        m_changed.wait_for(lock, std::chrono::milliseconds(patience), [&] { return m_settled >= wanted; });
+    }
+    /// Waits until a client was here and all connections are closed again.
     bool awaitClosed()
     {
+        settle();
         return await([this] { return m_served && m_connections.empty(); });
     }
 
@@ -89,8 +141,8 @@ public:
     /// Waits; shorter when the server ends.
     void delay(std::chrono::milliseconds duration)
     {
-        pollfd ending = { m_wake, POLLIN, 0 };
-        ::poll(&ending, 1, static_cast<int>(duration.count()));
+        std::unique_lock lock(m_mutex);
+        m_changed.wait_for(lock, duration, [this] { return m_ending.load(); });
     }
     /// Closes in order, or with a reset when `abruptly`.
     void close(tConnection& connection, bool abruptly = false)
@@ -106,11 +158,12 @@ private:
     bool await(Condition condition)
     {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, std::chrono::seconds(5), condition);
+        return m_changed.wait_for(lock, std::chrono::milliseconds(patience), condition);
     }
     void run()
     {
         while (!m_ending) {
+            const unsigned long asked = settleWanted();
             std::vector<pollfd> sockets = { { m_wake, POLLIN, 0 }, { m_listener, POLLIN, 0 } };
             for (const tConnection& connection : m_connections)
                 sockets.push_back({ connection.socket, POLLIN, 0 });
@@ -119,7 +172,9 @@ private:
             for (tConnection& connection : m_connections)
                 if ((ready++)->revents != 0)
                     receive(connection);
-            update(sockets[1].revents != 0);
+            const bool quiet =
+                std::all_of(sockets.cbegin() + 1, sockets.cend(), [](const pollfd& each) { return each.revents == 0; });
+            update(quiet, asked);
         }
         for (tConnection& connection : m_connections)
             ::close(connection.socket);
@@ -134,32 +189,45 @@ private:
         connection.pending.append(data, static_cast<std::size_t>(length));
         m_handler(connection);
     }
-    /// Takes a new client when one is `waiting`, forgets those that left, stops listening when asked to.
-    void update(bool waiting)
+    unsigned long settleWanted()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_settleWanted;
+    }
+    /// Takes the clients that wait and forgets those that left. `quiet`: nothing had come after so many calls of
+    /// `settle`.
+    void update(bool quiet, unsigned long calls)
     {
         const std::lock_guard lock(m_mutex);
         m_connections.remove_if([](const tConnection& connection) { return connection.socket < 0; });
-        if (waiting && m_listener >= 0) {
-            m_connections.push_back({ ::accept(m_listener, nullptr, nullptr), {}, 0 });
+        for (int client = 0; m_listener >= 0 && (client = ::accept(m_listener, nullptr, nullptr)) >= 0;) {
+            m_connections.push_back({ client, {}, 0 });
             m_served = true;
         }
         if (m_refusing && m_listener >= 0) {
             ::close(std::exchange(m_listener, -1));
-            eventfd_t woken = 0;
-            ::eventfd_read(m_wake, &woken);
+            m_refused = std::make_unique<CRefusingPort>(m_port);
         }
+        if (quiet)
+            m_settled = calls;
+        eventfd_t woken = 0;
+        if (m_settled == m_settleWanted && !m_ending)
+            ::eventfd_read(m_wake, &woken); // else the next look at the sockets is at once
         m_changed.notify_all();
     }
 
     tHandler m_handler;
-    int m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    const int m_wake = ::eventfd(0, 0);
+    int m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    const int m_wake = ::eventfd(0, EFD_NONBLOCK);
     unsigned short m_port = 0;
     std::atomic<bool> m_ending = false;
-    std::atomic<bool> m_refusing = false;
-    std::mutex m_mutex; // of what follows, and of the end of m_listener
+    std::mutex m_mutex; // of what follows, and of m_ending
     std::condition_variable m_changed;
+    bool m_refusing = false;
     std::list<tConnection> m_connections;
     bool m_served = false;
+    unsigned long m_settleWanted = 0; // calls of `settle`, and how many of them have been met
+    unsigned long m_settled = 0;
+    std::unique_ptr<CRefusingPort> m_refused; // in place of the listener
     std::thread m_thread;
 };
