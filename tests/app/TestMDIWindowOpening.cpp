@@ -6,9 +6,12 @@
 #include "DeviceInfoDialog.h"
 #include "TempSettings.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QWindow>
+
+#include <algorithm>
+#include <ctime>
+#include <limits>
 
 namespace
 {
@@ -49,6 +52,31 @@ ObjectType=7
 ParameterName=Two
 ObjectType=7
 )";
+
+// Objects of six entries each.
+QByteArray sheetOfRecords(int count)
+{
+    QByteArray lists = "[ManufacturerObjects]\n";
+    QByteArray sections;
+    for (int number = 0; number < count; ++number) {
+        const QByteArray index = QByteArray::number(0x2000 + number, 16);
+        lists += QByteArray::number(number + 1) + "=0x" + index + '\n';
+        sections += '[' + index + "]\nParameterName=Object " + index + "\nObjectType=9\nDataType=0x23\n";
+        for (int entry = 0; entry < 6; ++entry)
+            sections += '[' + index + "sub" + QByteArray::number(entry) +
+                        "]\nParameterName=Entry\nObjectType=7\nDataType=7\nAccessType=rw\nPDOMapping=0\n";
+    }
+    return lists + sections;
+}
+
+// Processor time, in ticks; the largest number when it cannot be opened.
+std::clock_t timeToOpen(const QByteArray& sheet)
+{
+    CDocumentUser user;
+    const std::clock_t start = std::clock();
+    const bool opened = user.open(sheet);
+    return opened ? std::clock() - start : std::numeric_limits<std::clock_t>::max();
+}
 
 } // namespace
 
@@ -240,23 +268,25 @@ private Q_SLOTS:
         QCOMPARE(children(user.item("Other objects")), QStringList({ "1000: Two", "2000: One" }));
     }
 
+    // Ten times the objects: ten times the time, far from a hundred times. Processor time, to which others on the machine
+    // can only add: the least counts, and one round does as a rule.
     void tenThousandObjectsOpenQuickly()
     {
-        QByteArray lists = "[ManufacturerObjects]\n";
-        QByteArray sections;
-        for (int number = 0; number < 10000; ++number) {
-            const QByteArray index = QByteArray::number(0x2000 + number, 16);
-            lists += QByteArray::number(number + 1) + "=0x" + index + '\n';
-            sections += '[' + index + "]\nParameterName=Object " + index + "\nObjectType=9\nDataType=0x23\n";
-            for (int entry = 0; entry < 6; ++entry)
-                sections += '[' + index + "sub" + QByteArray::number(entry) +
-                            "]\nParameterName=Entry\nObjectType=7\nDataType=7\nAccessType=rw\nPDOMapping=0\n";
+        const QByteArray small = sheetOfRecords(1000), large = sheetOfRecords(10000);
+        std::clock_t smallTime = timeToOpen(small), largeTime = timeToOpen(large);
+        for (int round = 0; round < 20 && largeTime >= 30 * smallTime; ++round) {
+            smallTime = std::min(smallTime, timeToOpen(small));
+            largeTime = std::min(largeTime, timeToOpen(large));
         }
+        const QString times = QString("%1 and %2 ticks").arg(smallTime).arg(largeTime);
+        QVERIFY2(largeTime < 30 * smallTime, qPrintable(times));
+        QVERIFY2(largeTime < 20 * CLOCKS_PER_SEC, qPrintable(times)); // about 20 times what it takes
+    }
+
+    void tenThousandObjectsAreAllThere()
+    {
         CDocumentUser user;
-        QElapsedTimer clock;
-        clock.start();
-        QVERIFY(user.open(lists + sections));
-        QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(user.open(sheetOfRecords(10000)));
         int entries = 0;
         for (int group = 0; group < user.root()->childCount(); ++group)
             for (int object = 0; object < user.root()->child(group)->childCount(); ++object)

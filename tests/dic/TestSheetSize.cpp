@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenReader.h"
 
+#include "Patience.h"
 #include "Sheet.h"
 
 #include <QCoreApplication>
@@ -80,19 +81,14 @@ static QByteArray entriesOfOneObject(int count)
     return text;
 }
 
-// Processor time, so that a busy machine makes no difference; in clock ticks, -1 for another number of objects.
-static qint64 bestOfThree(const CSheetFile& file, int objects)
+// Processor time of loading the sheet, in clock ticks; -1 for another number of objects.
+static qint64 timeOf(const CSheetFile& file, int objects)
 {
-    qint64 best = std::numeric_limits<qint64>::max();
-    for (int round = 0; round < 3; ++round) {
-        CCANopen dictionary;
-        const std::clock_t start = std::clock();
-        const int result = CCANopenReader(&dictionary, CCANopen::typeEDS).load(file.name());
-        best = qMin(best, qint64(std::clock() - start));
-        if (result != 1 || int(dictionary.m_objectArray.size()) != objects)
-            return -1;
-    }
-    return best;
+    CCANopen dictionary;
+    const std::clock_t start = std::clock();
+    const int result = CCANopenReader(&dictionary, CCANopen::typeEDS).load(file.name());
+    const qint64 ticks = std::clock() - start;
+    return result == 1 && int(dictionary.m_objectArray.size()) == objects ? ticks : -1;
 }
 
 // Highest amount of memory that this process has taken, in bytes.
@@ -135,9 +131,14 @@ private Q_SLOTS:
         QFETCH(tMaker, maker);
         QFETCH(int, objectsOf1000);
         QFETCH(int, objectsOf10000);
-        const qint64 small = bestOfThree(CSheetFile(maker(1000)), objectsOf1000);
-        const qint64 large = bestOfThree(CSheetFile(maker(10000)), objectsOf10000);
-        QVERIFY2(small > 0 && large > 0, "the number of objects is not that of the sheet");
+        const CSheetFile smallSheet(maker(1000)), largeSheet(maker(10000));
+        qint64 small = std::numeric_limits<qint64>::max(), large = small;
+        // Others on the machine can only add to the times: the least of each counts, and a few rounds do as a rule.
+        for (int round = 0; round < 3 || (round < 30 && large >= 25 * small); ++round) {
+            small = qMin(small, timeOf(smallSheet, objectsOf1000));
+            large = qMin(large, timeOf(largeSheet, objectsOf10000));
+            QVERIFY2(small > 0 && large > 0, "the number of objects is not that of the sheet");
+        }
         const QString times = QString("%1 and %2 clock ticks").arg(small).arg(large);
         QVERIFY2(large < 25 * small, qPrintable(times));
     }
@@ -203,7 +204,7 @@ private:
     {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(), { "--measure", file.path() });
-        process.waitForFinished(60000);
+        process.waitForFinished(patience);
         return process.readAllStandardOutput().trimmed().split(' ');
     }
 };
