@@ -3,6 +3,7 @@
 #pragma once
 
 #include "DemoSheet.h"
+#include "Patience.h"
 #include "SdoFrame.h"
 #include "SimulatedCanBus.h"
 
@@ -22,7 +23,7 @@ public:
     {
         for (const unsigned nodeId : { 5U, 7U }) {
             m_trouble += m_network.add(nodeId, sheet);
-            m_network.node(nodeId)->write(0x1017, 0, QByteArray(2, '\0'));
+            stopHeartbeat(nodeId);
         }
         QList<tFault> list;
         QString message;
@@ -45,6 +46,9 @@ public:
     CSimulatedCanBus& bus() { return *m_bus; }
     QByteArrayList log() const { return m_log; }
 
+    /// As at the beginning: a reset brings the heartbeat of the sheet back.
+    void stopHeartbeat(unsigned nodeId) { m_network.node(nodeId)->write(0x1017, 0, QByteArray(2, '\0')); }
+
     /// Puts "605 40 08 10 00 ..." on the bus.
     void put(const QByteArray& frame) { m_bus->receive({ frame.left(3).toUInt(nullptr, 16), bytes(frame.mid(3)) }); }
     /// The frames that came since the last call.
@@ -56,10 +60,10 @@ public:
         put(frame);
         return take().join(" | ");
     }
-    /// Lets time pass until so many frames have come since the last `take`; false after 5 s.
+    /// Lets time pass until so many frames have come since the last `take`; false when they do not.
     bool await(qsizetype count)
     {
-        return QTest::qWaitFor([&] { return m_sent.size() >= count; });
+        return QTest::qWaitFor([&] { return m_sent.size() >= count; }, patience);
     }
 
 private:

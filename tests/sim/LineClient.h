@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Patience.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QTcpSocket>
@@ -13,7 +15,7 @@ public:
     explicit CLineClient(quint16 port)
     {
         m_socket.connectToHost(QStringLiteral("127.0.0.1"), port);
-        m_socket.waitForConnected(timeLimit);
+        m_socket.waitForConnected(patience);
     }
 
     void send(const QByteArray& bytes)
@@ -22,11 +24,11 @@ public:
         m_socket.flush();
     }
 
-    /// The next line without its CR LF; "(nothing)" when none arrives in time, "(closed)" when none can.
-    QByteArray line(int milliseconds = timeLimit)
+    /// The next line without its CR LF; "(nothing)" when none arrives, "(closed)" when none can.
+    QByteArray line()
     {
         while (!m_input.contains('\n')) {
-            if (!m_socket.waitForReadyRead(milliseconds))
+            if (!m_socket.waitForReadyRead(patience))
                 return m_socket.state() == QAbstractSocket::ConnectedState ? "(nothing)" : "(closed)";
             m_input += m_socket.readAll();
         }
@@ -42,8 +44,6 @@ public:
         send(command + "\r\n");
         return line();
     }
-
-    static constexpr int timeLimit = 10000;
 
 private:
     QTcpSocket m_socket;

@@ -204,8 +204,10 @@ void TestCanFaults::delayedAnswersAreBounded()
     for (int i = 0; i < CCanNode::delayedLimit + 10; ++i)
         probe.put("605 40 04 20 00 00 00 00 00");
     QVERIFY(probe.await(CCanNode::delayedLimit));
-    QTest::qWait(50);
     QCOMPARE(probe.take().size(), CCanNode::delayedLimit);
+    probe.put("605 40 05 20 00 00 00 00 00");
+    QVERIFY(probe.await(1)); // what was too much would have come before
+    QCOMPARE(probe.take(), QByteArrayList{ "585 4B 05 20 00 F4 01 00 00" });
 }
 
 void TestCanFaults::delayedAnswersMakeRoomForOthers()
@@ -222,6 +224,7 @@ void TestCanFaults::delayedAnswersMakeRoomForOthers()
     QVERIFY(probe.await(CCanNode::delayedLimit));
     askOften();
     probe.put("000 82 05"); // the answers held back are lost
+    probe.stopHeartbeat(5);
     probe.take();
     askOften();
     QVERIFY(probe.await(CCanNode::delayedLimit));

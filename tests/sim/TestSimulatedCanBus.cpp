@@ -150,8 +150,9 @@ void TestSimulatedCanBus::stoppedOrResetDeviceSendsNoLateAnswer()
     QCOMPARE(probe.ask("605 40 00 10 00 00 00 00 00"), QByteArray());
     QCOMPARE(probe.ask("607 40 00 10 00 00 00 00 00"), QByteArray());
     QCOMPARE(probe.ask(command), sent);
-    QVERIFY(probe.await(1));
-    QTest::qWait(50);
+    if (!sent.isEmpty())
+        probe.stopHeartbeat(5); // which the reset has brought back
+    QVERIFY(probe.await(1));    // the answer of node 5 would have come before
     QCOMPARE(probe.take(), QByteArrayList{ "587 43 00 10 00 91 01 0F 00" });
     probe.put("000 80 05");
     QCOMPARE(probe.ask("605 40 00 10 00 00 00 00 00"), QByteArray());
@@ -202,7 +203,7 @@ void TestSimulatedCanBus::heartbeatFollowsItsTimeAtOnce()
     probe.take();
     QVERIFY(probe.await(2));
     QVERIFY2(timer.elapsed() >= 190, "two periods of 100 ms");
-    QCOMPARE(probe.take(), (QByteArrayList{ "705 7F", "705 7F" }));
+    QCOMPARE(probe.take().first(2), (QByteArrayList{ "705 7F", "705 7F" }));
 }
 
 // A client that writes all the time would otherwise keep the heartbeat away.
@@ -211,11 +212,13 @@ void TestSimulatedCanBus::heartbeatKeepsItsPaceUnderOtherWrites()
     CCanBusProbe probe;
     probe.put("605 2B 17 10 00 32 00 00 00");
     probe.take();
-    QVERIFY(QTest::qWaitFor([&] {
-        probe.put("605 2F 04 20 00 0A 00 00 00");
-        probe.put("605 2B 17 10 00 32 00 00 00");
-        return probe.take().contains("705 7F");
-    }));
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            probe.put("605 2F 04 20 00 0A 00 00 00");
+            probe.put("605 2B 17 10 00 32 00 00 00");
+            return probe.take().contains("705 7F");
+        },
+        patience));
 }
 
 void TestSimulatedCanBus::heartbeatEndsWithTheTimeZero()
@@ -225,9 +228,10 @@ void TestSimulatedCanBus::heartbeatEndsWithTheTimeZero()
     probe.take();
     QVERIFY(probe.await(1));
     probe.put("605 2B 17 10 00 00 00 00 00");
+    probe.put("607 2B 17 10 00 14 00 00 00");
     probe.take();
-    QTest::qWait(50);
-    QCOMPARE(probe.take(), QByteArrayList());
+    QVERIFY(probe.await(2)); // twice as slow: those of node 5 would have come before
+    QVERIFY(!probe.take().contains("705 7F"));
 }
 
 void TestSimulatedCanBus::resetBringsTheHeartbeatOfTheDefaults()
@@ -235,11 +239,12 @@ void TestSimulatedCanBus::resetBringsTheHeartbeatOfTheDefaults()
     CCanBusProbe probe;
     probe.put("605 2B 17 10 00 0A 00 00 00");
     probe.take();
+    QElapsedTimer timer;
+    timer.start();
     QCOMPARE(probe.ask("000 82 05"), QByteArray("705 00"));
-    QTest::qWait(100); // the sheet's time is 1 s
-    QCOMPARE(probe.take(), QByteArrayList());
     QVERIFY(probe.await(1));
-    QCOMPARE(probe.take(), QByteArrayList{ "705 7F" });
+    QVERIFY2(timer.elapsed() >= 990, "the sheet's time is 1 s");
+    QCOMPARE(probe.take().first(), QByteArray("705 7F"));
 }
 
 void TestSimulatedCanBus::heartbeatTimeNeedsNoReadAccess()
@@ -262,7 +267,10 @@ void TestSimulatedCanBus::deviceWithoutHeartbeatTimeHasNoHeartbeat()
     QCOMPARE(probe.take(), (QByteArrayList{ "705 00", "707 00" }));
     QCOMPARE(probe.ask("000 01 05"), QByteArray());
     QCOMPARE(probe.ask("605 23 00 10 00 0A 00 00 00"), QByteArray("585 60 00 10 00 00 00 00 00"));
-    QTest::qWait(50);
+    CCanBusProbe other;
+    other.put("605 2B 17 10 00 0A 00 00 00");
+    other.take();
+    QVERIFY(other.await(5)); // meanwhile another device's come
     QCOMPARE(probe.take(), QByteArrayList());
 }
 
@@ -271,6 +279,7 @@ void TestSimulatedCanBus::whatAnotherFrontEndDoesShowsOnTheBus()
     CCanBusProbe probe;
     probe.network().command(0, nmtResetCommunication);
     QCOMPARE(probe.take(), (QByteArrayList{ "705 00", "707 00" }));
+    probe.stopHeartbeat(5);
     QCOMPARE(probe.network().node(5)->write(0x2004, 0, bytes("0B")), abortNone);
     QCOMPARE(probe.ask("605 40 04 20 00 00 00 00 00"), QByteArray("585 4F 04 20 00 0B 00 00 00"));
     QCOMPARE(probe.network().node(7)->write(0x1017, 0, bytes("0A 00")), abortNone);

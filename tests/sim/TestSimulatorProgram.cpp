@@ -13,8 +13,6 @@
 namespace
 {
 
-constexpr int timeLimit = 30000;
-
 QString demoNode()
 {
     return QStringLiteral("5=") + demoSheet();
@@ -24,7 +22,7 @@ QString demoNode()
 int run(QProcess& process, const QStringList& arguments)
 {
     process.start(QStringLiteral(VELMORA_SIM), arguments);
-    return process.waitForFinished(timeLimit) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    return process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 } // namespace
