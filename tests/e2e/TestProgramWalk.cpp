@@ -147,6 +147,8 @@ void TestProgramWalk::refusesAWrongValue()
         QCOMPARE(m_catcher->only().text, QString("Invalid data entered.\n\nPlease, try again!"));
         QCOMPARE(document().value(), QString("250"));
     }
+    document().select("1005: COB-ID SYNC message");
+    QVERIFY(m_simulator->hasLogged("5 read 0x1005 0x0 u32")); // and so all that came before
     QVERIFY(!m_simulator->log().contains("abc"));
 }
 
