@@ -3,11 +3,13 @@
 #pragma once
 
 #include "CanFrameText.h"
+#include "Patience.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>
 #include <QStringList>
 
+#include <linux/can/error.h>
 #include <linux/can/raw.h>
 #include <net/if.h>
 #include <poll.h>
@@ -22,9 +24,6 @@
 class CRawCan
 {
 public:
-    static constexpr int soon = 2000; ///< milliseconds in which what is on its way has come
-    static constexpr int quiet = 20;  ///< milliseconds of silence after which nothing is on its way any more
-
     /// Why there is no test on this interface; empty when it is there. What a test shows when it cannot run.
     static QByteArray trouble(const char* interface = "vcan0")
     {
@@ -34,19 +33,25 @@ public:
                " here, or no right to buffer its frames. Run this test as tests/with-vcan COMMAND.";
     }
 
-    explicit CRawCan(const char* interface = "vcan0") : m_socket(socket(PF_CAN, SOCK_RAW | SOCK_CLOEXEC, CAN_RAW))
+    explicit CRawCan(const char* interface = "vcan0") : m_socket(open(interface)), m_echo(open(interface))
     {
         const int room = 4 << 20; // bytes: far more than comes between two calls
         setsockopt(m_socket, SOL_SOCKET, SO_RCVBUFFORCE, &room, sizeof room);
         int granted = 0;
         socklen_t size = sizeof granted;
         getsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &granted, &size);
-        sockaddr_can address = {};
-        address.can_family = AF_CAN;
-        address.can_ifindex = static_cast<int>(if_nametoindex(interface));
-        m_open = bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 && granted >= room;
+        m_open = m_socket >= 0 && m_echo >= 0 && granted >= room;
+        const int yes = 1;
+        const can_err_mask_t markers = m_marker;
+        setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_FILTER, nullptr, 0);
+        setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_ERR_FILTER, &markers, sizeof markers);
+        setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_RECV_OWN_MSGS, &yes, sizeof yes);
     }
-    ~CRawCan() { close(m_socket); }
+    ~CRawCan()
+    {
+        close(m_socket);
+        close(m_echo);
+    }
     CRawCan(const CRawCan&) = delete;
     CRawCan& operator=(const CRawCan&) = delete;
 
@@ -57,11 +62,15 @@ public:
         const can_filter filter = { id, mask | CAN_EFF_FLAG };
         setsockopt(m_socket, SOL_CAN_RAW, CAN_RAW_FILTER, &filter, sizeof filter);
     }
-    bool send(const can_frame& frame) const { return write(m_socket, &frame, sizeof frame) == sizeof frame; }
+    /// Sends a frame; at the return, all others have it.
+    bool send(const can_frame& frame) const
+    {
+        return write(m_socket, &frame, sizeof frame) == sizeof frame && settle();
+    }
     bool send(const QString& frame) const { return send(frameFromText(frame)); }
 
     /// The next frame; empty when none comes in the time.
-    QString receive(int milliseconds = soon) const
+    QString receive(int milliseconds = patience) const
     {
         pollfd waiting = { m_socket, POLLIN, 0 };
         can_frame frame = {};
@@ -69,11 +78,12 @@ public:
             return QString();
         return frameText(frame);
     }
-    /// All frames until the bus is quiet.
+    /// All frames that were sent before the call, by whomever.
     QStringList receiveAll() const
     {
+        settle();
         QStringList frames;
-        for (QString frame = receive(quiet); !frame.isEmpty(); frame = receive(quiet))
+        for (QString frame = receive(0); !frame.isEmpty(); frame = receive(0))
             frames += frame;
         return frames;
     }
@@ -85,10 +95,10 @@ public:
             frames += frame;
         return frames;
     }
-    /// Waits until the frame comes; what comes before is dropped. False after 5 s.
+    /// Waits until the frame comes; what comes before is dropped. False when it does not come.
     bool waitFor(const QString& frame) const
     {
-        const QDeadlineTimer deadline(5000);
+        const QDeadlineTimer deadline(patience);
         while (!deadline.hasExpired())
             if (receive(static_cast<int>(deadline.remainingTime())) == frame)
                 return true;
@@ -97,6 +107,42 @@ public:
     void forget() const { receiveAll(); }
 
 private:
+    /// The kind of an error message that no device sends, another one for each object: nobody hears it who has not
+    /// asked for it.
+    static canid_t nextMarker()
+    {
+        static unsigned count = 0;
+        return CAN_ERR_CNT << (1 + count++ % 19);
+    }
+    /// A socket that hears data and remote frames; -1 when there is none to be had.
+    static int open(const char* interface)
+    {
+        const int opened = socket(PF_CAN, SOCK_RAW | SOCK_CLOEXEC, CAN_RAW);
+        sockaddr_can address = {};
+        address.can_family = AF_CAN;
+        address.can_ifindex = static_cast<int>(if_nametoindex(interface));
+        if (bind(opened, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            return opened;
+        close(opened);
+        return -1;
+    }
+    /// Waits until all that was sent so far has reached the sockets of all: until a marker comes back that goes the same
+    /// way behind it.
+    bool settle() const
+    {
+        int error = 0; // forgets that the interface was down
+        socklen_t size = sizeof error;
+        getsockopt(m_echo, SOL_SOCKET, SO_ERROR, &error, &size);
+        can_frame frame = {};
+        frame.can_id = CAN_ERR_FLAG | m_marker;
+        frame.len = CAN_ERR_DLC;
+        pollfd waiting = { m_echo, POLLIN, 0 };
+        return write(m_echo, &frame, sizeof frame) == sizeof frame && poll(&waiting, 1, patience) > 0 &&
+               read(m_echo, &frame, sizeof frame) == sizeof frame;
+    }
+
+    const canid_t m_marker = nextMarker();
     int m_socket;
+    int m_echo; // of the markers
     bool m_open = false;
 };

@@ -46,7 +46,11 @@ public:
     };
 
     explicit CScriptedNode(const char* interface = "vcan0") : m_bus(interface) { m_bus.hearOnly(0x600, 0x780); }
-    ~CScriptedNode() { stop(); }
+    ~CScriptedNode()
+    {
+        m_stopped = true;
+        finish();
+    }
     CScriptedNode(const CScriptedNode&) = delete;
     CScriptedNode& operator=(const CScriptedNode&) = delete;
 
@@ -65,20 +69,18 @@ public:
     {
         m_thread = std::thread([this] { run(); });
     }
+    /// Waits for the end of the play, whatever it is.
+    void finish()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
     /// Waits for the end of the play. Empty when all has come as expected and nothing more; else what differed.
     QString difference()
     {
-        if (m_thread.joinable())
-            m_thread.join();
+        finish();
         const QStringList more = m_bus.receiveAll();
         return m_difference.isEmpty() && !more.isEmpty() ? "unexpected: " + more.join(' ') : m_difference;
-    }
-    /// Ends the play early.
-    void stop()
-    {
-        m_stopped = true;
-        if (m_thread.joinable())
-            m_thread.join();
     }
 
 private:
@@ -96,10 +98,10 @@ private:
     }
     QString next() const
     {
-        const QDeadlineTimer deadline(CRawCan::soon);
+        const QDeadlineTimer deadline(patience);
         QString frame;
         while (frame.isEmpty() && !m_stopped && !deadline.hasExpired())
-            frame = m_bus.receive(CRawCan::quiet);
+            frame = m_bus.receive(20);
         return frame;
     }
 

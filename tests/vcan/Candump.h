@@ -17,26 +17,32 @@ public:
     {
         m_process.setStandardOutputFile(logName());
         m_process.start("candump", { "-L", "-r", "4000000", "vcan0" });
-        m_process.waitForStarted();
-        const CRawCan bus;
-        const QDeadlineTimer deadline(isRunning() ? 5000 : 0);
-        while (frames().isEmpty() && !deadline.hasExpired()) {
-            bus.send("7FF#");
-            QTest::qSleep(50);
-        }
+        m_process.waitForStarted(patience);
+        awaitFrame("7FF#");
         m_before = frames().size();
     }
     ~CCandump() { end(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// Ends it. @return the frames that it has seen
+    /// Ends it. @return the frames that it has seen, with one or more "7FE#" behind them
     QStringList end()
     {
+        awaitFrame("7FE#");
         m_process.terminate();
-        m_process.waitForFinished();
+        m_process.waitForFinished(patience);
         return frames().mid(m_before);
     }
 
 private:
+    /// Sends the frame until the log has it: at first candump may not listen yet.
+    void awaitFrame(const QString& frame) const
+    {
+        const CRawCan bus;
+        const QDeadlineTimer deadline(isRunning() ? patience : 0);
+        while (!frames().contains(frame) && !deadline.hasExpired()) {
+            bus.send(frame);
+            QTest::qSleep(50);
+        }
+    }
     QString logName() const { return m_folder.filePath("log"); }
     QStringList frames() const
     {

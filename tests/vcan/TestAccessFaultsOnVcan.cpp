@@ -15,17 +15,17 @@ namespace
 {
 
 constexpr BYTE node = 5;
-constexpr WORD patience = 3000; // milliseconds
-constexpr WORD impatience = 300;
-constexpr qint64 slack = 3000; // what a busy machine may need
+constexpr WORD impatience = 1000; // milliseconds: what comes at all comes sooner, as a rule
+constexpr int late = 8000;        // comes when the impatient have given up
 constexpr int room = 100;
 
 // One object for each fault. Values of up to four bytes go in one answer, others in segments.
 const char* const faults[] = {
-    "silence@2000",   "delay=700@2001", "double@2002",    "abort=0x06060000@2003", "command@2004",       "short@2005",
-    "foreign@2006",   "flood=200@2007", "stall=2@2008",   "toggle@2009",           "command=2@200A",     "short=2@200B",
-    "segment=2@200D", "toggle=2@200E",  "flood=50@200F",  "filler@2010",           "filler@2014",        "last@2017",
-    "empty=3@2100:1", "stall=3@2101:4", "segment@2102:2", "surplus=500@2102:3",    "endless=300@2102:4", "last@2102:8",
+    "silence@2000",   "delay=8000@2001",    "double@2002",        "abort=0x06060000@2003", "command@2004",
+    "short@2005",     "foreign@2006",       "flood=200@2007",     "stall=2@2008",          "toggle@2009",
+    "command=2@200A", "short=2@200B",       "segment=2@200D",     "toggle=2@200E",         "flood=50@200F",
+    "filler@2010",    "filler@2014",        "last@2017",          "empty=3@2100:1",        "stall=3@2101:4",
+    "segment@2102:2", "surplus=500@2102:3", "endless=300@2102:4", "last@2102:8",
 };
 
 } // namespace
@@ -75,7 +75,7 @@ void TestAccessFaultsOnVcan::initTestCase()
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     _can_param param = { "vcan0", 29, 3, 1 };
     QVERIFY(m_access.initialize(0, -1, &param, 0));
-    QVERIFY(m_access.setSDOTimeout(patience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(sdoPatience, nullptr));
     QVERIFY(m_access.writeUnsigned16(node, 0x1017, 0, 0)); // no heartbeats
     m_bus.emplace();
 }
@@ -89,7 +89,7 @@ void TestAccessFaultsOnVcan::cleanupTestCase()
 void TestAccessFaultsOnVcan::followGoodTransfer()
 {
     std::uint32_t value = 0;
-    QVERIFY(m_access.setSDOTimeout(patience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(sdoPatience, nullptr));
     QVERIFY2(m_access.readUnsigned32(node, 0x1000, 0, &value), m_access.getErrorText(0));
     QCOMPARE(value, 0x000F0191U);
     QCOMPARE(m_access.getLastAbort(), 0L);
@@ -107,7 +107,7 @@ TestAccessFaultsOnVcan::tPlace TestAccessFaultsOnVcan::prepare()
 {
     QFETCH(const int, outcome);
     m_bus->forget();
-    m_access.setSDOTimeout(outcome == timeOut ? impatience : patience, nullptr);
+    m_access.setSDOTimeout(outcome == timeOut ? impatience : sdoPatience, nullptr);
     const QString place = QString(QTest::currentDataTag()).section('@', 1);
     return { place.section(':', 0, 0).toUShort(nullptr, 16),
              static_cast<BYTE>(place.section(':', 1).toUInt(nullptr, 16)) };
@@ -121,7 +121,7 @@ void TestAccessFaultsOnVcan::checkOutcome(bool well, qint64 elapsed)
     if (!well)
         QCOMPARE(m_access.getLastError(), outcome);
     if (outcome == timeOut)
-        QVERIFY2(elapsed >= impatience - 1 && elapsed < impatience + slack, qPrintable(QString::number(elapsed)));
+        QVERIFY2(elapsed >= impatience - 1 && elapsed < sdoPatience, qPrintable(QString::number(elapsed)));
     if (outcome == aborted)
         QCOMPARE(m_access.getLastAbort(), long(abort));
 }
@@ -221,12 +221,12 @@ void TestAccessFaultsOnVcan::write()
 
 void TestAccessFaultsOnVcan::slowNodeIsWaitedFor()
 {
-    QVERIFY(m_access.setSDOTimeout(patience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(sdoPatience, nullptr));
     std::int8_t value = 0;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(m_access.readInteger8(node, 0x2001, 0, &value)); // delay=700
-    QVERIFY(timer.elapsed() >= 699);
+    QVERIFY(m_access.readInteger8(node, 0x2001, 0, &value)); // delay
+    QVERIFY(timer.elapsed() >= late - 1);
     QCOMPARE(int(value), 70);
 }
 
@@ -236,14 +236,15 @@ void TestAccessFaultsOnVcan::answerAfterTheTimeOutIsNotTaken()
 {
     QVERIFY(m_access.setSDOTimeout(impatience, nullptr));
     m_bus->forget();
-    std::int8_t late = 0;
-    QVERIFY(!m_access.readInteger8(node, 0x2001, 0, &late)); // delay=700
+    std::int8_t missed = 0;
+    QVERIFY(!m_access.readInteger8(node, 0x2001, 0, &missed)); // delay
     QCOMPARE(m_access.getLastError(), int(timeOut));
     checkAbortSent(CSdoTranscript(0x2001), 0x05040000);
-    QVERIFY(m_access.setSDOTimeout(patience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(10 * impatience, nullptr)); // the one that may be lost need not take long
     int failures = 0;
-    QElapsedTimer timer;
-    for (timer.start(); timer.elapsed() < 1000;) {
+    QStringList frames;
+    const QDeadlineTimer deadline(patience);
+    for (; !frames.contains("585#4F01200046000000") && !deadline.hasExpired(); frames = m_bus->receiveAll()) {
         std::uint8_t value = 0;
         const bool well = m_access.readUnsigned8(node, 0x2101, 7, &value);
         QCOMPARE(int(value), well ? 3 : 0);
@@ -252,14 +253,14 @@ void TestAccessFaultsOnVcan::answerAfterTheTimeOutIsNotTaken()
         failures += well ? 0 : 1;
     }
     QVERIFY2(failures <= 1, qPrintable(QString::number(failures)));
-    QVERIFY(m_bus->receiveAll().contains("585#4F01200046000000")); // it has come
+    QVERIFY(!deadline.hasExpired()); // it has come
     followGoodTransfer();
 }
 
 // Two messages at once: the later one counts.
 void TestAccessFaultsOnVcan::abortBehindTheLastSegmentMayTakeItsPlace()
 {
-    QVERIFY(m_access.setSDOTimeout(patience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(sdoPatience, nullptr));
     BYTE data[room];
     short length = 0;
     const bool well = m_access.read(node, 0x2102, 8, &length, data, room); // last

@@ -54,7 +54,7 @@ void TestSdoOnVcan::init()
 {
     m_node.emplace();
     QCOMPARE(cop_init(-1, &vcan0, 0), 0);
-    sdo_timeout(2000);
+    sdo_timeout(sdoPatience);
 }
 
 void TestSdoOnVcan::cleanup()

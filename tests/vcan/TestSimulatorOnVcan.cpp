@@ -14,7 +14,6 @@ namespace
 {
 
 constexpr int longestDomain = 65536;
-constexpr int timeLimit = 30000;
 
 // Bytes of which no seven in a row are like the seven before.
 QByteArray pattern(int size)
@@ -58,7 +57,7 @@ private Q_SLOTS:
 private:
     void start(const QStringList& options = {}, CSimulatorProcess::tVerbosity verbosity = CSimulatorProcess::verbose);
     void stopHeartbeat() { QCOMPARE(ask("605#2B17100000000000"), QString("585#6017100000000000")); }
-    QString answer(int milliseconds = CRawCan::soon) const;
+    QString answer() const;
     QString ask(const QString& request) const;
 
     std::optional<CRawCan> m_bus;
@@ -85,14 +84,16 @@ void TestSimulatorOnVcan::start(const QStringList& options, CSimulatorProcess::t
 {
     m_simulator.emplace(QStringList{ "--can", "vcan0" } + options, verbosity);
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0\n"), m_simulator->log());
+    QVERIFY(m_bus->waitFor("705#00")); // no boot-up message comes later
 }
 
 // The next frame that is no heartbeat.
-QString TestSimulatorOnVcan::answer(int milliseconds) const
+QString TestSimulatorOnVcan::answer() const
 {
-    QString frame = m_bus->receive(milliseconds);
-    while (frame.startsWith("705#"))
-        frame = m_bus->receive(milliseconds);
+    const QDeadlineTimer deadline(patience);
+    QString frame = m_bus->receive();
+    while (frame.startsWith("705#") && !deadline.hasExpired())
+        frame = m_bus->receive();
     return frame;
 }
 
@@ -104,7 +105,7 @@ QString TestSimulatorOnVcan::ask(const QString& request) const
 
 void TestSimulatorOnVcan::bootUpMessageComesAtTheStart()
 {
-    start({ "--node", "7=" VELMORA_SHARE "/velmora-demo.eds" });
+    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" VELMORA_SHARE "/velmora-demo.eds" });
     QCOMPARE(m_bus->receiveCount(2), (QStringList{ "705#00", "707#00" }));
 }
 
@@ -206,15 +207,16 @@ void TestSimulatorOnVcan::gatewayAndCanServeTheSameDevices()
     m_bus->forget();
     QTcpSocket client;
     client.connectToHost(QHostAddress::LocalHost, m_simulator->port());
-    QVERIFY(client.waitForConnected());
+    QVERIFY(client.waitForConnected(patience));
     client.write("[1] 5 write 0x2005 0x0 u16 0x1234\r\n");
-    QVERIFY(client.waitForReadyRead());
+    while (!client.canReadLine())
+        QVERIFY(client.waitForReadyRead(patience));
     QCOMPARE(client.readAll(), QByteArray("[1] OK\r\n"));
     QCOMPARE(ask("605#4005200000000000"), QString("585#4B05200034120000"));
     QVERIFY(m_simulator->hasLogged("\nnode 5 write 0x2005 0x00 u16 0x1234 = OK\n"));
     QVERIFY(m_simulator->hasLogged("\nnode 5 read 0x2005 0x00 u16 = 0x1234\n"));
     client.write("[2] 5 reset communication\r\n");
-    QVERIFY(client.waitForBytesWritten());
+    QVERIFY(client.waitForBytesWritten(patience));
     QVERIFY(m_bus->waitFor("705#00"));
 }
 
@@ -298,9 +300,9 @@ void TestSimulatorOnVcan::interfaceThatVanishesEndsTheSimulator()
     QVERIFY2(interface.exists(), CVcanInterface::trouble());
     QProcess simulator;
     simulator.start(VELMORA_SIM, { "--can", interface.name(), "--node", "5=" VELMORA_SHARE "/velmora-demo.eds" });
-    QVERIFY(QTest::qWaitFor([&] { return simulator.readAllStandardOutput().contains("CAN on"); }, timeLimit));
+    QVERIFY(QTest::qWaitFor([&] { return simulator.readAllStandardOutput().contains("CAN on"); }, patience));
     QVERIFY(interface.remove());
-    QVERIFY(simulator.waitForFinished(timeLimit));
+    QVERIFY(simulator.waitForFinished(patience));
     QCOMPARE(simulator.exitStatus(), QProcess::NormalExit);
     QCOMPARE(simulator.exitCode(), 1);
     QCOMPARE(simulator.readAllStandardError(), QByteArray("velmora-sim: ") + interface.name() + " is gone\n");
