@@ -9,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <QStringList>
 
+#include <cerrno>
 #include <linux/can/error.h>
 #include <linux/can/raw.h>
 #include <net/if.h>
@@ -72,9 +73,8 @@ public:
     /// The next frame; empty when none comes in the time.
     QString receive(int milliseconds = patience) const
     {
-        pollfd waiting = { m_socket, POLLIN, 0 };
         can_frame frame = {};
-        if (poll(&waiting, 1, milliseconds) <= 0 || read(m_socket, &frame, sizeof frame) != sizeof frame)
+        if (!isReadable(m_socket, milliseconds) || read(m_socket, &frame, sizeof frame) != sizeof frame)
             return QString();
         return frameText(frame);
     }
@@ -126,6 +126,17 @@ private:
         close(opened);
         return -1;
     }
+    /// Waits until there is something to read; a signal may come meanwhile.
+    static bool isReadable(int socket, int milliseconds)
+    {
+        const QDeadlineTimer deadline(milliseconds);
+        pollfd waiting = { socket, POLLIN, 0 };
+        int ready = 0;
+        do
+            ready = poll(&waiting, 1, static_cast<int>(deadline.remainingTime()));
+        while (ready < 0 && errno == EINTR);
+        return ready > 0;
+    }
     /// Waits until all that was sent so far has reached the sockets of all: until a marker comes back that goes the same
     /// way behind it.
     bool settle() const
@@ -133,12 +144,15 @@ private:
         int error = 0; // forgets that the interface was down
         socklen_t size = sizeof error;
         getsockopt(m_echo, SOL_SOCKET, SO_ERROR, &error, &size);
-        can_frame frame = {};
-        frame.can_id = CAN_ERR_FLAG | m_marker;
-        frame.len = CAN_ERR_DLC;
-        pollfd waiting = { m_echo, POLLIN, 0 };
-        return write(m_echo, &frame, sizeof frame) == sizeof frame && poll(&waiting, 1, patience) > 0 &&
-               read(m_echo, &frame, sizeof frame) == sizeof frame;
+        can_frame sent = {}, received = {};
+        sent.can_id = CAN_ERR_FLAG | m_marker;
+        sent.len = CAN_ERR_DLC;
+        if (write(m_echo, &sent, sizeof sent) != sizeof sent)
+            return false;
+        while (received.can_id != sent.can_id) // from before there was a filter, there may be others
+            if (!isReadable(m_echo, patience) || read(m_echo, &received, sizeof received) != sizeof received)
+                return false;
+        return true;
     }
 
     const canid_t m_marker = nextMarker();
