@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenReader.h"
 
-#include "Patience.h"
 #include "Sheet.h"
 
 #include <QCoreApplication>
@@ -204,7 +203,7 @@ private:
     {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(), { "--measure", file.path() });
-        process.waitForFinished(patience);
+        process.waitForFinished(-1); // however long it calculates
         return process.readAllStandardOutput().trimmed().split(' ');
     }
 };
