@@ -5,6 +5,7 @@
 #include "dic/CANopenObjectEntry.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <bit>
@@ -79,7 +80,7 @@ QByteArray dateBytes(const QDateTime& moment)
 
 QByteArray timeOfDayBytes(const QDateTime& moment)
 {
-    const QDateTime epoch(QDate(1984, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime epoch(QDate(1984, 1, 1), QTime(0, 0), QTimeZone::utc());
     const qint64 milliseconds = std::max<qint64>(0, epoch.msecsTo(moment));
     constexpr qint64 day = 86400000;
     return littleEndian(static_cast<quint64>(milliseconds % day), 4) +

@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QMap>
 #include <QString>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <bit>
@@ -84,7 +85,7 @@ private:
     // Milliseconds of the day and days, by universal time.
     static QByteArray timeOfDay(const QDateTime& moment)
     {
-        const qint64 milliseconds = QDateTime(QDate(1984, 1, 1), QTime(0, 0), Qt::UTC).msecsTo(moment);
+        const qint64 milliseconds = QDateTime(QDate(1984, 1, 1), QTime(0, 0), QTimeZone::utc()).msecsTo(moment);
         return bytes(static_cast<quint64>(milliseconds % 86400000), 4) +
                bytes(static_cast<quint64>(milliseconds / 86400000), 2);
     }
