@@ -9,6 +9,7 @@
 #include "WhenShown.h"
 
 #include <QAction>
+#include <QCursor>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -32,6 +33,7 @@ public:
         frame.setWindowTitle("CANopen Object Browser - Version 0.2 Build 61");
         frame.show();
         activate();
+        putPointerAside();
     }
     /// Makes the frame the active window, as the window manager does when a dialog ends.
     void activate()
@@ -39,6 +41,14 @@ public:
         frame.activateWindow();
         if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &frame; }, patience))
             qFatal("the frame does not become active");
+    }
+    /// Puts the pointer beside the frame, where it causes no status tips. A menu remembers where the pointer was when it
+    /// opened, and Qt 6.8 closes it, choosing nothing, when it is pressed in that place; before the pointer has been
+    /// anywhere, every place counts as that.
+    void putPointerAside() const
+    {
+        QCursor::setPos(frame.frameGeometry().topLeft() - QPoint(100, 100));
+        QCoreApplication::processEvents();
     }
 
     QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }
