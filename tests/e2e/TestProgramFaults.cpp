@@ -265,6 +265,7 @@ void TestProgramFaults::simulatorThatEndsIsAnErrorAndNoCrash()
 
 void TestProgramFaults::waitCursorIsShownWhileTheGatewayIsAwaited()
 {
+    const CBoxCatcher catcher;
     const CSimulatorProcess simulator;
     CFrameDriver driver;
     driver.initialize(simulator.interface());
@@ -277,6 +278,7 @@ void TestProgramFaults::waitCursorIsShownWhileTheGatewayIsAwaited()
     };
     CDocumentDriver(driver.document(0)).select(entry);
     CDocumentDriver(driver.document(0)).send("1");
+    QCOMPARE(catcher.count(), 0);
     QVERIFY(!shapes.isEmpty());
     for (const int shape : shapes)
         QCOMPARE(shape, int(Qt::WaitCursor));

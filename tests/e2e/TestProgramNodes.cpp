@@ -68,6 +68,7 @@ void TestProgramNodes::everyNodeHasItsValues()
 
 void TestProgramNodes::twoDocumentsShareANode()
 {
+    const CBoxCatcher catcher;
     const CSimulatorProcess simulator;
     m_store->setValue("Settings/Display", 1);
     CFrameDriver driver;
@@ -81,6 +82,7 @@ void TestProgramNodes::twoDocumentsShareANode()
     QCOMPARE(first.value(), QString("1000"));
     first.read();
     QCOMPARE(first.value(), QString("123"));
+    QCOMPARE(catcher.count(), 0);
 }
 
 void TestProgramNodes::offlineDocumentBesideAConnectedOne()

@@ -53,12 +53,13 @@ public:
 
     QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }
     QMdiArea* workspace() const { return frame.findChild<QMdiArea*>(); }
-    QMdiSubWindow* subWindow(int position) const { return workspace()->subWindowList().value(position); }
-    CMDIWindow* document(int position) const
+    QMdiSubWindow* subWindow(int position) const
     {
-        const QMdiSubWindow* window = subWindow(position);
-        return window != nullptr ? qobject_cast<CMDIWindow*>(window->widget()) : nullptr;
+        if (position >= documentCount())
+            qFatal("no document at position %d", position);
+        return workspace()->subWindowList().at(position);
     }
+    CMDIWindow* document(int position) const { return qobject_cast<CMDIWindow*>(subWindow(position)->widget()); }
     qsizetype documentCount() const { return workspace()->subWindowList().size(); }
 
     QString statusText() const { return frame.statusBar()->currentMessage(); }
@@ -71,7 +72,7 @@ public:
         for (const QAction* item : frame.menuBar()->actions())
             if (item->text() == title)
                 return item->menu();
-        return nullptr;
+        qFatal("no menu \"%s\"", qPrintable(title));
     }
     /// Opens it by a click.
     QMenu* openMenu(const QString& title)
