@@ -142,7 +142,7 @@ private Q_SLOTS:
         QVERIFY2(large < 25 * small, qPrintable(times));
     }
 
-    void memoryStaysBelowThreeTimesTheFile_data()
+    void memoryStaysNearTwiceTheFile_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QByteArray>("expected"); // result and objects
@@ -160,7 +160,7 @@ private Q_SLOTS:
         row("names", names("", size), "1 1");
         row("names in Windows-1252", names("\xE4", size), "1 1");
     }
-    void memoryStaysBelowThreeTimesTheFile()
+    void memoryStaysNearTwiceTheFile() // texts are kept in two bytes a character
     {
         if (sanitized)
             QSKIP("the sanitizer needs memory of its own");
@@ -171,7 +171,8 @@ private Q_SLOTS:
         QTEST(measured[0] + ' ' + measured[1], "expected");
         const qint64 peak = measured[2].toLongLong();
         QVERIFY(peak > 0);
-        QVERIFY2(peak < 3 * text.size(), qPrintable(QString("%1 bytes for %2").arg(peak).arg(text.size())));
+        const qint64 bytes = peak - memoryOfAnEmptySheet();
+        QVERIFY2(bytes < text.size() * 22 / 10, qPrintable(QString("%1 bytes for %2").arg(bytes).arg(text.size())));
     }
 
     void lineOfAnObjectListCostsLittle()
@@ -183,8 +184,7 @@ private Q_SLOTS:
         const QByteArrayList measured = measuredInAnotherProcess(file);
         QCOMPARE(measured.size(), 3);
         QCOMPARE(measured[1].toInt(), count);
-        const qint64 empty = measuredInAnotherProcess(CSheetFile("")).value(2).toLongLong();
-        const double each = double(measured[2].toLongLong() - empty) / count;
+        const double each = double(measured[2].toLongLong() - memoryOfAnEmptySheet()) / count;
         QVERIFY2(each < 400, qPrintable(QString("%1 bytes for each line").arg(each)));
     }
 
@@ -206,6 +206,8 @@ private:
         process.waitForFinished(-1); // however long it calculates
         return process.readAllStandardOutput().trimmed().split(' ');
     }
+    // What the process takes for itself: more with one compiler and one version of Qt than with another.
+    static qint64 memoryOfAnEmptySheet() { return measuredInAnotherProcess(CSheetFile("")).value(2).toLongLong(); }
 };
 
 int main(int argc, char** argv)
