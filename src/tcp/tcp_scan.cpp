@@ -5,8 +5,9 @@
 #include "tcp/base64.h"
 
 #include <algorithm>
+#include <cstring>
+#include <iterator>
 #include <limits>
-#include <string_view>
 #include <type_traits>
 
 // The grammar of the items:
@@ -22,7 +23,7 @@
 // Bytes of 128 and above are negative here and end every item.
 
 struct tcp_scan_keyword {
-    std::string_view word;
+    const char* word;
     int token;
 };
 
@@ -110,14 +111,13 @@ static constexpr char tcp_scan_lower(char letter)
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-static constexpr bool tcp_scan_begins(const char* text, std::string_view keyword)
+static constexpr bool tcp_scan_begins(const char* text, const char* keyword)
 {
-    for (const char letter : keyword) {
-        if (*text == '\0' || tcp_scan_lower(*text) != tcp_scan_lower(letter))
-            return false;
+    while (*keyword != '\0' && tcp_scan_lower(*text) == tcp_scan_lower(*keyword)) {
         ++text;
+        ++keyword;
     }
-    return true;
+    return *keyword == '\0';
 }
 
 static constexpr const tcp_scan_keyword& tcp_scan_find(const char* text)
@@ -132,7 +132,7 @@ static constexpr const tcp_scan_keyword& tcp_scan_find(const char* text)
 static constexpr bool tcp_scan_all_found()
 {
     for (const tcp_scan_keyword& row : tcp_scan_keywords)
-        if (&tcp_scan_find(row.word.data()) != &row)
+        if (&tcp_scan_find(row.word) != &row)
             return false;
     return true;
 }
@@ -166,7 +166,7 @@ int token(const char* text, uint32_t* cursor)
     if (lookahead(text, cursor) == -1)
         return -1;
     const tcp_scan_keyword& row = tcp_scan_find(text + *cursor);
-    *cursor += static_cast<uint32_t>(row.word.size());
+    *cursor += static_cast<uint32_t>(std::strlen(row.word));
     return row.token;
 }
 
@@ -323,8 +323,11 @@ int ascii2string(const char* text, uint32_t* cursor, char* buffer, short* length
         ++*cursor;
     const int lowest = quoted ? ' ' : ' ' + 1; // bytes of 128 and above are negative
     for (; static_cast<signed char>(text[*cursor]) >= lowest; ++*cursor) {
-        if (quoted && text[*cursor] == '"' && text[++*cursor] != '"')
-            break;
+        if (quoted && text[*cursor] == '"') {
+            ++*cursor;
+            if (text[*cursor] != '"')
+                break;
+        }
         if (*length + 1 < size)
             buffer[(*length)++] = text[*cursor];
     }
