@@ -28,7 +28,7 @@ if $can; then demo+=-can; fi
 sheet=$PWD/share/velmora/velmora-demo.eds
 node=5
 simulator_log=$demo/velmora-sim.log
-patience=600 # seconds: only ends what would wait for ever, the busiest machine is far below
+patience=600 # seconds: only ends what would wait for ever; the busiest machine needs far less
 started=()
 declare -A needed=() # the programs without which the session cannot go on: their names and processes
 
@@ -48,7 +48,7 @@ someone_ended() {
         if kill -0 "${needed[$name]}" 2> /dev/null; then continue; fi
         status=0
         wait "${needed[$name]}" || status=$?
-        tail -n 5 "$demo/$name.log"
+        tail -n 20 "$demo/$name.log"
         echo "demo.sh: $name ended with status $status" >&2
         unset "needed[$name]"
         any=0
@@ -56,10 +56,18 @@ someone_ended() {
     return $any
 }
 
+# Names for a few seconds all that end: whose windows or keys failed may be about to end, and others with it.
+name_who_ended() {
+    local end=$((SECONDS + 5))
+    while [ ${#needed[@]} -gt 0 ] && ((SECONDS < end)); do
+        someone_ended || sleep 0.05
+    done
+}
+
 # Ends every process that this script has started, the last one first.
 finish() {
     local status=$? n
-    [ $status -eq 0 ] || someone_ended || true
+    [ $status -eq 0 ] || name_who_ended
     for ((n = ${#started[@]} - 1; n >= 0; n--)); do
         kill "${started[n]}" 2> /dev/null || true
         wait "${started[n]}" 2> /dev/null || true
@@ -126,7 +134,8 @@ enter_bus() {
     fi
     local options=(--can)
     if $start_only; then options+=(--start); elif $headless; then options+=(--headless); fi
-    VELMORA_DEMO_ON_BUS=true exec tests/with-vcan ./demo.sh "${options[@]}"
+    VELMORA_DEMO_ON_BUS=true VELMORA_VCAN_TIMEOUT=${VELMORA_VCAN_TIMEOUT:-86400} \
+        exec tests/with-vcan ./demo.sh "${options[@]}"
 }
 
 if ! $on_bus; then

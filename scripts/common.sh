@@ -43,7 +43,11 @@ build() {
     local compiler
     if [ "$1" = asan ]; then compiler=$clang; else compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed"; fi
     stage "Building $1 with $compiler $(major_version "$compiler")"
-    cmake --preset "$1" -D CMAKE_CXX_COMPILER="$compiler" > "build/$1.configure.log" 2>&1 ||
+    # cmake forgets the preset where another compiler has been: then from the beginning.
+    local cached fresh=()
+    cached=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "build/$1/CMakeCache.txt" 2> /dev/null) || true
+    [ "${cached##*/}" = "$compiler" ] || fresh=(--fresh)
+    cmake --preset "$1" "${fresh[@]}" -D CMAKE_CXX_COMPILER="$compiler" > "build/$1.configure.log" 2>&1 ||
         { cat "build/$1.configure.log"; fail "configuring $1 failed"; }
     cmake --build --preset "$1" -j "$(nproc)" > "build/$1.build.log" 2>&1 ||
         { tail -n 60 "build/$1.build.log"; fail "building $1 failed"; }

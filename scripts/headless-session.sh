@@ -33,10 +33,11 @@ window() {
     wait_for activate "$1" || { picture "missing"; fail "no window \"$1\" came up"; }
 }
 
-press() { xdotool key --clearmodifiers --delay 30 "$@"; }
-enter() { xdotool type --clearmodifiers --delay 10 "$1"; }
+hand() { xdotool "$@" || fail "no keys and clicks reach the screen"; }
+press() { hand key --clearmodifiers --delay 30 "$@"; }
+enter() { hand type --clearmodifiers --delay 10 "$1"; }
 # click X Y: in the window that has the keyboard.
-click() { xdotool mousemove --window "$(xdotool getactivewindow)" "$1" "$2" click 1; }
+click() { hand mousemove --window "$(hand getactivewindow)" "$1" "$2" click 1; }
 
 # picture NAME: of the whole screen, when it has come to rest.
 picture() {

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <limits>
 
 namespace
 {
@@ -69,13 +68,14 @@ QByteArray sheetOfRecords(int count)
     return lists + sections;
 }
 
-// Processor time, in ticks; the largest number when it cannot be opened.
+// Processor time, in ticks; -1 when it cannot be opened.
 std::clock_t timeToOpen(const QByteArray& sheet)
 {
     CDocumentUser user;
     const std::clock_t start = std::clock();
     const bool opened = user.open(sheet);
-    return opened ? std::clock() - start : std::numeric_limits<std::clock_t>::max();
+    const std::clock_t ticks = std::clock() - start;
+    return opened ? ticks : -1;
 }
 
 } // namespace
@@ -279,8 +279,8 @@ private Q_SLOTS:
             largeTime = std::min(largeTime, timeToOpen(large));
         }
         const QString times = QString("%1 and %2 ticks").arg(smallTime).arg(largeTime);
-        QVERIFY2(largeTime < 30 * smallTime, qPrintable(times));
-        QVERIFY2(largeTime < 20 * CLOCKS_PER_SEC, qPrintable(times)); // about 20 times what it takes
+        QVERIFY2(smallTime > 0 && largeTime > 0 && largeTime < 30 * smallTime, qPrintable(times));
+        QVERIFY2(largeTime < 100 * CLOCKS_PER_SEC, qPrintable(times)); // about 100 times what it takes
     }
 
     void tenThousandObjectsAreAllThere()

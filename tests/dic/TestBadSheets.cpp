@@ -12,15 +12,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// Ends the test program when the code under test hangs.
-class CDeadline
-{
-public:
-    explicit CDeadline(unsigned seconds) { alarm(seconds); }
-    ~CDeadline() { alarm(0); }
-    Q_DISABLE_COPY_MOVE(CDeadline)
-};
-
 /// Takes the superuser's rights away for a while: it may read every file.
 class COrdinaryUser
 {
@@ -131,7 +122,6 @@ private Q_SLOTS:
     void endlessDevicesDoNotHang()
     {
         QFETCH(QByteArray, device);
-        const CDeadline deadline(20);
         CCANopen dictionary;
         const int result = CCANopenReader(&dictionary, CCANopen::typeEDS).load(device);
         QVERIFY(result == 0 || result == 1);
@@ -153,7 +143,6 @@ private Q_SLOTS:
         CIniReader reader(file.name());
         QCOMPARE(reader.moveToNextItem(), 1);
         QVERIFY(QFile::resize(file.path(), 8));
-        const CDeadline deadline(20);
         int result = 2;
         int items = 1;
         for (; result == 2; ++items)
@@ -166,7 +155,6 @@ private Q_SLOTS:
     {
         const CSheetFile file("[a]\nk=1\n");
         CIniReader reader(file.name());
-        const CDeadline deadline(20);
         QCOMPARE(reader.moveToNextItem(), 1);
         QFile more(file.path());
         QVERIFY(more.open(QIODevice::Append));
@@ -180,7 +168,6 @@ private Q_SLOTS:
 
     void anyBytesLoadOrFail() // the same bytes in every run
     {
-        const CDeadline deadline(60);
         QRandomGenerator random(20);
         for (int round = 0; round < 100; ++round) {
             QByteArray bytes(random.bounded(2000), '\0');
@@ -193,7 +180,6 @@ private Q_SLOTS:
 
     void anyPiecesOfASheetLoadOrFail() // what looks like a sheet gets further than any bytes
     {
-        const CDeadline deadline(60);
         static const char* const pieces[] = { "[",
                                               "]",
                                               "\n",
@@ -240,7 +226,6 @@ private Q_SLOTS:
 private:
     static void expectEmpty(const QString& path)
     {
-        const CDeadline deadline(20);
         CCANopen dictionary;
         QCOMPARE(CCANopenReader(&dictionary, CCANopen::typeEDS).load(QFile::encodeName(path)), 1);
         QCOMPARE(dictionary.getFileName(), path);

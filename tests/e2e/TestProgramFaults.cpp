@@ -26,8 +26,8 @@ const QString otherValue = "983441";
 const QString notRead = "Parameter could not be read.\n\n";
 const QString notSent = "Parameter could not be sent.\n\n";
 
-/// Lets the client's 66 s be over at once, after so many lines from the gateway: for commands that name a certain object.
-/// Whatever else is awaited comes, on a busy machine, too.
+/// Lets the client's 66 s be over at once, after so many lines from the gateway, for commands that name a certain object.
+/// For all other commands the client waits as long as it always does.
 class CImpatience
 {
 public:

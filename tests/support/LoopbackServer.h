@@ -103,7 +103,7 @@ public:
             m_refusing = true;
             ::eventfd_write(m_wake, 1);
         }
-        return await([this] { return m_refused != nullptr; });
+        return await([this] { return m_refused != nullptr && m_refused->port() != 0; });
     }
     /// Returns when the handler has had all that clients sent before the call, and every client that connected or left
     /// is known. Not for the handler.
@@ -194,8 +194,8 @@ private:
         const std::lock_guard lock(m_mutex);
         return m_settleWanted;
     }
-    /// Takes the clients that wait and forgets those that left. `quiet`: nothing had come after so many calls of
-    /// `settle`.
+    /// Takes the clients that wait and forgets those that left. `quiet`: no socket had anything when they were looked at;
+    /// `calls`: how often `settle` had been called before.
     void update(bool quiet, unsigned long calls)
     {
         const std::lock_guard lock(m_mutex);

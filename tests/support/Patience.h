@@ -5,7 +5,8 @@
 #include <QTest>
 
 /// Milliseconds. No test that passes takes so long, on the busiest machine: it only ends one that would otherwise hang.
-/// Less than the 5 minutes after which the test library ends a function without saying what it has waited for.
+/// Less than the 5 minutes after which the test library ends a function without saying what it has waited for, when the
+/// program is started by hand.
 inline constexpr int patience = 120'000;
 
 /// The same as an SDO time-out, where an answer is sure to come.

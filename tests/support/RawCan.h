@@ -107,8 +107,8 @@ public:
     void forget() const { receiveAll(); }
 
 private:
-    /// The kind of an error message that no device sends, another one for each object: nobody hears it who has not
-    /// asked for it.
+    /// The kind of an error message that no device sends, another one for each object. Whoever asks for all error
+    /// messages gets it, too, as any that means nothing.
     static canid_t nextMarker()
     {
         static unsigned count = 0;
@@ -137,8 +137,8 @@ private:
         while (ready < 0 && errno == EINTR);
         return ready > 0;
     }
-    /// Waits until all that was sent so far has reached the sockets of all: until a marker comes back that goes the same
-    /// way behind it.
+    /// Waits until all that was sent so far has reached the sockets of all: until a marker comes back that takes the same
+    /// way after it.
     bool settle() const
     {
         int error = 0; // forgets that the interface was down

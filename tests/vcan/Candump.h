@@ -23,7 +23,7 @@ public:
     }
     ~CCandump() { end(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// Ends it. @return the frames that it has seen, with one or more "7FE#" behind them
+    /// Ends it. @return the frames that it has seen, and one or more "7FE#" after them
     QStringList end()
     {
         awaitFrame("7FE#");

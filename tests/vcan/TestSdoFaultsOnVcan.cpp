@@ -34,7 +34,7 @@ private Q_SLOTS:
     void badAnswerEndsTheTransfer();
     void silentNodeIsATimeOut_data();
     void silentNodeIsATimeOut();
-    void slowNodeIsWaitedForAtEachAnswer();
+    void slowNodeIsWaitedFor();
     void foreignAnswersAreSkipped();
     void lateAnswerIsNotTakenForAnother();
     void doubleAnswersDoNoHarm();
@@ -173,7 +173,7 @@ void TestSdoFaultsOnVcan::silentNodeIsATimeOut()
 }
 
 // That the time-out counts for each answer, and not for the transfer, is shown on the fake bus, which owns the clock.
-void TestSdoFaultsOnVcan::slowNodeIsWaitedForAtEachAnswer()
+void TestSdoFaultsOnVcan::slowNodeIsWaitedFor()
 {
     const QStringList frames = entry.upload(pattern(28));
     for (qsizetype i = 0; i < frames.size(); i += 2)
