@@ -6,6 +6,8 @@
 #include "cop/cop_api.h"
 #include "cop/cop_sdo.h"
 
+#include <QTest>
+
 /// The master is started, its queue is empty and the SDO time-out is 500 ms. All transfers here are about the object
 /// 2008, sub-index 1, of node 5: multiplexor 08 20 01.
 struct CSdoBus : CFakeBus {
