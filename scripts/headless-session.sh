@@ -18,7 +18,6 @@ start_browser() {
     start openbox
     wait_for eval 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' || fail "the window manager did not start"
     start build/release/src/velmora
-    browser=$process
 }
 
 # window TITLE: waits until a window with exactly this title has the keyboard. A window manager that has read a new
@@ -181,7 +180,8 @@ play_session() {
     read_in_all_modes
     send_values
     show_information
-    unset "needed[velmora]"
+    local browser=${needed[velmora]}
+    unset "needed[velmora]" # it may end now
     press ctrl+q
     wait "$browser" || fail "the browser ended with $?"
     if ! $can; then arrived "client 1 disconnected"; fi

@@ -24,24 +24,29 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+/// Binds the TCP socket to a loopback port: any, or a certain one that was in use until now; connections that have ended
+/// may linger there. @return the port; 0 when it could not be had
+inline unsigned short bindToLoopback(int socket, unsigned short port = 0)
+{
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
+    const int yes = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    if (::bind(socket, anyAddress, size) != 0 || ::getsockname(socket, anyAddress, &size) != 0)
+        return 0;
+    return ntohs(address.sin_port);
+}
+
 /// A loopback port that refuses connections: bound, so that no other process gets it, but without a listener.
 class CRefusingPort
 {
 public:
     /// Any port, or a certain one that was in use until now.
-    explicit CRefusingPort(unsigned short port = 0)
-    {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
-        const int yes = 1; // connections that have ended may linger there
-        ::setsockopt(m_socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        if (::bind(m_socket, anyAddress, size) == 0 && ::getsockname(m_socket, anyAddress, &size) == 0)
-            m_port = ntohs(address.sin_port);
-    }
+    explicit CRefusingPort(unsigned short port = 0) : m_port(bindToLoopback(m_socket, port)) {}
     ~CRefusingPort() { ::close(m_socket); }
     CRefusingPort(const CRefusingPort&) = delete;
     CRefusingPort& operator=(const CRefusingPort&) = delete;
@@ -51,7 +56,7 @@ public:
 
 private:
     const int m_socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    unsigned short m_port = 0;
+    const unsigned short m_port;
 };
 
 class CLoopbackServer
@@ -67,16 +72,9 @@ public:
 
     explicit CLoopbackServer(tHandler handler) : m_handler(std::move(handler))
     {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* anyAddress = reinterpret_cast<sockaddr*>(&address);
-        const int yes = 1; // for `refuse`
-        ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-        if (::bind(m_listener, anyAddress, size) == 0 && ::listen(m_listener, SOMAXCONN) == 0 &&
-            ::getsockname(m_listener, anyAddress, &size) == 0)
-            m_port = ntohs(address.sin_port);
+        m_port = bindToLoopback(m_listener);
+        if (::listen(m_listener, SOMAXCONN) != 0)
+            m_port = 0;
         m_thread = std::thread([this] { run(); });
     }
     ~CLoopbackServer()
