@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "GatewayCommands.h"
 
-#include "Product.h"
+#include "base/Product.h"
 #include "SdoLog.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "Options.h"
 
 #include "NumberText.h"
-#include "Product.h"
+#include "base/Product.h"
 #include "SimulatedNode.h"
 
 #include <QCommandLineParser>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "CANopenAccess.h"
 
-#include "ErrorTexts.h"
-#include "Product.h"
+#include "access/ErrorTexts.h"
+#include "base/Product.h"
 #include "cop/cop_api.h"
 #include "cop/cop_nms.h"
 #include "cop/cop_sdo.h"

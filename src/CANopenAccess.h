@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 #include "cop/can_ctrl.h"
 #include "tcp/tcp_open.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "CANopenTypes.h"
 
-#include "DateTimeText.h"
-#include "dic/Assertion.h"
-#include "dic/Digits.h"
+#include "values/DateTimeText.h"
+#include "base/Assertion.h"
+#include "base/Digits.h"
 
 #include <QDateTime>
 

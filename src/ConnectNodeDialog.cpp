@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "ConnectNodeDialog.h"
 
-#include "FieldRow.h"
-#include "MessageBoxes.h"
+#include "widgets/FieldRow.h"
+#include "widgets/MessageBoxes.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceInfoDialog.h"
 
-#include "FieldRow.h"
-#include "WindowTitle.h"
-#include "dic/Assertion.h"
+#include "widgets/FieldRow.h"
+#include "widgets/WindowTitle.h"
+#include "base/Assertion.h"
 #include "dic/CANopen.h"
 
 #include <QDialogButtonBox>

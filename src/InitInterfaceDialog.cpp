@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "InitInterfaceDialog.h"
 
-#include "FieldRow.h"
-#include "MessageBoxes.h"
-#include "Settings.h"
+#include "widgets/FieldRow.h"
+#include "widgets/MessageBoxes.h"
+#include "widgets/Settings.h"
 #include "dic/CANopenDeviceInfo.h"
 
 #include <QComboBox>

@@ -4,13 +4,13 @@
 
 #include "ConnectNodeDialog.h"
 #include "DeviceInfoDialog.h"
-#include "DictionaryListView.h"
-#include "DictionaryTree.h"
-#include "MessageBoxes.h"
-#include "Settings.h"
-#include "WaitCursor.h"
-#include "WindowTitle.h"
-#include "dic/Assertion.h"
+#include "widgets/DictionaryListView.h"
+#include "widgets/DictionaryTree.h"
+#include "widgets/MessageBoxes.h"
+#include "widgets/Settings.h"
+#include "widgets/WaitCursor.h"
+#include "widgets/WindowTitle.h"
+#include "base/Assertion.h"
 #include "dic/CANopenReader.h"
 
 #include <QCheckBox>

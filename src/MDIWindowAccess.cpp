@@ -4,12 +4,12 @@
 
 #include "CANopenAccess.h"
 #include "CANopenTypes.h"
-#include "DictionaryTree.h"
-#include "MessageBoxes.h"
-#include "Settings.h"
-#include "ValueFormats.h"
-#include "WaitCursor.h"
-#include "dic/Assertion.h"
+#include "widgets/DictionaryTree.h"
+#include "widgets/MessageBoxes.h"
+#include "widgets/Settings.h"
+#include "values/ValueFormats.h"
+#include "widgets/WaitCursor.h"
+#include "base/Assertion.h"
 
 #include <QLineEdit>
 #include <QPointer>

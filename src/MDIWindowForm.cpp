@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
-#include "DictionaryListView.h"
-#include "FieldRow.h"
+#include "widgets/DictionaryListView.h"
+#include "widgets/FieldRow.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

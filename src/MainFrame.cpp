@@ -4,10 +4,10 @@
 
 #include "CANopenAccess.h"
 #include "MDIWindow.h"
-#include "MessageBoxes.h"
-#include "Product.h"
-#include "Settings.h"
-#include "WindowTitle.h"
+#include "widgets/MessageBoxes.h"
+#include "base/Product.h"
+#include "widgets/Settings.h"
+#include "widgets/WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>

@@ -3,10 +3,10 @@
 #include "MainFrame.h"
 
 #include "InitInterfaceDialog.h"
-#include "InterfaceText.h"
+#include "access/InterfaceText.h"
 #include "MDIWindow.h"
-#include "MessageBoxes.h"
-#include "WaitCursor.h"
+#include "widgets/MessageBoxes.h"
+#include "widgets/WaitCursor.h"
 
 #include <QMdiArea>
 #include <QPointer>

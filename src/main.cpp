@@ -1,7 +1,7 @@
 // Start-up of the program.
 // SPDX-License-Identifier: MIT
 #include "MainFrame.h"
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QApplication>
 

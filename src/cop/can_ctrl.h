@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 struct can_frame;
 

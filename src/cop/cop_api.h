@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 /// The outcome of the last call of the master, its NMT commands and its SDO client: 0, a negative error code or an SDO
 /// abort code. Every function that returns a status sets it.

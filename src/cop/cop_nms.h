@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 // Each sends one message on the identifier 0x000: a command specifier and the node-id, 1 to 127 or 0 for all nodes. No
 // answer is awaited. They return what cop_transmit returns, or -90 for a node-id above 127, which sends nothing.

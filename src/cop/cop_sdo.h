@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 // Requests go to 0x600 + node-id, answers come from 0x580 + node-id, frames and codes are those of CiA 301. A transfer
 // blocks until it has ended; each awaited answer may take the SDO time-out. Shared results:

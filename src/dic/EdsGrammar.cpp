@@ -10,8 +10,8 @@
 //     space       = { blank | tab }
 #include "dic/EdsGrammar.h"
 
-#include "dic/Assertion.h"
-#include "dic/Digits.h"
+#include "base/Assertion.h"
+#include "base/Digits.h"
 
 #include <algorithm>
 #include <cstdint>

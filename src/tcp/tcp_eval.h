@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 // Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items, what
 // follows the last expected one is not looked at, and the sequence number in brackets may be any. The line is never

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 /// The identity that an application has towards the gateway. Kept by the client; no command carries it.
 struct _top_settings {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 // `text` is zero-terminated and `cursor` an index into it, which every function advances over what it takes, never
 // beyond the end. Except for `character` and `compare` they skip blanks and tabs first. Null pointers count as the end

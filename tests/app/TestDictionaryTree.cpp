@@ -1,6 +1,6 @@
 // The tree of a dictionary: groups, objects and entries, their order, and what an item stands for.
 // SPDX-License-Identifier: MIT
-#include "DictionaryTree.h"
+#include "widgets/DictionaryTree.h"
 
 #include "dic/CANopen.h"
 

@@ -1,6 +1,6 @@
 // Which library an interface text selects, and with which parameters.
 // SPDX-License-Identifier: MIT
-#include "InterfaceText.h"
+#include "access/InterfaceText.h"
 
 #include <QTest>
 

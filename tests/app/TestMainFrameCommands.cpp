@@ -5,7 +5,7 @@
 #include "SheetFile.h"
 #include "TempSettings.h"
 
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QFileInfo>
 #include <QTest>

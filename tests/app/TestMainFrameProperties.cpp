@@ -7,7 +7,7 @@
 #include "TempSettings.h"
 
 #include "CANopenAccess.h"
-#include "Product.h"
+#include "base/Product.h"
 #include "cop/cop_api.h"
 
 #include <QTest>

@@ -1,6 +1,6 @@
 // The message boxes: plain text, whatever a foreign name holds.
 // SPDX-License-Identifier: MIT
-#include "MessageBoxes.h"
+#include "widgets/MessageBoxes.h"
 
 #include "BoxCatcher.h"
 

@@ -1,6 +1,6 @@
 // Tests of the product's identity and of its build number.
 // SPDX-License-Identifier: MIT
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QByteArray>
 #include <QtTest>

@@ -1,6 +1,6 @@
 // The persistent settings: keys, slots, limits and defaults.
 // SPDX-License-Identifier: MIT
-#include "Settings.h"
+#include "widgets/Settings.h"
 
 #include "TempSettings.h"
 

@@ -1,6 +1,6 @@
 // The texts of values in the three display modes.
 // SPDX-License-Identifier: MIT
-#include "ValueFormats.h"
+#include "values/ValueFormats.h"
 
 #include <QTest>
 

@@ -3,7 +3,7 @@
 #include "DemoSheet.h"
 #include "GatewayThread.h"
 #include "LineClient.h"
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QElapsedTimer>
 #include <QMutex>

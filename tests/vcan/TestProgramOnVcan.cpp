@@ -4,7 +4,7 @@
 #include "DemoEntries.h"
 #include "DocumentDriver.h"
 #include "FrameDriver.h"
-#include "Product.h"
+#include "base/Product.h"
 #include "ProgramRun.h"
 #include "RawCan.h"
 #include "SimulatorProcess.h"

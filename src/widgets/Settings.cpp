@@ -1,8 +1,8 @@
 // The persistent settings, stored with QSettings under the organisation alone.
 // SPDX-License-Identifier: MIT
-#include "Settings.h"
+#include "widgets/Settings.h"
 
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QSettings>
 

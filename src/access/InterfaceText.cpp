@@ -1,6 +1,6 @@
 // Reading the text that names a CAN interface.
 // SPDX-License-Identifier: MIT
-#include "InterfaceText.h"
+#include "access/InterfaceText.h"
 
 #include <cstdint>
 #include <cstdio>

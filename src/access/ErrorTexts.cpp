@@ -1,8 +1,8 @@
 // The texts of the error codes and SDO abort codes: two tables and their one look-up.
 // SPDX-License-Identifier: MIT
-#include "ErrorTexts.h"
+#include "access/ErrorTexts.h"
 
-#include "CANopenErrors.h"
+#include "base/CANopenErrors.h"
 
 #include <cstddef>
 #include <string_view>

@@ -6,7 +6,7 @@
 //   time = ' ' blanks hour ':' minute ':' second '.' milliseconds ' ' blanks
 // Each part is a run of digits, 0 when the run is empty. The text may end behind any part, and with blanks behind any
 // part but a first one that stands alone.
-#include "DateTimeText.h"
+#include "values/DateTimeText.h"
 
 #include <QDateTime>
 

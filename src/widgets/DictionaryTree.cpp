@@ -1,8 +1,8 @@
 // The tree of a dictionary: its items are nothing but texts, from which the selected object or entry is read back.
 // SPDX-License-Identifier: MIT
-#include "DictionaryTree.h"
+#include "widgets/DictionaryTree.h"
 
-#include "dic/Assertion.h"
+#include "base/Assertion.h"
 #include "dic/CANopen.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
 // Presses in the tree of a document.
 // SPDX-License-Identifier: MIT
-#include "DictionaryListView.h"
+#include "widgets/DictionaryListView.h"
 
 #include <QKeyEvent>
 

@@ -1,6 +1,6 @@
 // Names and help texts of a field and its label.
 // SPDX-License-Identifier: MIT
-#include "FieldRow.h"
+#include "widgets/FieldRow.h"
 
 #include <QLabel>
 #include <QString>

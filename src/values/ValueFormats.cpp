@@ -1,6 +1,6 @@
 // The text of a value in each display mode.
 // SPDX-License-Identifier: MIT
-#include "ValueFormats.h"
+#include "values/ValueFormats.h"
 
 #include "dic/CANopenObjectEntry.h"
 

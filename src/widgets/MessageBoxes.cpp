@@ -1,8 +1,8 @@
 // Message boxes in plain text.
 // SPDX-License-Identifier: MIT
-#include "MessageBoxes.h"
+#include "widgets/MessageBoxes.h"
 
-#include "Product.h"
+#include "base/Product.h"
 
 #include <QGridLayout>
 #include <QMessageBox>
