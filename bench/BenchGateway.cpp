@@ -1,6 +1,6 @@
 // Exchanges with the simulator's gateway, next to a bare ping-pong of lines of the same length over TCP.
 // SPDX-License-Identifier: MIT
-#include "GatewayThread.h"
+#include "gateway/GatewayThread.h"
 #include "SheetMaker.h"
 #include "tcp/tcp_open.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Faults.h"
 
-#include "CanFaults.h"
-#include "GatewayFaults.h"
-#include "NumberText.h"
+#include "can/CanFaults.h"
+#include "gateway/GatewayFaults.h"
+#include "device/NumberText.h"
 
 #include <algorithm>
 #include <iterator>

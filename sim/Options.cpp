@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
-#include "NumberText.h"
+#include "device/NumberText.h"
 #include "base/Product.h"
-#include "SimulatedNode.h"
+#include "device/SimulatedNode.h"
 
 #include <QCommandLineParser>
 

@@ -1,9 +1,9 @@
 // velmora-sim: simulated CANopen devices behind an ASCII gateway and on CAN.
 // SPDX-License-Identifier: MIT
-#include "CanDevice.h"
+#include "can/CanDevice.h"
 #include "Options.h"
 #include "SignalQuit.h"
-#include "SimulatedGateway.h"
+#include "gateway/SimulatedGateway.h"
 
 #include <QCoreApplication>
 

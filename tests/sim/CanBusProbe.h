@@ -5,7 +5,7 @@
 #include "DemoSheet.h"
 #include "Patience.h"
 #include "SdoFrame.h"
-#include "SimulatedCanBus.h"
+#include "can/SimulatedCanBus.h"
 
 #include <QTest>
 

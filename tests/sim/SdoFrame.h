@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CanFrame.h"
+#include "can/CanFrame.h"
 
 #include <QByteArray>
 #include <QByteArrayList>

@@ -1,6 +1,6 @@
 // The way to an interface of this machine: what cannot be opened. The frames need one (tests/vcan).
 // SPDX-License-Identifier: MIT
-#include "CanDevice.h"
+#include "can/CanDevice.h"
 #include "DemoSheet.h"
 
 #include <QTest>

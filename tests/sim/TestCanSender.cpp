@@ -1,6 +1,6 @@
 // Frames on their way to the bus: their order and their pace.
 // SPDX-License-Identifier: MIT
-#include "CanSender.h"
+#include "can/CanSender.h"
 #include "Patience.h"
 
 #include <QAbstractEventDispatcher>

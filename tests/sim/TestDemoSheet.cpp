@@ -1,7 +1,7 @@
 // The sample data sheet: complete, consistent, and served by the simulator as it stands.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
-#include "SimulatedNetwork.h"
+#include "device/SimulatedNetwork.h"
 
 #include "dic/CANopen.h"
 #include "dic/CANopenReader.h"

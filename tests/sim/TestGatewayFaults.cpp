@@ -1,7 +1,7 @@
 // Misbehaviour on request: how faults are written, what they hit and what arrives at the client.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
-#include "GatewayThread.h"
+#include "gateway/GatewayThread.h"
 #include "LineClient.h"
 
 #include <QElapsedTimer>

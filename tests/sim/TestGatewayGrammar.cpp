@@ -1,6 +1,6 @@
 // The command grammar of the gateway: which lines are commands, with which arguments.
 // SPDX-License-Identifier: MIT
-#include "GatewayCommands.h"
+#include "gateway/GatewayCommands.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 // The data type words of the gateway: texts of values to bytes and back.
 // SPDX-License-Identifier: MIT
-#include "GatewayTypes.h"
+#include "gateway/GatewayTypes.h"
 
 #include <QTest>
 

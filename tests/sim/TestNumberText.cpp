@@ -1,6 +1,6 @@
 // Numbers in commands and data sheets.
 // SPDX-License-Identifier: MIT
-#include "NumberText.h"
+#include "device/NumberText.h"
 
 #include <QTest>
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
 #include "SdoFrame.h"
-#include "SdoLog.h"
-#include "SdoServer.h"
-#include "SimulatedNetwork.h"
+#include "device/SdoLog.h"
+#include "can/SdoServer.h"
+#include "device/SimulatedNetwork.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 // The simulated devices by their node-ids: what can be added, and that each device is one of its own.
 // SPDX-License-Identifier: MIT
 #include "SheetFile.h"
-#include "SimulatedNetwork.h"
+#include "device/SimulatedNetwork.h"
 
 #include <QTest>
 

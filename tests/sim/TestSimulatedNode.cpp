@@ -1,7 +1,7 @@
 // The object store of a simulated device: access rights, widths, limits, stored values and NMT states.
 // SPDX-License-Identifier: MIT
 #include "SheetFile.h"
-#include "SimulatedNetwork.h"
+#include "device/SimulatedNetwork.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 // Data types as bytes: defaults and limits of data sheets, and their order.
 // SPDX-License-Identifier: MIT
-#include "ValueTypes.h"
+#include "device/ValueTypes.h"
 
 #include <QTest>
 #include <QTimeZone>

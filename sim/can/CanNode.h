@@ -1,0 +1,58 @@
+// A simulated device on CAN: its SDO server, boot-up message and heartbeat.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "can/CanFaults.h"
+#include "device/Log.h"
+#include "device/SimulatedNode.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+/// What all devices on a bus share. `log` is empty when nothing is to be logged.
+struct tCanContext {
+    std::function<void(const tCanFrames&)> send;
+    QList<tFault> faults;
+    tLog log;
+};
+
+/// Listens to its device: also what another front-end changes there shows on the bus.
+class CCanNode : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Answers that may be held back at a time; more are lost.
+    static constexpr int delayedLimit = 1000;
+
+    /// `node` and `context` are borrowed and must outlive this.
+    CCanNode(unsigned nodeId, CSimulatedNode& node, tCanContext& context, QObject* parent);
+    ~CCanNode() override;
+    Q_DISABLE_COPY_MOVE(CCanNode)
+
+    /// Sends the boot-up message and begins with the heartbeat.
+    void start();
+
+    /// Takes the data of a frame to the SDO server. A stopped device does not answer.
+    void receiveSdo(const QByteArray& request);
+
+private:
+    void hear(tNodeEvent event);
+    void endSdo();
+    void followHeartbeatTime();
+    void sendState(unsigned state);
+    void answer(const tCanFrames& frames, int delay);
+
+    unsigned m_nodeId;
+    CSimulatedNode& m_node;
+    tCanContext& m_context;
+    CSdoServer m_server;
+    const tFault* m_fault = nullptr; // of the transfer under way
+    QTimer m_heartbeat;
+    // The context of the answers held back, without which they are not sent, and how many they are.
+    std::unique_ptr<QObject> m_delays = std::make_unique<QObject>();
+    int m_delayed = 0;
+};

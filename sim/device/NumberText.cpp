@@ -1,0 +1,67 @@
+// Numbers in the texts that the simulator reads: gateway commands, data sheets and fault options.
+// SPDX-License-Identifier: MIT
+#include "device/NumberText.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <charconv>
+
+namespace
+{
+
+// digits = one or more digits of the base, nothing else
+std::optional<quint64> readDigits(const QByteArray& digits, int base)
+{
+    quint64 value = 0;
+    const char* end = digits.constData() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.constData(), end, value, base);
+    if (digits.isEmpty() || stop != end || error != std::errc())
+        return std::nullopt;
+    return value;
+}
+
+// decimal = [ "+" | "-" ] digits
+std::optional<tNumber> readDecimal(const QByteArray& text)
+{
+    const bool negative = text.startsWith('-');
+    const auto magnitude = readDigits(negative || text.startsWith('+') ? text.mid(1) : text, 10);
+    const quint64 limit = negative ? quint64{ 1 } << 63 : ~quint64{ 0 };
+    if (!magnitude || *magnitude > limit)
+        return std::nullopt;
+    return tNumber{ negative ? ~*magnitude + 1 : *magnitude, negative, false };
+}
+
+// pattern = "0x" digits | "0" digits
+std::optional<tNumber> readPattern(const QByteArray& text)
+{
+    const bool hexadecimal = text[1] == 'x' || text[1] == 'X';
+    const auto bits = hexadecimal ? readDigits(text.mid(2), 16) : readDigits(text.mid(1), 8);
+    if (!bits)
+        return std::nullopt;
+    return tNumber{ *bits, false, true };
+}
+
+} // namespace
+
+std::optional<tNumber> readNumber(QStringView text)
+{
+    const QByteArray plain = text.trimmed().toLatin1();
+    return plain.size() > 1 && plain[0] == '0' ? readPattern(plain) : readDecimal(plain);
+}
+
+std::optional<tNumber> readTerms(QStringView text, unsigned nodeId)
+{
+    if (const auto number = readNumber(text))
+        return number;
+    tNumber sum{ 0, false, true };
+    const auto terms = text.split(u'+');
+    for (QStringView term : terms) {
+        const bool node = term.trimmed().compare(u"$NODEID", Qt::CaseInsensitive) == 0;
+        const auto number = node ? tNumber{ nodeId, false, true } : readNumber(term);
+        if (!number || number->negative)
+            return std::nullopt;
+        sum.bits += number->bits;
+    }
+    return sum;
+}

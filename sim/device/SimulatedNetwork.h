@@ -1,0 +1,32 @@
+// The simulated devices by their node-ids. Every front-end serves the same devices.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "device/SimulatedNode.h"
+
+#include <QList>
+#include <QString>
+
+#include <map>
+#include <memory>
+
+class CSimulatedNetwork
+{
+public:
+    /// Adds a device that serves the data sheet `fileName`.
+    /// @return an empty text, or what is wrong: the node-id (out of range or taken) or the file (unreadable, with a
+    /// syntax error, without objects)
+    QString add(unsigned nodeId, const QString& fileName);
+
+    /// The device with this node-id; null when there is none. It belongs to the network.
+    CSimulatedNode* node(unsigned nodeId) const;
+
+    /// The node-ids of all devices, in rising order.
+    QList<unsigned> nodeIds() const;
+
+    /// Sends an NMT command to one device or, with 0, to all. It is not confirmed: an absent device is no error.
+    void command(unsigned nodeId, tNmtCommand command);
+
+private:
+    std::map<unsigned, std::unique_ptr<CSimulatedNode>> m_nodes;
+};

@@ -1,0 +1,197 @@
+// One simulated CANopen device: the object store behind its SDO server, and its NMT state.
+// SPDX-License-Identifier: MIT
+#include "device/SimulatedNode.h"
+
+#include "dic/CANopen.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+using tAccess = CCANopenObjectEntry;
+
+constexpr unsigned firstCommunicationIndex = 0x1000;
+constexpr unsigned lastCommunicationIndex = 0x1FFF;
+constexpr unsigned lastIndex = 0xFFFF;
+
+unsigned keyOf(unsigned index, unsigned subIndex)
+{
+    return index << 8 | subIndex;
+}
+
+// Objects that act on a signature written to one of their sub-indexes (1 and above).
+struct tSignature {
+    unsigned index;
+    quint32 signature;
+    bool stores;
+};
+
+constexpr tSignature signatures[] = {
+    { 0x1010, 0x65766173, true },  // "save": the values survive a reset
+    { 0x1011, 0x64616F6C, false }, // "load": the next reset brings the defaults back
+};
+
+// What a sub-index of 0x1010 and 0x1011 stands for. Other sub-indexes accept the signature and have no parameters.
+struct tParameterRange {
+    unsigned subIndex;
+    unsigned first;
+    unsigned last;
+};
+
+constexpr tParameterRange parameterRanges[] = {
+    { 1, 0x0000, lastIndex },                               // all parameters
+    { 2, firstCommunicationIndex, lastCommunicationIndex }, // communication
+    { 3, 0x6000, 0x9FFF },                                  // device profile
+    { 4, 0x2000, 0x5FFF },                                  // manufacturer
+};
+
+struct tNmtRow {
+    tNmtCommand command;
+    tNmtState state;
+    tNodeEvent event;
+    unsigned firstReset; // the values of these indexes are put back; none when first is above last
+    unsigned lastReset;
+};
+
+constexpr tNmtRow nmtRows[] = {
+    { nmtStart, stateOperational, nodeChanged, 1, 0 },
+    { nmtStop, stateStopped, nodeChanged, 1, 0 },
+    { nmtPreOperational, statePreOperational, nodeChanged, 1, 0 },
+    { nmtResetNode, statePreOperational, nodeRestarted, 0, lastIndex },
+    { nmtResetCommunication, statePreOperational, nodeRestarted, firstCommunicationIndex, lastCommunicationIndex },
+};
+
+} // namespace
+
+CSimulatedNode::CSimulatedNode(unsigned nodeId, const CCANopen& dictionary)
+{
+    for (const auto& object : dictionary.m_objectArray) {
+        if (!m_objects.insert(object->getIndex()).second)
+            continue;
+        for (const auto& entry : object->m_objectEntryArray)
+            m_entries.emplace(keyOf(object->getIndex(), entry->getSubindex()), describe(*entry, nodeId));
+    }
+}
+
+CSimulatedNode::tEntry CSimulatedNode::describe(const CCANopenObjectEntry& source, unsigned nodeId)
+{
+    const int access = source.getAccess();
+    tEntry entry;
+    entry.type = valueType(source.getDataType());
+    entry.readable = access != tAccess::accessWO;
+    entry.writable = access != tAccess::accessRO && access != tAccess::accessCONST;
+    entry.defaultValue = defaultFromText(source.getDefaultValue(), entry.type, nodeId);
+    entry.value = entry.defaultValue;
+    entry.lowLimit = limitFromText(source.getLowLimit(), entry.type, nodeId);
+    entry.highLimit = limitFromText(source.getHighLimit(), entry.type, nodeId);
+    if (entry.type.kind == kindBoolean && entry.highLimit.isEmpty())
+        entry.highLimit = QByteArray(1, '\1');
+    return entry;
+}
+
+tSdoData CSimulatedNode::read(unsigned index, unsigned subIndex) const
+{
+    if (const tAbortCode missing = findEntry(index, subIndex))
+        return { missing, {} };
+    const tEntry& entry = m_entries.at(keyOf(index, subIndex));
+    if (!entry.readable)
+        return { abortWriteOnly, {} };
+    return { abortNone, entry.value };
+}
+
+tAbortCode CSimulatedNode::write(unsigned index, unsigned subIndex, const QByteArray& data)
+{
+    tAbortCode result = checkWrite(index, subIndex, data.size());
+    if (result != abortNone || storeOrRestore(index, subIndex, data, &result))
+        return result;
+    tEntry& entry = m_entries.at(keyOf(index, subIndex));
+    result = checkLimits(entry, data);
+    if (result != abortNone)
+        return result;
+    entry.value = data;
+    tell(nodeChanged);
+    return abortNone;
+}
+
+tAbortCode CSimulatedNode::checkWrite(unsigned index, unsigned subIndex, std::optional<qsizetype> length) const
+{
+    if (const tAbortCode missing = findEntry(index, subIndex))
+        return missing;
+    const tEntry& entry = m_entries.at(keyOf(index, subIndex));
+    if (!entry.writable)
+        return abortReadOnly;
+    if (length && entry.type.width != 0 && *length != entry.type.width)
+        return *length > entry.type.width ? abortLengthHigh : abortLengthLow;
+    return abortNone;
+}
+
+QByteArray CSimulatedNode::value(unsigned index, unsigned subIndex) const
+{
+    const auto found = m_entries.find(keyOf(index, subIndex));
+    return found == m_entries.end() ? QByteArray() : found->second.value;
+}
+
+std::optional<tValueType> CSimulatedNode::typeOf(unsigned index, unsigned subIndex) const
+{
+    const auto found = m_entries.find(keyOf(index, subIndex));
+    return found == m_entries.end() ? std::nullopt : std::optional(found->second.type);
+}
+
+void CSimulatedNode::command(tNmtCommand command)
+{
+    const auto row = std::find_if(std::begin(nmtRows), std::end(nmtRows),
+                                  [command](const tNmtRow& each) { return each.command == command; });
+    resetValues(row->firstReset, row->lastReset);
+    m_state = row->state;
+    tell(row->event);
+}
+
+tAbortCode CSimulatedNode::findEntry(unsigned index, unsigned subIndex) const
+{
+    if (m_objects.count(index) == 0)
+        return abortNoObject;
+    return m_entries.count(keyOf(index, subIndex)) == 0 ? abortNoSubIndex : abortNone;
+}
+
+tAbortCode CSimulatedNode::checkLimits(const tEntry& entry, const QByteArray& data) const
+{
+    if (!entry.highLimit.isEmpty() && isBelow(entry.highLimit, data, entry.type))
+        return abortValueHigh;
+    if (!entry.lowLimit.isEmpty() && isBelow(data, entry.lowLimit, entry.type))
+        return abortValueLow;
+    return abortNone;
+}
+
+// True when the entry is one that stores or restores; `result` then tells how that went.
+bool CSimulatedNode::storeOrRestore(unsigned index, unsigned subIndex, const QByteArray& data, tAbortCode* result)
+{
+    const auto signature = std::find_if(std::begin(signatures), std::end(signatures),
+                                        [index](const tSignature& each) { return each.index == index; });
+    if (signature == std::end(signatures) || subIndex == 0)
+        return false;
+    const bool signedRight = numberOf(data, { kindUnsigned, 4 }) == signature->signature;
+    *result = signedRight ? abortNone : abortNotStored;
+    for (const tParameterRange& range : parameterRanges) {
+        if (!signedRight || range.subIndex != subIndex)
+            continue;
+        for (auto& [key, entry] : m_entries)
+            if (entry.writable && key >> 8 >= range.first && key >> 8 <= range.last)
+                entry.storedValue = signature->stores ? std::optional(entry.value) : std::nullopt;
+    }
+    return true;
+}
+
+void CSimulatedNode::resetValues(unsigned first, unsigned last)
+{
+    for (auto& [key, entry] : m_entries)
+        if (key >> 8 >= first && key >> 8 <= last)
+            entry.value = entry.storedValue.value_or(entry.defaultValue);
+}
+
+void CSimulatedNode::tell(tNodeEvent event) const
+{
+    if (m_listener)
+        m_listener(event);
+}

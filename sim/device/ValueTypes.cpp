@@ -1,0 +1,190 @@
+// The data types of dictionary entries as bytes: their widths, the values in data sheets, and comparison with limits.
+// SPDX-License-Identifier: MIT
+#include "device/ValueTypes.h"
+
+#include "dic/CANopenObjectEntry.h"
+
+#include <QDateTime>
+#include <QTimeZone>
+
+#include <algorithm>
+#include <bit>
+#include <iterator>
+
+namespace
+{
+
+using tEntryType = CCANopenObjectEntry;
+
+struct tTypeRow {
+    int dataType;
+    tValueType type;
+};
+
+constexpr tTypeRow typeRows[] = {
+    { tEntryType::typeBoolean, { kindBoolean, 1 } },
+    { tEntryType::typeInteger8, { kindSigned, 1 } },
+    { tEntryType::typeInteger16, { kindSigned, 2 } },
+    { tEntryType::typeInteger32, { kindSigned, 4 } },
+    { tEntryType::typeUnsigned8, { kindUnsigned, 1 } },
+    { tEntryType::typeUnsigned16, { kindUnsigned, 2 } },
+    { tEntryType::typeUnsigned32, { kindUnsigned, 4 } },
+    { tEntryType::typeReal32, { kindReal, 4 } },
+    { tEntryType::typeVisibleString, { kindText, 0 } },
+    { tEntryType::typeOctetString, { kindOctets, 0 } },
+    { tEntryType::typeDate, { kindDate, 7 } },
+    { tEntryType::typeTimeOfDay, { kindTimeOfDay, 6 } },
+    { tEntryType::typeTimeDifference, { kindTimeOfDay, 6 } },
+    { tEntryType::typeDomain, { kindOctets, 0 } },
+    { tEntryType::typeInteger24, { kindSigned, 3 } },
+    { tEntryType::typeReal64, { kindReal, 8 } },
+    { tEntryType::typeInteger40, { kindSigned, 5 } },
+    { tEntryType::typeInteger48, { kindSigned, 6 } },
+    { tEntryType::typeInteger56, { kindSigned, 7 } },
+    { tEntryType::typeInteger64, { kindSigned, 8 } },
+    { tEntryType::typeUnsigned24, { kindUnsigned, 3 } },
+    { tEntryType::typeUnsigned40, { kindUnsigned, 5 } },
+    { tEntryType::typeUnsigned48, { kindUnsigned, 6 } },
+    { tEntryType::typeUnsigned56, { kindUnsigned, 7 } },
+    { tEntryType::typeUnsigned64, { kindUnsigned, 8 } },
+};
+
+bool isNumeric(tValueType type)
+{
+    return type.kind == kindBoolean || type.kind == kindSigned || type.kind == kindUnsigned;
+}
+
+// octets = pairs of hexadecimal digits, blanks anywhere
+std::optional<QByteArray> octetsFromText(const QString& text)
+{
+    QByteArray digits = text.toLatin1();
+    digits.replace(' ', "");
+    const bool pairs = digits.size() % 2 == 0 && std::all_of(digits.cbegin(), digits.cend(), [](char c) {
+                           return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+                       });
+    if (!pairs)
+        return std::nullopt;
+    return QByteArray::fromHex(digits);
+}
+
+QByteArray dateBytes(const QDateTime& moment)
+{
+    const QDate date = moment.date();
+    const QTime time = moment.time();
+    const auto byte = [](int value) { return static_cast<quint64>(value) & 0xFF; };
+    const int milliseconds = time.second() * 1000 + time.msec();
+    return littleEndian(static_cast<quint64>(milliseconds), 2) + littleEndian(byte(time.minute()), 1) +
+           littleEndian(byte(time.hour()), 1) + littleEndian(byte(date.day() | date.dayOfWeek() << 5), 1) +
+           littleEndian(byte(date.month()), 1) + littleEndian(byte(date.year() % 100), 1);
+}
+
+QByteArray timeOfDayBytes(const QDateTime& moment)
+{
+    const QDateTime epoch(QDate(1984, 1, 1), QTime(0, 0), QTimeZone::utc());
+    const qint64 milliseconds = std::max<qint64>(0, epoch.msecsTo(moment));
+    constexpr qint64 day = 86400000;
+    return littleEndian(static_cast<quint64>(milliseconds % day), 4) +
+           littleEndian(static_cast<quint64>(milliseconds / day), 2);
+}
+
+QByteArray momentFromText(const QString& text, tValueType type)
+{
+    const auto octets = octetsFromText(text);
+    if (octets && octets->size() == type.width)
+        return *octets;
+    const QDateTime moment = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
+    if (!moment.isValid())
+        return QByteArray(type.width, '\0');
+    return type.kind == kindDate ? dateBytes(moment) : timeOfDayBytes(moment);
+}
+
+} // namespace
+
+tValueType valueType(int dataType)
+{
+    const auto row = std::find_if(std::begin(typeRows), std::end(typeRows),
+                                  [dataType](const tTypeRow& each) { return each.dataType == dataType; });
+    return row == std::end(typeRows) ? tValueType{ kindOctets, 0 } : row->type;
+}
+
+bool fits(const tNumber& number, tValueType type)
+{
+    const quint64 mask = ~quint64{ 0 } >> (64 - 8 * type.width);
+    if (type.kind != kindSigned)
+        return !number.negative && number.bits <= mask;
+    if (number.negative)
+        return ~number.bits <= mask >> 1;
+    return number.bits <= (number.pattern ? mask : mask >> 1);
+}
+
+QByteArray littleEndian(quint64 bits, int width)
+{
+    QByteArray bytes;
+    for (int i = 0; i < width; ++i)
+        bytes.append(static_cast<char>(bits >> (8 * i) & 0xFF));
+    return bytes;
+}
+
+quint64 numberOf(const QByteArray& bytes, tValueType type)
+{
+    const qsizetype width = std::min<qsizetype>(bytes.size(), 8);
+    quint64 bits = 0;
+    for (qsizetype i = 0; i < width; ++i)
+        bits |= static_cast<quint64>(static_cast<unsigned char>(bytes[i])) << (8 * i);
+    const bool negative = type.kind == kindSigned && width > 0 && (bits >> (8 * width - 1) & 1) != 0;
+    return negative && width < 8 ? bits | ~quint64{ 0 } << (8 * width) : bits;
+}
+
+double realOf(const QByteArray& bytes)
+{
+    const quint64 bits = numberOf(bytes, { kindUnsigned, 0 });
+    if (bytes.size() == 4)
+        return static_cast<double>(std::bit_cast<float>(static_cast<quint32>(bits)));
+    return std::bit_cast<double>(bits);
+}
+
+std::optional<QByteArray> realFromText(const QString& text, int width)
+{
+    const auto number = readNumber(text);
+    if (number && number->pattern)
+        return littleEndian(number->bits, width);
+    bool ok = false;
+    const QString plain = text.trimmed();
+    const quint64 bits =
+        width == 4 ? std::bit_cast<quint32>(plain.toFloat(&ok)) : std::bit_cast<quint64>(plain.toDouble(&ok));
+    if (!ok)
+        return std::nullopt;
+    return littleEndian(bits, width);
+}
+
+QByteArray defaultFromText(const QString& text, tValueType type, unsigned nodeId)
+{
+    if (type.kind == kindText)
+        return text.toLatin1();
+    if (type.kind == kindOctets)
+        return octetsFromText(text).value_or(text.toLatin1());
+    if (type.kind == kindDate || type.kind == kindTimeOfDay)
+        return momentFromText(text, type);
+    if (type.kind == kindReal)
+        return realFromText(text, type.width).value_or(QByteArray(type.width, '\0'));
+    return littleEndian(readTerms(text, nodeId).value_or(tNumber()).bits, type.width);
+}
+
+QByteArray limitFromText(const QString& text, tValueType type, unsigned nodeId)
+{
+    if (type.kind == kindReal)
+        return realFromText(text, type.width).value_or(QByteArray());
+    if (!isNumeric(type))
+        return QByteArray();
+    const auto number = readTerms(text, nodeId);
+    return number && fits(*number, type) ? littleEndian(number->bits, type.width) : QByteArray();
+}
+
+bool isBelow(const QByteArray& a, const QByteArray& b, tValueType type)
+{
+    if (type.kind == kindReal)
+        return realOf(a) < realOf(b);
+    // Turning the sign bit round puts two's complement numbers in the order of unsigned ones.
+    const quint64 bias = type.kind == kindSigned ? quint64{ 1 } << 63 : 0;
+    return (numberOf(a, type) ^ bias) < (numberOf(b, type) ^ bias);
+}

@@ -1,0 +1,50 @@
+// The data types of dictionary entries as bytes: their widths, the values in data sheets, and comparison with limits.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "device/NumberText.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+enum tValueKind { kindBoolean, kindSigned, kindUnsigned, kindReal, kindText, kindOctets, kindDate, kindTimeOfDay };
+
+/// How a value is laid out. `width` is in bytes; 0 stands for any length.
+struct tValueType {
+    tValueKind kind;
+    int width;
+};
+
+/// The layout of a CANopen data type, given by its index (5 = UNSIGNED8). Unknown types are octets of any length.
+tValueType valueType(int dataType);
+
+/// Whether `number` is a value of the type: in its range, or a bit pattern of its width. Numeric kinds only.
+bool fits(const tNumber& number, tValueType type);
+
+/// The low `width` bytes (1 to 8) of `bits`, least significant byte first, as on the bus.
+QByteArray littleEndian(quint64 bits, int width);
+
+/// The number that up to 8 bytes hold, least significant byte first. Signed kinds are extended from their sign.
+quint64 numberOf(const QByteArray& bytes, tValueType type);
+
+/// The floating-point number in 4 or 8 bytes.
+double realOf(const QByteArray& bytes);
+
+/// The bytes of a number written with a decimal point or exponent, or as the bit pattern in hexadecimal ("0x3F800000").
+/// `width` is 4 or 8.
+std::optional<QByteArray> realFromText(const QString& text, int width);
+
+/// The bytes of a DefaultValue text. What is missing or does not read is zero, or empty for types of any length;
+/// numbers are cut to the width. Texts are Latin-1. Octets are pairs of hexadecimal digits ("01 2A FF") or, where they
+/// are not, the characters of the text. Dates and times are octets or "2026-01-31 12:00:00.000"; TIME_OF_DAY means
+/// local time.
+QByteArray defaultFromText(const QString& text, tValueType type, unsigned nodeId);
+
+/// The bytes of a LowLimit or HighLimit text; empty when there is none or it is outside of the type, where it limits
+/// nothing.
+QByteArray limitFromText(const QString& text, tValueType type, unsigned nodeId);
+
+/// Whether value `a` is below value `b`. Both have the width of the type, which is a numeric one.
+bool isBelow(const QByteArray& a, const QByteArray& b, tValueType type);

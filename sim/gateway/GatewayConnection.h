@@ -1,0 +1,52 @@
+// One client of the gateway: its lines in, the answers out, and the faults on the way.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "gateway/GatewayCommands.h"
+#include "gateway/GatewayFaults.h"
+#include "device/Log.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QTcpSocket>
+
+/// What all connections of a gateway share. `log` is empty when nothing is to be logged.
+struct tGatewayContext {
+    CGatewayCommands& commands;
+    QList<tFault> faults;
+    tLog log;
+};
+
+/// Commands of one client are answered in their order, one at a time; a late answer holds the next command back.
+class CGatewayConnection : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Lines that are longer get an error and are skipped to their end.
+    static constexpr qsizetype longestLine = 65536;
+
+    /// Takes over the connected `socket`. The connection deletes itself when the client is gone. `name` is for the log.
+    CGatewayConnection(QTcpSocket* socket, tGatewayContext& context, const QByteArray& name, QObject* parent);
+
+private:
+    void process();
+    bool takeLine(QByteArray& line);
+    void handleLine(const QByteArray& line);
+    void execute(const tGatewayRequest& request);
+    void deliver(const tFault* fault, const QByteArray& lines);
+    void trickle();
+    void log(const QByteArray& text) const;
+
+    QTcpSocket* m_socket;
+    tGatewayContext& m_context;
+    QByteArray m_name;
+    QByteArray m_input;
+    qsizetype m_taken = 0;        // characters of m_input that are done
+    qsizetype m_scanned = 0;      // characters of m_input that hold no line end that was not taken
+    QByteArray m_head;            // the beginning of a line that is too long
+    bool m_skipping = false;      // until the end of a line that is too long
+    bool m_busy = false;          // an answer is on its way
+    tGatewayRequest m_unfinished; // when it awaits data, its data line comes next
+    QByteArray m_output;          // what is sent one byte at a time
+};

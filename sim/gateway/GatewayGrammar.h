@@ -1,0 +1,87 @@
+// The command grammar of the ASCII gateway: one line to the rule that it follows and its arguments.
+// SPDX-License-Identifier: MIT
+//
+//   line      = "[" sequence "]" command
+//   command   = node "read" index sub-index type          node "start"        "init" bit-rate
+//             | node "write" index sub-index type value   node "stop"         "set" "sdo_timeout" milliseconds
+//             | "send" identifier length EOL data         node "preop..."     "info" topic
+//             | "send" identifier "rtr" length            node "reset" what   "receive"
+//   data      = one number for each byte, on the line that follows; the line is there also without data and when
+//               something else is wrong with the command
+//
+// Words are written in upper or lower case; some have a short form ("r" for "read"). Numbers are decimal, "0x"
+// hexadecimal or "0" octal. Items stand apart by blanks or tabs.
+#pragma once
+
+#include "gateway/GatewayTypes.h"
+
+#include <QByteArray>
+
+/// The bytes that a CAN message carries at most.
+constexpr quint32 longestMessage = 8;
+
+class CGatewayCommands;
+struct tGatewayAnswer;
+struct tGatewayRequest;
+
+/// Error numbers that the gateway answers with.
+enum tGatewayError {
+    gatewayNoError = 0,
+    gatewayNotSupported = 100,
+    gatewaySyntax = 101,
+    gatewayState = 102,   // not processed because of the internal state
+    gatewayTimeOut = 103, // the device did not answer
+    gatewayNode = 107,    // no such node-id
+};
+
+enum tArgument {
+    argNone,
+    argIndex,
+    argSubIndex,
+    argType,
+    argValue,
+    argIdentifier,
+    argRtr,
+    argLength,
+    argBitRate,
+    argTime
+};
+
+/// What belongs to a command besides its words and arguments.
+enum tForm {
+    formPlain,
+    formNode,     // a node-id before the words
+    formDataLine, // the line that follows
+};
+
+/// One command: its words (alternatives divided by '|'), what follows them, and who carries it out.
+struct tGatewayRule {
+    const char* words;
+    tGatewayAnswer (CGatewayCommands::*handler)(const tGatewayRequest&);
+    tArgument arguments[4];
+    int parameter; // what the handler needs to know of its rule
+    tForm form;
+};
+
+/// One command line, read. The numbers stand in the order of the rule's arguments.
+struct tGatewayRequest {
+    const tGatewayRule* rule = nullptr; // null when the line follows none
+    tGatewayError error = gatewayNoError;
+    quint32 sequence = 0; // 0 also when the line has none
+    quint32 node = 0;
+    quint32 index = 0;
+    quint32 subIndex = 0;
+    quint32 number = 0; // the bit rate, time, or message length
+    quint32 identifier = 0;
+    const tGatewayType* type = nullptr;
+    QByteArray data;         // the value of a write, the bytes of a message
+    bool awaitsData = false; // its data line comes next, also when there is an error
+
+    bool isSdo() const { return type != nullptr; }
+};
+
+/// Reads a command line without its line end. When the request then awaits data, the next line goes to `readDataLine`.
+tGatewayRequest readRequest(const QByteArray& line);
+
+/// Reads the data line of a request that awaits it. Too few, too many or wrong numbers set the request's error.
+void readDataLine(const QByteArray& line, tGatewayRequest& request);

@@ -1,0 +1,40 @@
+// A gateway with its devices in a thread of its own, for clients that block theirs: tests and benchmarks.
+// SPDX-License-Identifier: MIT
+#include "gateway/GatewayThread.h"
+
+CGatewayThread::~CGatewayThread()
+{
+    if (!m_thread.isRunning())
+        return;
+    QMetaObject::invokeMethod(
+        m_context.get(), [this] { m_gateway.reset(); }, Qt::BlockingQueuedConnection);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+QString CGatewayThread::addFault(const QString& text)
+{
+    QString message;
+    if (const auto fault = readFault(text, &message))
+        m_faults += *fault;
+    return message;
+}
+
+QString CGatewayThread::start(quint16 port)
+{
+    m_context = std::make_unique<QObject>();
+    m_context->moveToThread(&m_thread);
+    m_thread.start();
+    QString trouble;
+    QMetaObject::invokeMethod(
+        m_context.get(),
+        [&] {
+            m_gateway = std::make_unique<CSimulatedGateway>(m_network);
+            m_gateway->setFaults(m_faults);
+            m_gateway->setLog(m_log);
+            trouble = m_gateway->listen(port);
+            m_port = m_gateway->port();
+        },
+        Qt::BlockingQueuedConnection);
+    return trouble;
+}

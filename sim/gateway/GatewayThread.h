@@ -1,0 +1,44 @@
+// A gateway with its devices in a thread of its own, for clients that block theirs: tests and benchmarks.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "gateway/SimulatedGateway.h"
+
+#include <QStringList>
+#include <QThread>
+
+#include <memory>
+
+/// Example: `CGatewayThread gateway; gateway.addNode(5, "demo.eds"); gateway.start(); connectTo(gateway.port());`
+class CGatewayThread
+{
+public:
+    CGatewayThread() = default;
+    ~CGatewayThread();
+    Q_DISABLE_COPY_MOVE(CGatewayThread)
+
+    /// Before `start`. @return an empty text, or what is wrong with the node-id or the data sheet
+    QString addNode(unsigned nodeId, const QString& fileName) { return m_network.add(nodeId, fileName); }
+
+    /// Before `start`: a fault as on the command line, such as "silence@2000:1". @return an empty text, or what is
+    /// wrong
+    QString addFault(const QString& text);
+
+    /// Before `start`: `log` is called in the gateway's thread.
+    void setLog(const tLog& log) { m_log = log; }
+
+    /// Accepts clients on the local host from now on, until destroyed. @return an empty text, or why it cannot listen
+    QString start(quint16 port = 0);
+
+    /// The port listened on; 0 before `start`.
+    quint16 port() const { return m_port; }
+
+private:
+    CSimulatedNetwork m_network;
+    QList<tFault> m_faults;
+    tLog m_log;
+    QThread m_thread;
+    std::unique_ptr<QObject> m_context; // lives in the thread: what runs there is called on it
+    std::unique_ptr<CSimulatedGateway> m_gateway;
+    quint16 m_port = 0;
+};
