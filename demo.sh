@@ -124,8 +124,8 @@ shows_windows() { [ "$1" = namespace ] && [[ ${DISPLAY:-} == :* || -n ${WAYLAND_
 enter_bus() {
     local way
     export VELMORA_VCAN_INTERFACES=vcan0
-    tests/with-vcan --way > /dev/null 2>&1 || install_missing "${can_packages[@]}"
-    way=$(tests/with-vcan --way)
+    scripts/vcan/with-vcan --way > /dev/null 2>&1 || install_missing "${can_packages[@]}"
+    way=$(scripts/vcan/with-vcan --way)
     stage "Entering a CAN bus: $way"
     if [ "$way" != host ] && ! $headless && ! shows_windows "$way"; then
         echo "The way to vcan0 on this machine ($way) shows no windows: the session is played without them."
@@ -135,7 +135,7 @@ enter_bus() {
     local options=(--can)
     if $start_only; then options+=(--start); elif $headless; then options+=(--headless); fi
     VELMORA_DEMO_ON_BUS=true VELMORA_VCAN_TIMEOUT=${VELMORA_VCAN_TIMEOUT:-86400} \
-        exec tests/with-vcan ./demo.sh "${options[@]}"
+        exec scripts/vcan/with-vcan ./demo.sh "${options[@]}"
 }
 
 if ! $on_bus; then

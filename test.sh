@@ -31,9 +31,9 @@ suite() {
 # The tests on vcan0, `way` as with-vcan names it.
 suite_on_vcan() {
     stage "Testing with-vcan: $way"
-    tests/vcan/check-with-vcan || fail "tests/with-vcan does not do what it should"
+    tests/vcan/check-with-vcan || fail "scripts/vcan/with-vcan does not do what it should"
     stage "Testing on vcan0: $way"
-    tests/with-vcan ctest --preset vcan 2>&1 | tee build/vcan.ctest.log || fail "tests on vcan0 failed"
+    scripts/vcan/with-vcan ctest --preset vcan 2>&1 | tee build/vcan.ctest.log || fail "tests on vcan0 failed"
     summaries+=("vcan0: $(grep 'tests passed' build/vcan.ctest.log)")
 }
 
@@ -77,7 +77,7 @@ else
         install_missing "${can_packages[@]}"
         # These tests make interfaces of their own and buffer many frames: other users may do that in there only.
         [ "$(id -u)" -eq 0 ] || export VELMORA_VCAN=${VELMORA_VCAN:-uml}
-        way=$(tests/with-vcan --way) || fail "there is no vcan0 here; ./test.sh --without-can leaves out what needs it"
+        way=$(scripts/vcan/with-vcan --way) || fail "there is no vcan0 here; ./test.sh --without-can leaves out what needs it"
     fi
     format
     suite dev

@@ -203,7 +203,7 @@ void compare(benchmark::State& state, TCanBus kind, const tTask& task)
 {
     CCanBus bus(kind);
     if (!bus.isOpen())
-        return state.SkipWithError("no vcan0 here; tests/with-vcan has one");
+        return state.SkipWithError("no vcan0 here; scripts/vcan/with-vcan has one");
     if (!task.onFullBus)
         bus.answer();
     tTimes own, bare;

@@ -4,7 +4,7 @@
 
 build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
-can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for tests/with-vcan and the tests that run there
+can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan and the tests that run there
 test_packages=(git "${demo_packages[@]}")
 find_gcc > /dev/null || build_packages+=(g++)
 find_clang > /dev/null || test_packages+=(clang)

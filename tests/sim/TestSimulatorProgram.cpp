@@ -1,7 +1,7 @@
 // The program itself: its options, messages, exit statuses and log.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
-#include "LineClient.h"
+#include "gateway/LineClient.h"
 #include "SimulatorProcess.h"
 
 #include <QProcess>

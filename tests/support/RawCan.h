@@ -31,7 +31,7 @@ public:
         if (if_nametoindex(interface) != 0 && CRawCan(interface).isOpen())
             return QByteArray();
         return QByteArray("There is no CAN interface ") + interface +
-               " here, or no right to buffer its frames. Run this test as tests/with-vcan COMMAND.";
+               " here, or no right to buffer its frames. Run this test as scripts/vcan/with-vcan COMMAND.";
     }
 
     explicit CRawCan(const char* interface = "vcan0") : m_socket(open(interface)), m_echo(open(interface))

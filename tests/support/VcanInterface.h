@@ -7,7 +7,7 @@
 
 #include <net/if.h>
 
-/// There and up from construction to destruction. Needs the right to make interfaces, which tests/with-vcan gives where
+/// There and up from construction to destruction. Needs the right to make interfaces, which scripts/vcan/with-vcan gives where
 /// it makes vcan0 itself.
 class CVcanInterface
 {
@@ -30,7 +30,8 @@ public:
 
     static const char* trouble()
     {
-        return "No interface can be made here: run the test where VELMORA_VCAN=uml tests/with-vcan COMMAND does.";
+        return "No interface can be made here: run the test where VELMORA_VCAN=uml scripts/vcan/with-vcan COMMAND "
+               "does.";
     }
 
 private:
