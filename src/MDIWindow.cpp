@@ -44,7 +44,7 @@ CMDIWindow::CMDIWindow(QWidget* parent, const char* name, Qt::WindowFlags flags)
 {
     setObjectName(QLatin1String(name));
     createWidgets();
-    m_dataAccess.m_displayMode = static_cast<TDisplayMode>(settings::displayMode());
+    m_dataAccess.m_displayMode = settings::displayMode();
     checkDisplayModeButton();
     resize(QSize(720, 400).expandedTo(minimumSizeHint()));
 }

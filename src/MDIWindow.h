@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dic/CANopen.h"
+#include "values/ValueFormats.h"
 
 #include <QMainWindow>
 
@@ -21,8 +22,8 @@ class CMDIWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    /// How values are shown. Any other number, as a foreign settings file may hold it, shows as hexadecimal.
-    enum TDisplayMode : int { modeHex = 0, modeDec = 1, modeOct = 2 };
+    using TDisplayMode = valueFormats::TDisplayMode;
+    using enum valueFormats::TDisplayMode;
 
     struct tObjectDescription {
         QLineEdit *m_nameLineEdit, *m_codeLineEdit, *m_typeLineEdit;
@@ -92,7 +93,7 @@ private:
     void fillEntryPart(const CCANopenObjectEntry& entry);
 
     const CCANopenObjectEntry* selectedEntry(const QString& boxTitle);
-    QString failureText(const char* action) const;
+    QString failureText(int outcome, const char* action) const;
     void reportFailure(const QString& title, const QString& text, const QString& outcome);
     void showValue(const QString& text);
     void setDisplayMode(TDisplayMode mode);

@@ -10,16 +10,16 @@ namespace
 using entry = CCANopenObjectEntry;
 using namespace valueFormats;
 
-// One row a data type, one column a display mode, in the order of the modes' numbers.
-constexpr int modeDecimal = 1;
-constexpr int modeOctal = 2; // every other mode is hexadecimal
-
+// One row a data type, one column a display mode.
 struct tFormats {
     const char* hexadecimal;
     const char* decimal;
     const char* octal;
 
-    const char* of(int mode) const { return mode == modeDecimal ? decimal : mode == modeOctal ? octal : hexadecimal; }
+    const char* of(TDisplayMode mode) const
+    {
+        return mode == modeDec ? decimal : mode == modeOct ? octal : hexadecimal;
+    }
 };
 
 struct tIntegerFormat {
@@ -34,7 +34,7 @@ struct tIntegerFormat {
 constexpr tIntegerFormat integerFormats[] = {
     { entry::typeInteger8,    8, true,  { "0x%02lX",  "%+li", "%03lo"  }, { "0x%02lX", "%+li", "%03lo"  } },
     { entry::typeInteger16,  16, true,  { "0x%04lX",  "%+li", "%06lo"  }, { "0x%04lX", "%+li", "%06lo"  } },
-    // Kept: read values have the widths of octal and hexadecimal exchanged; users compare them with stored protocols.
+    // Kept: a value that was read has the widths of octal and hexadecimal exchanged: compatible behaviour.
     { entry::typeInteger32,  32, true,  { "0x%011lX", "%+li", "%06lo"  }, { "0x%08lX", "%+li", "%011lo" } },
     { entry::typeUnsigned8,   8, false, { "0x%02lX",  "%lu",  "%03lo"  }, { "0x%02lX", "%lu",  "%03lo"  } },
     { entry::typeUnsigned16, 16, false, { "0x%04lX",  "%lu",  "%06lo"  }, { "0x%04lX", "%lu",  "%06lo"  } },
@@ -52,7 +52,7 @@ long signedValue(unsigned long value, int bits)
 
 } // namespace
 
-QString valueFormats::integer(int type, tDirection direction, std::uint32_t bits, int mode)
+QString valueFormats::integer(int type, tDirection direction, std::uint32_t bits, TDisplayMode mode)
 {
     for (const tIntegerFormat& row : integerFormats) {
         if (row.type != type)
@@ -60,14 +60,14 @@ QString valueFormats::integer(int type, tDirection direction, std::uint32_t bits
         const tFormats& formats = direction == sent ? row.whenSent : row.whenRead;
         const unsigned long value = bits & (0xFFFFFFFFUL >> (32 - row.bits));
         // Hexadecimal and octal show the bits of a negative value, in its own width.
-        if (row.isSigned && mode == modeDecimal)
+        if (row.isSigned && mode == modeDec)
             return QString::asprintf(formats.decimal, signedValue(value, row.bits));
         return QString::asprintf(formats.of(mode), value);
     }
     return QString();
 }
 
-QString valueFormats::bytes(const std::uint8_t* data, int length, int mode)
+QString valueFormats::bytes(const std::uint8_t* data, int length, TDisplayMode mode)
 {
     QString text;
     for (int position = 0; position < length; ++position)

@@ -72,14 +72,14 @@ void settings::setUsedInterfaces(const QStringList& interfaces)
     writeSlots(usedInterfaceKey, interfaces);
 }
 
-int settings::displayMode()
+valueFormats::TDisplayMode settings::displayMode()
 {
-    return CUserSettings().value(displayKey(), 0).toInt();
+    return static_cast<valueFormats::TDisplayMode>(CUserSettings().value(displayKey(), valueFormats::modeHex).toInt());
 }
 
-void settings::setDisplayMode(int mode)
+void settings::setDisplayMode(valueFormats::TDisplayMode mode)
 {
-    CUserSettings().setValue(displayKey(), mode);
+    CUserSettings().setValue(displayKey(), int{ mode });
 }
 
 QStringList settings::promoted(const QStringList& list, const QString& name)

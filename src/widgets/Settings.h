@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "values/ValueFormats.h"
+
 #include <QStringList>
 
 namespace settings
@@ -13,16 +15,16 @@ inline constexpr int listSlots = 10;
 /// The recently used files, most recent first: the used slots in order. A missing or empty slot counts as unused.
 QStringList recentFiles();
 
-/// Writes the list to the slots 1 upwards, at most ten elements. Slots behind it keep what they hold.
+/// Writes the list to the slots 1 upwards, at most ten elements. Slots after the last one written keep their value.
 void setRecentFiles(const QStringList& files);
 
 /// The interfaces that could be initialised, most recent first; stored like the recent files.
 QStringList usedInterfaces();
 void setUsedInterfaces(const QStringList& interfaces);
 
-/// The number of the display mode: 0 hexadecimal (default), 1 decimal, 2 octal; other numbers as stored.
-int displayMode();
-void setDisplayMode(int mode);
+/// The display mode, stored as its number; hexadecimal when there is none. Another number comes as it is stored.
+valueFormats::TDisplayMode displayMode();
+void setDisplayMode(valueFormats::TDisplayMode mode);
 
 /// `list` with `name` in front, held only once. Compares case-sensitively.
 QStringList promoted(const QStringList& list, const QString& name);

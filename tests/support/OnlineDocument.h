@@ -2,24 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "CANopenAccess.h"
 #include "DocumentUser.h"
-#include "FakeGateway.h"
-
-/// A gateway and a facade that is connected to it.
-struct CGatewayLink {
-    CFakeGateway gateway;
-    CCANopenAccess access;
-
-    CGatewayLink()
-    {
-        _top_param address = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
-        if (!access.initialize(700, -1, &address, 0))
-            qFatal("no connection to the scripted gateway");
-    }
-    /// Nothing when the script was played exactly, otherwise what differed.
-    QString difference() const { return gateway.finished() ? QString() : QString::fromStdString(gateway.problem()); }
-};
+#include "GatewayLink.h"
 
 /// The document of `sheet`, connected to `node`. Selecting an entry that can be read is a command to the gateway, too.
 ///

@@ -12,7 +12,9 @@ class TestValueFormats : public QObject
     Q_OBJECT
 
     enum { integer8 = 2, integer16 = 3, integer32 = 4, unsigned8 = 5, unsigned16 = 6, unsigned32 = 7 };
-    enum { hex = 0, dec = 1, oct = 2 };
+    static constexpr auto hex = valueFormats::modeHex;
+    static constexpr auto dec = valueFormats::modeDec;
+    static constexpr auto oct = valueFormats::modeOct;
 
 private Q_SLOTS:
     void integersShowInTheirFormat_data()
@@ -107,9 +109,10 @@ private Q_SLOTS:
     void unknownModesAreHexadecimal()
     {
         QFETCH(const int, mode);
+        const auto unknown = static_cast<valueFormats::TDisplayMode>(mode);
         const std::uint8_t data[] = { 0x0A };
-        QCOMPARE(valueFormats::integer(integer8, asRead, 10, mode), QString("0x0A"));
-        QCOMPARE(valueFormats::bytes(data, 1, mode), QString("0x0A "));
+        QCOMPARE(valueFormats::integer(integer8, asRead, 10, unknown), QString("0x0A"));
+        QCOMPARE(valueFormats::bytes(data, 1, unknown), QString("0x0A "));
     }
 
     void otherTypesHaveNoIntegerText_data()
@@ -121,7 +124,7 @@ private Q_SLOTS:
     void otherTypesHaveNoIntegerText()
     {
         QFETCH(const int, type);
-        for (const int mode : { hex, dec, oct })
+        for (const auto mode : { hex, dec, oct })
             QCOMPARE(valueFormats::integer(type, asRead, 1, mode), QString());
     }
 

@@ -19,7 +19,7 @@ private Q_SLOTS:
     {
         QCOMPARE(settings::recentFiles(), QStringList());
         QCOMPARE(settings::usedInterfaces(), QStringList());
-        QCOMPARE(settings::displayMode(), 0);
+        QCOMPARE(settings::displayMode(), valueFormats::modeHex);
     }
 
     void recentFilesStandInNumberedSlots()
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void theSettingsFileHasItsOldForm()
     {
         settings::setRecentFiles({ "/tmp/a.eds" });
-        settings::setDisplayMode(2);
+        settings::setDisplayMode(valueFormats::modeOct);
         QCOMPARE(QFileInfo(m_store->fileName()).fileName(), QString("Brask Works.conf"));
         QFile file(m_store->fileName());
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -78,9 +78,9 @@ private Q_SLOTS:
 
     void displayModeIsStoredAsANumber()
     {
-        settings::setDisplayMode(1);
+        settings::setDisplayMode(valueFormats::modeDec);
         QCOMPARE(m_store->value("Settings/Display"), QString("1"));
-        QCOMPARE(settings::displayMode(), 1);
+        QCOMPARE(settings::displayMode(), valueFormats::modeDec);
     }
 
     void aForeignDisplayModeReadsAsStoredOrAsZero_data()
@@ -97,14 +97,14 @@ private Q_SLOTS:
     {
         QFETCH(const QVariant, stored);
         m_store->setValue("Settings/Display", stored);
-        QTEST(settings::displayMode(), "mode");
+        QTEST(int{ settings::displayMode() }, "mode");
     }
 
     void anUnwritableFileCostsNothing()
     {
         qputenv("XDG_CONFIG_HOME", "/dev/null/none");
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null/none");
-        settings::setDisplayMode(2);
+        settings::setDisplayMode(valueFormats::modeOct);
         settings::setRecentFiles({ "a" });
         QCOMPARE(QFileInfo::exists("/dev/null/none"), false);
     }
