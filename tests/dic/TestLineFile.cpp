@@ -19,6 +19,11 @@ private Q_SLOTS:
         };
         row("UTF-8", "[a]\nk=\xC2\xB5m \xE2\x82\xAC \xF0\x9F\x98\x80\n", { QString::fromUtf8("1 a k=µm € 😀"), "-1" });
         row("byte order mark", "\xEF\xBB\xBF[a]\nk=\xC3\xA4\n", { QString::fromUtf8("1 a k=ä"), "-1" });
+        row("byte order mark in a value",
+            "\xEF\xBB\xBF[a]\nk=\xEF\xBB\xBF"
+            "5\n",
+            { QString("1 a k=") + QChar(0xFEFF) + '5', "-1" });
+        row("two byte order marks", "\xEF\xBB\xBF\xEF\xBB\xBF[a]\nk=1\n", { "0 in line 1" });
         row("byte order mark only", "\xEF\xBB\xBF", { "-1" });
         row("Windows-1252", "[a]\nk=\xB5m \x80 \x9F\n", { QString::fromUtf8("1 a k=µm € Ÿ"), "-1" });
         row("Windows-1252 in names",

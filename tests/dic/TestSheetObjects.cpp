@@ -51,6 +51,15 @@ private Q_SLOTS:
         QCOMPARE(sheet[0]->getName(), QString(""));
     }
 
+    void byteOrderMarkInsideAValueBelongsToIt() // only the one at the start of the file is dropped
+    {
+        const QByteArray mark = "\xEF\xBB\xBF";
+        const CLoadedSheet sheet(mark + variable("DefaultValue=" + mark + "5\nLowLimit=" + mark));
+        QCOMPARE(sheet.result, 1);
+        QCOMPARE(sheet.entry(0, 0).getDefaultValue(), QChar(0xFEFF) + QString("5"));
+        QCOMPARE(sheet.entry(0, 0).getLowLimit(), QString(QChar(0xFEFF)));
+    }
+
     void variableHasOneEntryWithItsName()
     {
         const CLoadedSheet sheet("[MandatoryObjects]\n1=0x1000\n[1000]\nParameterName=Device Type\nObjectType=0x7\n"
