@@ -4,7 +4,8 @@
 //     object      = index                                    1 to 4 digits
 //     entry       = index "sub" subindex                     4 digits; 1 or 2 digits or "0"
 //     number      = space ( decimal | hexadecimal | octal ) space
-//     decimal     = [ "+" ] digit { digit }                  without "+" the first digit is not 0
+//     decimal     = digit { digit }                          the first digit is not 0
+//                 | "+" { digit }                            not at the end of the text
 //     hexadecimal = "0" ( "x" | "X" ) { digit }
 //     octal       = "0" { digit }
 //     space       = { blank | tab }
@@ -99,7 +100,8 @@ constexpr bool takeNumber(std::string_view& text, Number& value)
 {
     if (takeOneOf(text, "0"))
         return takeDigits(text, takeOneOf(text, "xX") ? 16 : 8, value);
-    takeOneOf(text, "+");
+    if (takeOneOf(text, "+")) // Kept: needs a character after it, which may be a blank; "+ " is 0: compatible behaviour
+        return !text.empty() && takeDigits(text, 10, value);
     return startsWithDigit(text, 10) && takeDigits(text, 10, value);
 }
 

@@ -295,6 +295,10 @@ private:
         numberRow("+0000000000255", { 255, 255, 255 });
         numberRow("+00000000000256", { -1, 256, 256 });
         numberRow("+", { -1, -1, -1 });
+        numberRow(" +", { -1, -1, -1 });
+        numberRow("+ ", { 0, 0, 0 });
+        numberRow("\t+ \t", { 0, 0, 0 });
+        numberRow("+ x", { -1, -1, -1 });
         numberRow("++1", { -1, -1, -1 });
         numberRow("+ 1", { -1, -1, -1 });
         numberRow("+-1", { -1, -1, -1 });
