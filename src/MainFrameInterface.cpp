@@ -27,7 +27,7 @@ std::optional<QString> versionText(CCANopenAccess& access, tVersionGetter getter
     std::array<char, 100> buffer = {};
     if (!(access.*getter)(buffer.data(), static_cast<short>(buffer.size())))
         return std::nullopt;
-    return QString::fromLatin1(buffer.data(), static_cast<qsizetype>(qstrnlen(buffer.data(), buffer.size())));
+    return QString::fromUtf8(buffer.data(), static_cast<qsizetype>(qstrnlen(buffer.data(), buffer.size())));
 }
 
 // What the properties box shows, fetched up to the first text that fails; nothing then.
@@ -71,8 +71,10 @@ void CMainFrame::interfaceInitialize()
     const QString failure = QStringLiteral("Error %1: Interface '%2' could not be initialized!\n\n\t%3")
                                 .arg(QString::number(m_CANopen->getLastError()), QString::fromUtf8(text),
                                      QString::fromLatin1(m_CANopen->getErrorText(0)));
-    deleteAccess(); // before the box: this frame may be gone after it
+    const QPointer<CMainFrame> self(this);
     messageBox::critical(this, messageBox::titleOf("Initialize Interface"), failure);
+    if (!self.isNull()) // the box may outlive the frame
+        deleteAccess();
 }
 
 // Opens the interface with the facade that exists, or else with a new one.

@@ -44,6 +44,9 @@ private Q_SLOTS:
     void failureShowsABoxWithItsReason();
     void withoutInterfaceTextTheFacadeRefuses();
     void failureDeletesTheFacade();
+    void failureShowsItsBoxBeforeItDeletesTheFacade();
+    void frameMayGoWhileTheBoxOfAFailureIsOpen_data();
+    void frameMayGoWhileTheBoxOfAFailureIsOpen();
     void failureTakesTheFacadeFromTheDocuments();
     void afterAFailureInitialisingWorksAgain();
     void documentsStayOfflineAfterALaterSuccess();
@@ -168,6 +171,53 @@ void TestMainFrameInterface::failureDeletesTheFacade()
     catcher.clear();
     driver.choose("&Interface", "&Properties...");
     QCOMPARE(catcher.only().text, notInitialized);
+}
+
+void TestMainFrameInterface::failureShowsItsBoxBeforeItDeletesTheFacade()
+{
+    const CBoxCatcher catcher;
+    CFrameDriver driver;
+    const CWhenShown<QMessageBox> whileOpen([&](QMessageBox* box) {
+        if (box->windowTitle() == boxTitle)
+            driver.frame.interfaceProperties(); // as long as there is a facade, it is asked
+    });
+    driver.initialize("nocan0");
+    QCOMPARE(catcher.count(), 2);
+    QCOMPARE(catcher.boxes()[0].text, failureOf(-10000, "nocan0", fallback));
+    QCOMPARE(catcher.boxes()[1].text, QString("Error ?: Properties could not be retrieved!"));
+    driver.frame.interfaceProperties();
+    QCOMPARE(catcher.boxes().last().text, notInitialized);
+}
+
+void TestMainFrameInterface::frameMayGoWhileTheBoxOfAFailureIsOpen_data()
+{
+    QTest::addColumn<bool>("deleted");
+    QTest::newRow("closed") << false;
+    QTest::newRow("deleted") << true;
+}
+
+void TestMainFrameInterface::frameMayGoWhileTheBoxOfAFailureIsOpen()
+{
+    QFETCH(const bool, deleted);
+    const CSheetFile sheet(sheetText);
+    const CBoxCatcher catcher;
+    CFakeGateway gateway;
+    auto driver = std::make_unique<CFrameDriver>();
+    driver->initialize(loopback(gateway));
+    driver->open(sheet.name(), 5);
+    const QPointer<CMainFrame> frame = &driver->frame;
+    const CWhenShown<CInitInterfaceDialog> dialog(
+        [](CInitInterfaceDialog* shown) { inDialog::enterInterface(shown, "nocan0"); });
+    const CWhenShown<QMessageBox> whileOpen([&](QMessageBox*) {
+        QVERIFY(frame->close());
+        if (deleted)
+            driver.reset();
+    });
+    frame->interfaceInitialize();
+    QCOMPARE(catcher.only().text, failureOf(-10000, "nocan0", fallback));
+    QCOMPARE(frame.isNull(), deleted);
+    QVERIFY(deleted || !frame->isVisible());
+    QVERIFY(gateway.awaitClosed());
 }
 
 void TestMainFrameInterface::failureTakesTheFacadeFromTheDocuments()

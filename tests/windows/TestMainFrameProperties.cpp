@@ -31,6 +31,7 @@ private Q_SLOTS:
     void propertiesWithoutInterface();
     void propertiesShowTheTextsOfTheGateway_data();
     void propertiesShowTheTextsOfTheGateway();
+    void propertiesShowTheInterfaceOfTheMaster_data();
     void propertiesShowTheInterfaceOfTheMaster();
     void propertiesThatFail_data();
     void propertiesThatFail();
@@ -90,18 +91,27 @@ void TestMainFrameProperties::propertiesShowTheTextsOfTheGateway()
     QCOMPARE(catcher.only().format, Qt::PlainText);
 }
 
+void TestMainFrameProperties::propertiesShowTheInterfaceOfTheMaster_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : { "can0", "K\xC3\xB6ln0", "\xE2\x82\xAC-\xC3\x9F" })
+        QTest::newRow(name) << QString::fromUtf8(name);
+}
+
 void TestMainFrameProperties::propertiesShowTheInterfaceOfTheMaster()
 {
+    QFETCH(const QString, name);
     const CBoxCatcher catcher;
     CFakeBus bus;
+    bus.interfaces = { { name.toStdString(), 7 } };
     CFrameDriver driver;
-    driver.initialize("can0");
+    driver.initialize(name);
     driver.choose("&Interface", "&Properties...");
     QCOMPARE(catcher.only().title, propertiesTitle);
     QCOMPARE(catcher.only().text,
-             QString("Hardware: interface=\"can0\", family=29, type=3, protocol=1\nFirmware: %1\nSoftware: %2\n"
-                     "Copyright %3\n")
-                 .arg(cop_software(), cop_version(), product::copyright));
+             QString("Hardware: interface=\"%1\", family=29, type=3, protocol=1\nFirmware: %2\nSoftware: %3\n"
+                     "Copyright %4\n")
+                 .arg(name, cop_software(), cop_version(), product::copyright));
     QCOMPARE(catcher.only().icon, QMessageBox::Information);
     QCOMPARE(catcher.only().format, Qt::PlainText);
     QVERIFY(!catcher.only().waitCursor);
