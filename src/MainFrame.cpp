@@ -63,6 +63,7 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
+    statusBar(); // creates it
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(QIcon(QStringLiteral(":/images/program.png")));
 
@@ -70,6 +71,7 @@ CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags)
     createMenus();
     createToolBar();
     createWorkspace();
+    connectActionsAndMenus();
     connect(this, &QWidget::windowTitleChanged, this, &CMainFrame::keepCaption);
 
     resize(initialSize);

@@ -66,6 +66,7 @@ private:
     void addItems(QWidget* bar, const char* const* items);
     void createToolBar();
     void createWorkspace();
+    void connectActionsAndMenus();
     void keepCaption(const QString& title);
 
     void openFile(const QString& fileName);

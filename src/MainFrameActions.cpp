@@ -145,7 +145,6 @@ void CMainFrame::createActions()
             action->setIcon(iconOf(row.icon));
         if (row.member != nullptr)
             this->*row.member = action;
-        connect(action, &QAction::triggered, this, [this, handler = row.handler] { handler(*this); });
     }
     // Kept: actions are enabled only when their menu is about to show; users open the Device menu once for the button.
     m_deviceInfoAction->setEnabled(false);
@@ -163,8 +162,6 @@ void CMainFrame::createMenus()
         addItems(menu, row.items);
         if (row.member != nullptr)
             this->*row.member = menu;
-        if (row.aboutToShow != nullptr)
-            connect(menu, &QMenu::aboutToShow, this, row.aboutToShow);
         if (row.member != &CMainFrame::m_fileListMenu)
             menuBar()->addMenu(menu);
     }
@@ -176,6 +173,16 @@ void CMainFrame::createToolBar()
     QToolBar* toolBar = addToolBar(QStringLiteral("File Operations"));
     toolBar->setObjectName(QStringLiteral("file operations tool bar"));
     addItems(toolBar, toolBarItems);
+}
+
+void CMainFrame::connectActionsAndMenus()
+{
+    for (const tAction& row : actions)
+        connect(findChild<QAction*>(QLatin1String(row.name)), &QAction::triggered, this,
+                [this, handler = row.handler] { handler(*this); });
+    for (const tMenu& row : menus)
+        if (row.aboutToShow != nullptr)
+            connect(this->*row.member, &QMenu::aboutToShow, this, row.aboutToShow);
 }
 
 void CMainFrame::addItems(QWidget* bar, const char* const* items)

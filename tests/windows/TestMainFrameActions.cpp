@@ -84,6 +84,7 @@ private Q_SLOTS:
     void menusHoldTheirItemsInOrder();
     void toolBarHoldsFileOperations();
     void toolButtonsShowTheActions();
+    void frameIsBuiltFromItsStatusBarToItsWorkspace();
     void frameIsNamedMainWindow();
     void nameOfTheCallerIsKept();
     void frameHasTheIconOfTheProgram();
@@ -187,6 +188,17 @@ void TestMainFrameActions::toolButtonsShowTheActions()
         QVERIFY(bar->widgetForAction(action)->isVisible());
         QCOMPARE(bar->widgetForAction(action)->toolTip(), action->toolTip());
     }
+}
+
+void TestMainFrameActions::frameIsBuiltFromItsStatusBarToItsWorkspace()
+{
+    const CMainFrame frame;
+    QStringList parts; // the kinds of its children, in the order in which they were created
+    for (const QObject* child : frame.children())
+        for (const char* kind : { "QStatusBar", "QAction", "QMenu", "QMenuBar", "QToolBar", "QFrame" })
+            if (child->metaObject()->className() == QByteArray(kind) && !parts.contains(kind))
+                parts << kind;
+    QCOMPARE(parts, QStringList({ "QStatusBar", "QAction", "QMenu", "QMenuBar", "QToolBar", "QFrame" }));
 }
 
 void TestMainFrameActions::frameIsNamedMainWindow()
