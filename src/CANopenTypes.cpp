@@ -28,7 +28,7 @@ void skipBlanks(const char*& text)
         ++text;
 }
 
-// False when the number exceeds `limit`; it then holds what was read until then.
+// False when the number exceeds `limit`; `number` then holds the digits before the one that is too much.
 bool readDigits(const char*& text, std::uint32_t base, std::uint32_t limit, std::uint32_t& number)
 {
     for (std::uint32_t digit = digitOf(*text); digit < base; digit = digitOf(*++text)) {
@@ -62,8 +62,7 @@ bool readInteger(const char* text, Value& value)
         }
     } else if (negative || *text == '+') {
         limit = negative ? largest + 1 : largest;
-        // Kept: a sign needs a character behind it, be it a blank: "- " has always been 0, as "0x" is, in users' value
-        // lists.
+        // Kept: a sign needs a character after it, which may be a blank: "- " is 0, as "0x" is: compatible behaviour.
         if (*++text == '\0')
             return false;
     }
@@ -102,7 +101,7 @@ constexpr std::int64_t daysTo1984 = 5113;               // from 1970-01-01 to 19
 constexpr std::int64_t secondsTo2038 = 2145916800;      // from 1970-01-01
 static_assert(daysTo1984 * secondsPerDay == 441763200); // seconds from 1970-01-01 to 1984-01-01
 
-// The moment that `text` gives, with the year in full; two digits are the first such year from `firstYear` on.
+// The moment that `text` gives, with its full year. Two digits stand for the first such year from `firstYear` on.
 bool readMoment(const char* text, int firstYear, tMoment& moment)
 {
     moment = dateTimeText::currentMoment();
@@ -122,7 +121,7 @@ bool readDate(const char* text, SDO_t_DATE& value)
     if (!readMoment(text, 1970, moment))
         return false;
     const auto byte = [](int number) { return static_cast<std::uint8_t>(number); };
-    // Kept: of the milliseconds only the low byte is sent; devices that are set this way expect a zero in the high one.
+    // Kept: of the milliseconds only the low byte is sent, the high one is 0: compatible behaviour.
     value = { .data = { byte(moment.second * 1000 + moment.millisecond), 0, byte(moment.minute), byte(moment.hour),
                         byte(moment.day), byte(moment.month), byte(moment.year % 100) } };
     return true;
@@ -140,9 +139,9 @@ bool readTimeOfDay(const char* text, SDO_t_TIME_OF_DAY& value)
     local.tm_hour = moment.hour;
     local.tm_min = moment.minute;
     local.tm_sec = moment.second;
-    local.tm_isdst = 0; // Kept: standard time also in summer; stored values of devices were set this way.
+    local.tm_isdst = 0; // Kept: taken as standard time also in summer: compatible behaviour
     const std::int64_t seconds = std::mktime(&local);
-    // Kept: east of Greenwich the first hours of 1984 lie before day 0; they wrap to day 65535 as device clocks do.
+    // Kept: east of Greenwich the first hours of 1984 lie before day 0, and are sent as day 65535.
     value.member.days = static_cast<std::uint16_t>(seconds / secondsPerDay - daysTo1984);
     value.member.msec = static_cast<std::uint32_t>(seconds % secondsPerDay * 1000 + moment.millisecond);
     return true;
@@ -209,7 +208,7 @@ bool CCANopenTypes::date2ascii(SDO_t_DATE value, QString& string)
     }
     const QTime time(member.hour, member.minutes, member.milliseconds / 1000, member.milliseconds % 1000);
     const QDate date(member.year + (member.year > 69 ? 1900 : 2000), member.month, member.day_of_month);
-    // Apart from each other: as one local moment, a time that is skipped when summer begins would be shifted.
+    // Two texts, not one local moment: that would shift a time that daylight saving skips.
     string =
         date.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char(' ') + time.toString(QStringLiteral("hh:mm:ss.zzz"));
     return true;
@@ -220,7 +219,7 @@ bool CCANopenTypes::timeOfDay2ascii(SDO_t_TIME_OF_DAY value, QString& string)
     std::int64_t seconds = (value.member.days + daysTo1984) * secondsPerDay + value.member.msec / 1000;
     if (seconds > secondsTo2038)
         seconds = 0;
-    // Kept: whole seconds; users know the milliseconds of a time of day as 000.
+    // Kept: shows whole seconds, and 000 for the milliseconds: compatible behaviour.
     string = QDateTime::fromSecsSinceEpoch(seconds).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
     return true;
 }

@@ -39,8 +39,8 @@ CConnectNodeDialog::CConnectNodeDialog(QWidget* parent, const char* name) : QDia
     setObjectName(QString::fromUtf8(name));
     setWindowTitle(QStringLiteral("Connect a Node"));
 
-    // Kept: selecting an item does not touch the spin box, and Connect takes the spin box alone; users step through the
-    // list to look for a node and connect by a double click.
+    // Kept: selecting an item leaves the spin box alone, and Connect takes the node-id of the spin box. A double click
+    // takes that of the item.
     m_nodeIdListBox = new QListWidget(this);
     for (int nodeId = firstNodeId; nodeId <= lastNodeId; ++nodeId)
         m_nodeIdListBox->addItem(QStringLiteral("Node %1").arg(nodeId));

@@ -88,7 +88,7 @@ constexpr tRow<tPage1, tInfo> page1[] = {
       [](const tInfo& info) { return info.getDescription(); } },
 };
 
-// Kept: 100 kbit/s, index 5, has no row; users know the page with the eight rates that devices commonly offer.
+// Kept: 100 kbit/s, index 5, has no row: compatible behaviour.
 constexpr char baudrateHelp[] = "Shows if the given baud rate is supported.";
 constexpr tRow<tPage2, tInfo> page2[] = {
     { { "baud rate 1000 line edit", "", "Baud rate index 0", baudrateHelp },
@@ -155,7 +155,7 @@ constexpr tRow<tPage4, CCANopen> page4[] = {
     { { "EDS version line edit", "EDS version:", "EDS version", "EDS version of the object dictionary." },
       &tPage4::m_EDSVersionLineEdit,
       [](const CCANopen& dictionary) {
-          // Kept: sheets without device information are those of the time before EDS 4.0.
+          // Kept: "3.0" without device information, although such a sheet states no version.
           return dictionary.m_deviceInfo != nullptr ? dictionary.m_deviceInfo->getEDSVersion() : QStringLiteral("3.0");
       } },
     { { "author line edit", "Author:", "Author", "Author of the object dictionary." },
@@ -174,7 +174,7 @@ constexpr tRow<tPage4, CCANopen> page4[] = {
       } },
 };
 
-// Creates the fields of a table from top to bottom, each behind its label when it has one.
+// Creates the fields of a table from top to bottom, each after its label when it has one.
 template <typename Page, typename Source, std::size_t N>
 void createFields(QGridLayout* grid, Page& page, const tRow<Page, Source> (&table)[N])
 {

@@ -37,7 +37,7 @@ constexpr tFieldText okText = { "ok push button", "&OK", "Accept decisions",
 constexpr tFieldText cancelText = { "cancel push button", "&Cancel", "Resistance is futile!",
                                     "Leave without any action." };
 
-// Places label, field and the unit behind the field as one row of the grid. Returns the two labels.
+// Places label, field and the unit after the field as one row of the grid. Returns the two labels.
 struct tRowLabels {
     QLabel* label;
     QLabel* unit;
@@ -101,7 +101,7 @@ void CInitInterfaceDialog::createFields(QGridLayout* grid)
     grid->setColumnStretch(1, 1);
 
     // Only the interface can be chosen: the bit rate is set outside the program, and its master has no node-id. The
-    // remark behind the node-id says whose it is; it stays readable.
+    // remark after the node-id stays readable.
     for (QWidget* widget : std::initializer_list<QWidget*>{ m_baudrateComboBox, baudrate.label, baudrate.unit,
                                                             m_masterIdSpinBox, masterId.label })
         widget->setEnabled(false);

@@ -78,10 +78,10 @@ bool CMDIWindow::loadDictionary(const QString& fileName)
     return reader.load(QFile::encodeName(fileName).constData()) != 0;
 }
 
-/// Asks for the node. False when the dialog was cancelled or when it has gone together with this window.
+/// Asks for the node. False when the dialog was cancelled, or deleted together with this window.
 bool CMDIWindow::connectNode(CCANopenAccess* access)
 {
-    m_CANopen = access; // before the dialog runs, so that its owner can take it away meanwhile
+    m_CANopen = access; // already set while the dialog runs, so that releaseAccess can clear it
     const QPointer<CConnectNodeDialog> dialog = new CConnectNodeDialog(this);
     const int result = dialog->exec();
     if (dialog.isNull())
@@ -184,7 +184,7 @@ void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subI
             fillObjectPart(*object);
         else
             index = 0;
-        if (!showEntry(object, subIndex)) // Kept: FFh shows, but is no selection: it is CiA 301's mark for none.
+        if (!showEntry(object, subIndex)) // Kept: FFh shows, but cannot be read or sent: it means no entry.
             subIndex = noSubIndex;
         m_subIndex = subIndex;
         m_index = index;
@@ -192,7 +192,7 @@ void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subI
         clearAttributesForm(true);
         if (subIndex != noSubIndex && !showEntry(objectOf(index), subIndex)) {
             subIndex = noSubIndex;
-            index = 0; // Kept: only the message below; the object part stays, so that users see whose entry is missing.
+            index = 0; // Kept: causes the message below; the object part stays filled.
         }
         m_subIndex = subIndex;
     }
@@ -202,7 +202,7 @@ void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subI
     const QPointer<CMDIWindow> self(this);
     if (!isOffline() && m_index != 0 && m_subIndex != noSubIndex)
         buttonReadClicked();
-    // Kept: a selected object says nothing; the status bar keeps the result of the read.
+    // Kept: no message for a selected object; the status bar keeps the result of the read.
     if (!self.isNull() && index == 0)
         status(QStringLiteral("No object attributes loaded"));
 }

@@ -43,15 +43,15 @@ public:
     explicit CMDIWindow(QWidget* parent = nullptr, const char* name = nullptr, Qt::WindowFlags flags = {});
     ~CMDIWindow() override;
 
-    /// Loads the data sheet `fileName` and shows its tree. With an `access`, which stays the caller's, the user is
-    /// asked for a node first. A window is opened once. The window may be closed while a dialog of it runs.
-    /// @return false when the file could not be loaded, when the dialog was cancelled or when the window is gone
+    /// Loads the data sheet `fileName` and shows its tree; called once. With an `access`, which stays the caller's, the
+    /// user is asked for a node first. The window may be closed, and deleted, while one of its dialogs runs.
+    /// @return false when the file could not be loaded, the dialog was cancelled or the window was deleted
     bool openDocument(const QString& fileName, CCANopenAccess* access);
 
     /// Shows the device and file information of the dictionary in a modal dialog.
     void showDeviceInfo();
 
-    /// Takes the facade away before its owner deletes it: the document is off-line for good, its titles stay.
+    /// Forgets the facade before its owner deletes it: the document stays off-line from now on, its titles stay.
     void releaseAccess();
 
     /// A document never refuses to close.
@@ -98,7 +98,7 @@ private:
     void showValue(const QString& text);
     void setDisplayMode(TDisplayMode mode);
     void checkDisplayModeButton();
-    // As a signed number, so that 128 and above, which no node has, count as off-line, too.
+    // Compared as a signed number: 128 and above, which are no node-ids, are off-line, too.
     bool isOffline() const { return static_cast<signed char>(m_nodeId) < 1; }
     void status(const QString& text) { Q_EMIT message(text, 2000); }
 

@@ -18,8 +18,8 @@
 
 using namespace parameterTransfer;
 
-/// The entry in the form. Null when there is none to access: a box under `boxTitle` has then told the user why, and
-/// this window may be gone with it.
+/// The entry in the form. Null when there is none to access: a box titled `boxTitle` has then told the user why, and
+/// this window may have been deleted meanwhile.
 const CCANopenObjectEntry* CMDIWindow::selectedEntry(const QString& boxTitle)
 {
     const char* text = nullptr;
@@ -115,7 +115,7 @@ void CMDIWindow::buttonSendClicked()
     }
 }
 
-/// A box with `text`, and afterwards `outcome` in the status bar, unless this window has gone with the box.
+/// Shows a box with `text`, and afterwards `outcome` in the status bar unless this window was deleted meanwhile.
 void CMDIWindow::reportFailure(const QString& title, const QString& text, const QString& outcome)
 {
     const QPointer<CMDIWindow> self(this);
@@ -145,7 +145,7 @@ void CMDIWindow::buttonOctClicked()
     setDisplayMode(modeOct);
 }
 
-/// The value on screen stays as it is; the mode counts from the next read or send, and for windows opened later.
+/// The value on screen stays as it is. The mode applies to the next read or send, and to windows opened later.
 void CMDIWindow::setDisplayMode(TDisplayMode mode)
 {
     m_dataAccess.m_displayMode = mode;

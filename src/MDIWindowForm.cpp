@@ -116,7 +116,7 @@ constexpr tRow<tAccess, QRadioButton> displayModes[] = {
 };
 // clang-format on
 
-/// A check box that only shows: no click toggles it and no key reaches it, but it is as readable as any other.
+/// A check box that only shows: no click or key changes it, but it is not greyed out.
 class CCheckMark : public QCheckBox
 {
 public:
@@ -153,7 +153,7 @@ void addFields(QGroupBox* box, Record& record, const tRow<Record, QLineEdit> (&t
         fieldRow::describe(field, row.texts);
         field->setReadOnly(true);
         field->setMaxLength(fieldRow::longestText);
-        field->setFocusPolicy(Qt::ClickFocus); // its text can be marked and copied
+        field->setFocusPolicy(Qt::ClickFocus); // its text can be selected and copied
         record.*row.member = field;
         gridOf(box)->addWidget(fieldRow::createLabel(field, row.texts), row.row, row.column);
         gridOf(box)->addWidget(field, row.row, row.column + 1, 1, row.span - 1);
@@ -219,7 +219,7 @@ void CMDIWindow::createWidgets()
     splitter->setSizes({ 225, 465 });
     setCentralWidget(client);
     connectWidgets();
-    m_dictionaryListView->setFocus(); // the keys go to the tree first
+    m_dictionaryListView->setFocus(); // key presses go to the tree first
 }
 
 void CMDIWindow::createDictionaryListView(QSplitter* parent)
@@ -268,7 +268,7 @@ void CMDIWindow::createDataAccess()
     addFields(m_accessGroupBox, m_dataAccess, accessFields);
     m_dataAccess.m_inputLineEdit->setReadOnly(false);
     m_dataAccess.m_inputLineEdit->setFocusPolicy(Qt::StrongFocus);
-    m_dataAccess.m_outputLineEdit->setFocusPolicy(Qt::StrongFocus); // so that the keys reach the value to copy it
+    m_dataAccess.m_outputLineEdit->setFocusPolicy(Qt::StrongFocus); // reached by keys, to copy its text
 
     QGridLayout* grid = gridOf(m_accessGroupBox);
     grid->setColumnStretch(3, 0);

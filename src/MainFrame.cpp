@@ -21,7 +21,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-// The images lie in a static library, which registers them only on request. Outside any namespace, as the macro needs.
+// The images are part of a static library and have to be registered. The macro must stand outside any namespace.
 static void registerImages()
 {
     Q_INIT_RESOURCE(velmora);
@@ -40,17 +40,17 @@ QString productTitle()
     return QLatin1String(product::title);
 }
 
-// As large as the document: without a size of its own here, the workspace would choose one.
+// As large as the document: otherwise the workspace would choose a size.
 QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 {
     const QSize documentSize = document->size();
     auto* frame = new QMdiSubWindow(workspace);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWidget(document);
-    frame->setWindowIcon(document->windowIcon()); // would inherit the program's
+    frame->setWindowIcon(document->windowIcon()); // otherwise that of the program
     frame->resize(documentSize.grownBy(frame->contentsMargins()));
 
-    // Ctrl+W belongs to the program's Close; taken twice, the key would do nothing.
+    // Ctrl+W is the shortcut of the program's Close; with two owners the key would do nothing.
     for (QAction* action : frame->systemMenu()->actions())
         if (!action->shortcuts().isEmpty())
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4));
@@ -80,7 +80,7 @@ CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags)
 
 CMainFrame::~CMainFrame()
 {
-    disconnect(this, nullptr, this, nullptr); // a sub-window changes the title when it goes
+    disconnect(this, nullptr, this, nullptr); // a sub-window that is deleted changes the title once more
     deleteAccess();
     delete m_workspace;
 }
@@ -102,7 +102,7 @@ void CMainFrame::createWorkspace()
     setCentralWidget(box);
 }
 
-// A maximised document appends " - [its caption]" to the title of the frame, which stays exactly its own caption.
+// A maximised document appends " - [its caption]" to the title of the frame; this takes it off again.
 void CMainFrame::keepCaption(const QString& title)
 {
     for (const QMdiSubWindow* frame : m_workspace->subWindowList()) {
@@ -133,7 +133,7 @@ bool CMainFrame::hasWindow() const
     return !m_workspace->subWindowList().isEmpty();
 }
 
-// Still answers while the frame is hidden or minimised.
+// Unlike the workspace's active window, also known while the frame is hidden or minimised.
 QMdiSubWindow* CMainFrame::activeSubWindow() const
 {
     return m_workspace->currentSubWindow();
@@ -164,7 +164,7 @@ void CMainFrame::fileOpen()
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    if (dialog.isNull()) // gone together with the frame
+    if (dialog.isNull()) // deleted together with the frame
         return;
     const QString chosen = accepted ? dialog->selectedFiles().value(0) : QString();
     delete dialog;
@@ -179,14 +179,14 @@ void CMainFrame::openFile(const QString& fileName)
         return status(QStringLiteral("Operation aborted"));
 
     const QPointer<CMainFrame> self = this;
-    const bool loaded = newDocument()->openDocument(fileName, m_CANopen); // asks the user: anything may be closed then
+    const bool loaded = newDocument()->openDocument(fileName, m_CANopen); // runs a dialog: the frame may be deleted
     if (self.isNull())
         return;
     if (loaded)
         setRecentFile(fileName);
     else
         deleteFileName(fileName);
-    setWindowTitle(productTitle()); // Kept: without version and build; users' window rules match this caption
+    setWindowTitle(productTitle()); // Kept: without version and build from now on
 }
 
 void CMainFrame::setRecentFile(const QString& name)

@@ -12,7 +12,7 @@
 namespace
 {
 
-constexpr char separator[] = "-"; // the name of no action
+constexpr char separator[] = "-"; // stands for a separator; no action has this name
 
 QIcon iconOf(const char* name)
 {
@@ -36,15 +36,15 @@ struct CMainFrame::tAction {
     const char* icon;     // "" for none
     const char* statusTip;
     const char* whatsThis;
-    QAction* CMainFrame::*member; // null when the frame need not know it
+    QAction* CMainFrame::*member; // keeps the action; null when the frame never uses it again
     void (*handler)(CMainFrame& frame);
 };
 
 struct CMainFrame::tMenu {
     const char* name;
     const char* title;
-    QMenu* CMainFrame::*member; // null when the frame need not know it
-    void (CMainFrame::*aboutToShow)();
+    QMenu* CMainFrame::*member;        // keeps the menu; null when the frame never uses it again
+    void (CMainFrame::*aboutToShow)(); // null when the menu needs no update; otherwise `member` is set
     const char* const* items; // names of actions and submenus, ends with null; null for a separator of the menu bar
 };
 
@@ -146,7 +146,7 @@ void CMainFrame::createActions()
         if (row.member != nullptr)
             this->*row.member = action;
     }
-    // Kept: actions are enabled only when their menu is about to show; users open the Device menu once for the button.
+    // Kept: enabled when the Device menu opens, and not before; this holds for the tool button, too.
     m_deviceInfoAction->setEnabled(false);
 }
 

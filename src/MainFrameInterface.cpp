@@ -1,4 +1,4 @@
-// The main frame's CAN interface: initialising it, showing its properties, giving it up.
+// The main frame's CAN interface: initialising it, showing its properties, closing it.
 // SPDX-License-Identifier: MIT
 #include "MainFrame.h"
 
@@ -21,7 +21,7 @@ constexpr long anyBoard = -1;
 
 using tVersionGetter = bool (CCANopenAccess::*)(char* buffer, short size);
 
-// One of the facade's texts about the interface, which may fill the buffer without a terminator.
+// A text of the facade about the interface, which may fill the buffer without a terminator.
 std::optional<QString> versionText(CCANopenAccess& access, tVersionGetter getter)
 {
     std::array<char, 100> buffer = {};
@@ -30,7 +30,7 @@ std::optional<QString> versionText(CCANopenAccess& access, tVersionGetter getter
     return QString::fromUtf8(buffer.data(), static_cast<qsizetype>(qstrnlen(buffer.data(), buffer.size())));
 }
 
-// What the properties box shows, fetched up to the first text that fails; nothing then.
+// The text of the properties box. Stops at the first text that cannot be fetched and returns nothing then.
 std::optional<QString> propertiesText(CCANopenAccess& access)
 {
     const CWaitCursor wait;
@@ -56,7 +56,7 @@ void CMainFrame::initializeInterface()
 
 void CMainFrame::interfaceInitialize()
 {
-    // The dialog stays with the frame as a hidden child: it owns the interface text, which the library may keep.
+    // The dialog stays as a hidden child of the frame: it owns the interface text, which the library may keep.
     const QPointer<CInitInterfaceDialog> dialog = new CInitInterfaceDialog(this);
     if (dialog->exec() != QDialog::Accepted || dialog.isNull())
         return;
@@ -73,7 +73,7 @@ void CMainFrame::interfaceInitialize()
                                      QString::fromLatin1(m_CANopen->getErrorText(0)));
     const QPointer<CMainFrame> self(this);
     messageBox::critical(this, messageBox::titleOf("Initialize Interface"), failure);
-    if (!self.isNull()) // the box may outlive the frame
+    if (!self.isNull()) // the frame may have been deleted while the box was open
         deleteAccess();
 }
 
@@ -100,7 +100,7 @@ void CMainFrame::interfaceProperties()
         messageBox::critical(this, title, QStringLiteral("Error ?: Properties could not be retrieved!")); // sic
 }
 
-// Takes the facade back from all documents, also those that are just closing, before it goes.
+// Deletes the facade, after all documents, also those that are just closing, have forgotten it.
 void CMainFrame::deleteAccess()
 {
     for (CMDIWindow* document : m_workspace->findChildren<CMDIWindow*>())

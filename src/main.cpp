@@ -19,7 +19,7 @@ int main(int argc, char* argv[])
     QApplication::setWindowIcon(frame.windowIcon());
     frame.show();
     frame.initializeInterface();
-    // Closed while the dialog was open: the event loop would never hear of it.
+    // Closed while the dialog was open: the event loop would not notice and run for ever.
     if (!frame.isVisible())
         return 0;
     return QApplication::exec();

@@ -4,8 +4,8 @@
 //   text = blanks [ date ]
 //   date = day | day '.' month '.' year time | year '-' month '-' day time | month '/' day '/' year time
 //   time = ' ' blanks hour ':' minute ':' second '.' milliseconds ' ' blanks
-// Each part is a run of digits, 0 when the run is empty. The text may end behind any part, and with blanks behind any
-// part but a first one that stands alone.
+// Each part is a run of digits, 0 when the run is empty. The text may end after any part, and with blanks after any
+// part but a day that stands alone.
 #include "values/DateTimeText.h"
 
 #include <QDateTime>
@@ -22,11 +22,11 @@ using tPart = int tMoment::*;
 
 struct tPlace {
     tPart part;
-    char separator; // expected behind the part when the text goes on; a blank stands for one or more
+    char separator; // expected after the part when the text goes on; a blank stands for one or more
 };
 
 struct tLayout {
-    char separator; // behind the first number, selects the layout; stands behind the second one, too
+    char separator; // after the first number, where it selects the layout, and after the second one
     tPart parts[3];
 };
 

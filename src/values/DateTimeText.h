@@ -5,7 +5,7 @@
 namespace dateTimeText
 {
 
-/// A moment in its parts, each as written: nothing is checked against the calendar, a year may have two digits.
+/// A date and time in its parts, each as written: not checked against the calendar, a year may have two digits.
 struct tMoment {
     int year;
     int month;

@@ -1,4 +1,4 @@
-// Presses in the tree of a document.
+// The tree of a document: mouse presses and the Return key.
 // SPDX-License-Identifier: MIT
 #include "widgets/DictionaryListView.h"
 

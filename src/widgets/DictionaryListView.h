@@ -1,11 +1,11 @@
-// The tree of a document, which tells what was pressed: by a mouse button or by the Return or Enter key.
+// The tree of a document, with signals for mouse presses and for the Return and Enter keys.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QTreeWidget>
 
-/// Its own signals come last in the handling of an event: a receiver may show dialogs and the tree be gone afterwards,
-/// which the signals of the base class do not allow.
+/// Its own signals come last in the handling of an event, so that the receiver may show a dialog and delete the tree.
+/// The signals of the base class do not allow that.
 class CDictionaryListView : public QTreeWidget
 {
     Q_OBJECT

@@ -1,4 +1,4 @@
-// The tree of a dictionary: its items are nothing but texts, from which the selected object or entry is read back.
+// The tree of a dictionary: its groups and their order, its items, and reading an item's text back.
 // SPDX-License-Identifier: MIT
 #include "widgets/DictionaryTree.h"
 
@@ -71,7 +71,7 @@ void addObject(QTreeWidgetItem* group, const CCANopenObject& object)
             createItem(item, entry->getSubindex(), 2, entry->getName());
 }
 
-/// The number in front of an item's text, which must be followed by a colon and at least one word.
+/// The number at the start of an item's text, which a colon and at least one word must follow.
 bool readNumber(const QTreeWidgetItem* item, unsigned* number)
 {
     char word[2];
@@ -83,7 +83,7 @@ bool readNumber(const QTreeWidgetItem* item, unsigned* number)
 void dictionaryTree::populate(QTreeWidget* view, const QString& rootText, const CCANopen& dictionary)
 {
     view->clear();
-    // Built apart from the view and sorted once: a large dictionary shows at once.
+    // Built outside the view and sorted once, since that is fast for a large dictionary.
     auto* root = new QTreeWidgetItem({ rootText });
     CGroups groups(root);
     for (const auto& object : dictionary.m_objectArray)
@@ -103,7 +103,7 @@ dictionaryTree::tSelection dictionaryTree::selectionOf(const QTreeWidgetItem* it
     unsigned parentNumber = 0;
     if (!readNumber(item, &number))
         return {};
-    // Numbers wider than an index or a sub-index are cut.
+    // Of numbers that are too large, the low bits are taken.
     if (item->parent() != nullptr && readNumber(item->parent(), &parentNumber))
         return { static_cast<unsigned short>(parentNumber), static_cast<unsigned char>(number) };
     return { static_cast<unsigned short>(number), item->childCount() > 0 ? noSubIndex : static_cast<unsigned char>(0) };

@@ -1,4 +1,4 @@
-// The tree of a dictionary: its items are nothing but texts, from which the selected object or entry is read back.
+// The tree of a dictionary: its groups and items. An item is only a text, from which its object or entry is read back.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -13,7 +13,7 @@ inline constexpr unsigned char noSubIndex = 255;
 namespace dictionaryTree
 {
 
-/// What an item stands for. Index 0: no object.
+/// What object or entry an item stands for. Index 0: no object.
 struct tSelection {
     unsigned short index = 0;
     unsigned char subIndex = noSubIndex;

@@ -1,4 +1,4 @@
-// A field of a form and its text label: how both are named and which help texts they carry.
+// A field of a form and its label: their object names and help texts.
 // SPDX-License-Identifier: MIT
 #pragma once
 

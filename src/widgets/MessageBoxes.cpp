@@ -12,8 +12,8 @@
 namespace
 {
 
-// A short text makes a narrow box, whose title bar would cut the title off: an empty row below keeps it wide enough for
-// the title, a symbol and the buttons.
+// The title bar of a narrow box would cut its title. An empty row at the bottom keeps the box wide enough for the title
+// and the buttons of the title bar.
 void widenToTitle(QMessageBox* box)
 {
     constexpr int barWidth = 140;
@@ -24,7 +24,7 @@ void widenToTitle(QMessageBox* box)
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
-// The box lives on the heap: a parent that is closed while its box runs takes the box along.
+// On the heap, since a parent that is deleted while its box runs deletes the box as well.
 void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text, bool windowIcon = false)
 {
     QPointer<QMessageBox> box = new QMessageBox(icon, title, text, QMessageBox::Ok, parent);

@@ -1,5 +1,5 @@
-// The program's message boxes: modal, with an OK button, and always plain text, since file names, interface names and
-// gateway answers are foreign texts that must not be taken for markup.
+// The program's message boxes: modal, with an OK button, and always plain text, since names of files and interfaces and
+// answers of a gateway may look like markup.
 // SPDX-License-Identifier: MIT
 #pragma once
 

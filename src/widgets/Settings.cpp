@@ -13,7 +13,7 @@ constexpr char recentFileKey[] = "/%1/Recent File List/File%2";
 constexpr char usedInterfaceKey[] = "/%1/Used Interfaces/Interface%2";
 constexpr char displayModeKey[] = "/%1/Settings/Display";
 
-// The user's own settings only: a file of the whole system must not fill slots that the user has never used.
+// The user's own settings only: a settings file of the whole system must not add to the user's lists.
 class CUserSettings : public QSettings
 {
 public:
@@ -37,7 +37,7 @@ QStringList usedSlots(const char* pattern)
     return list;
 }
 
-// Kept: slots behind the list are neither cleared nor removed; older versions share the file and may still use them.
+// Kept: slots after the end of the list keep their value: compatible behaviour.
 void writeSlots(const char* pattern, const QStringList& list)
 {
     CUserSettings store;
