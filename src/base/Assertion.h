@@ -1,10 +1,10 @@
-// Diagnostics of what cannot happen: a warning in the log, never an abort.
+// Reports conditions that must always hold: a warning in the log, never an abort.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QtGlobal>
 
-/// Warns when `condition` is false; `text` is the violated condition or the missing thing, `source` names the module.
+/// Warns when `condition` is false; `text` is the condition or the name of the null argument, `source` the module.
 /// @return `condition`
 inline bool assertion(bool condition, const char* text, const char* source, int line)
 {

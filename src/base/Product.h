@@ -1,4 +1,4 @@
-// Names, version and identity texts of the program, each written once. Plain C++.
+// Names, version and copyright texts of the program, each written once. Needs no Qt.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -61,10 +61,10 @@ public:
     QString m_fileVersion = QStringLiteral("1.0");
     tInfo m_info;
 
-    /// Null until the file's device information has been met. Owned: on the heap, deleted with the dictionary or by
-    /// whoever puts another one in its place.
+    /// Null until the reader has found the file's device information. Owned: created with `new`, deleted with the
+    /// dictionary; whoever replaces it deletes it first.
     CCANopenDeviceInfo* m_deviceInfo = nullptr;
 
-    /// The objects, owned, in the order of creation and without gaps.
+    /// The objects, owned, none of them null, in the order of creation.
     std::vector<std::unique_ptr<CCANopenObject>> m_objectArray;
 };

@@ -23,7 +23,8 @@ constexpr tName booleans[] = {
     { "No", false, matchWord },
 };
 
-// Kept: states and flags of a device distinguish upper and lower case, unlike those of dictionaries and objects.
+// Kept: names of states and booleans of a device match in exactly this case: "public" gives -1. State names of
+// dictionaries, objects and entries match in any case.
 constexpr auto states = stateNames<CCANopenDeviceInfo>(matchWord);
 
 static_assert(valueOf(rates, "0800", -1) == -1 && valueOf(booleans, "yes", false) == false);

@@ -22,8 +22,8 @@ constexpr tName classes[] = {
     { "RECORD", CCANopenObject::classRECORD, matchWordNoCase },
 };
 
-// Types that only objects name.
-// Kept: "void" reads as 0, but 0 shows as "User-defined Type", which users know from objects without a data type.
+// Types that only objects have.
+// Kept: "void" reads as 0, but 0, also that of an object without a data type, shows as "User-defined Type".
 constexpr tName objectTypes[] = {
     { "void", CCANopenObject::typeVoid, matchWordNoCase, useReadOnly },
     { "PDO CommPar", CCANopenObject::typePDOParameter, matchWordNoCase },
@@ -39,7 +39,8 @@ constexpr auto dataTypes = [] {
     return all;
 }();
 
-// Kept: categories of objects distinguish upper and lower case, those of entries do not; callers pass them as shown.
+// Kept: category names of objects match in exactly this case: "mandatory" gives 0, optional. Those of entries match in
+// any case.
 constexpr auto categories = categoryNames<CCANopenObject>(matchPrefix);
 constexpr auto states = stateNames<CCANopenObject>(matchWordNoCase);
 
@@ -55,11 +56,11 @@ constexpr tRange standardTypes[] = {
     { 0x01, 0x0D },
     { 0x0F, 0x16 },
     { 0x18, 0x1B },
-    // Kept: up to 0x7FF, not 0x7F, so that the manufacturer and profile types of every device module count.
+    // Kept: up to 0x7FF, not 0x7F: the types of every further device module count as standard, complex ones as well.
     { 0x60, 0x7FF },
 };
 
-// Structures of the standard, the manufacturer and the profile, then those of each further device module.
+// Structures of CiA 301, the manufacturer and the device profile, then those of each further device module.
 constexpr tRange complexTypes[] = {
     { 0x20, 0x23 },   { 0x40, 0x5F },   { 0x80, 0x9F },   { 0xC0, 0xDF },   { 0x100, 0x11F },
     { 0x140, 0x15F }, { 0x180, 0x19F }, { 0x1C0, 0x1DF }, { 0x200, 0x21F }, { 0x240, 0x25F },

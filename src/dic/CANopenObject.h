@@ -56,7 +56,7 @@ public:
     void setClass(int objectClass) { m_class = static_cast<TObjectClass>(objectClass); }
     void setDataType(int dataType) { m_dataType = static_cast<TObjectType>(dataType); }
     void setCategory(int category) { m_category = static_cast<TObjectCategory>(category); }
-    /// Shares the five texts: most objects of a dictionary have the same profile.
+    /// Shares the five texts instead of copying them: most objects of a dictionary have the same profile.
     void setProfile(const tProfile& profile) { m_profile = profile; }
     void setProfileNumber(const char* number);
     void setProfileVersion(const char* version);
@@ -69,7 +69,7 @@ public:
     bool isDeviceProfileObject() const;        ///< index 0x6000 to 0x9FFF
     bool isSingleObject() const;               ///< a variable
     bool isMultipleObject() const;             ///< an array or a record
-    bool isStandardDataType() const;           ///< a simple type; a number may count as standard and as complex
+    bool isStandardDataType() const;           ///< a simple type; some numbers count as standard and as complex
     bool isComplexDataType() const;            ///< a structure
 
     /// Position of the first entry with that sub-index, or -1.
@@ -77,11 +77,11 @@ public:
     /// Position of the first entry with exactly that name (UTF-8), or -1.
     int find(const char* name) const;
 
-    /// Number, version, page and chapter of the profile, as far as they are known: "DS-401, V2.1, Page 34, 7.4.2".
-    /// With `link` the link follows as an HTML anchor. Empty without a profile number.
+    /// Number, version, page and chapter of the profile, those that are known: "DS-401, V2.1, Page 34, 7.4.2". With
+    /// `link` its link follows as an HTML anchor. Empty without a profile number.
     QString getProfile(bool link) const;
 
-    // Names to numbers and back. Words in upper or lower case alike.
+    // Names to numbers and back. Names are read in upper or lower case, except those of categories.
 
     /// "NULL" 0, "DOMAIN" 2, "DEFTYPE" 5, "DEFSTRUCT" 6, "VAR" 7, "ARRAY" 8, "RECORD" 9; 0 for other names.
     static int getClassByName(const char* name);
@@ -111,6 +111,6 @@ private:
     tProfile m_profile;
 
 public:
-    /// The entries, owned, in the order of creation (positions are no sub-indexes) and without gaps.
+    /// The entries, owned, none of them null, in the order of creation: a position is not a sub-index.
     std::vector<std::unique_ptr<CCANopenObjectEntry>> m_objectEntryArray;
 };

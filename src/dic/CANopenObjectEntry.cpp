@@ -71,7 +71,7 @@ QString CCANopenObjectEntry::getValueRange() const
     if (m_lowLimit.isEmpty() && m_highLimit.isEmpty())
         return getDataTypeByIndex(m_dataType);
     if (m_lowLimit.isEmpty())
-        return QStringLiteral("...,"); // Kept: without the limit; users compare lists with this text
+        return QStringLiteral("...,"); // Kept: the upper limit itself does not show
     if (m_highLimit.isEmpty())
         return QStringLiteral("%1,...").arg(m_lowLimit);
     return QStringLiteral("%1,..,%2").arg(m_lowLimit, m_highLimit);

@@ -47,7 +47,7 @@ public:
 
     // Texts are UTF-8 and kept as they are; the numbers of enumerations are not checked.
     void setName(const char* name);
-    /// Shares the text: entries of an object can carry its name without a copy each.
+    /// Shares the text instead of copying it: an entry can have the name of its object.
     void shareName(const QString& name) { m_name = name; }
     void setDataType(int dataType) { m_dataType = static_cast<TEntryType>(dataType); }
     void setCategory(int category) { m_category = static_cast<TEntryCategory>(category); }
@@ -58,10 +58,11 @@ public:
     void setDefaultValue(const char* defaultValue);
     void setObjectFlags(std::uint32_t objectFlags) { m_objectFlags = objectFlags; }
 
-    /// The limits as one text: "0,..,127" or "0,..."; without limits the name of the data type.
+    /// The limits as one text: "0,..,127", "0,..." without an upper limit, "...," without a lower one; without limits
+    /// the name of the data type.
     QString getValueRange() const;
 
-    // Names to numbers and back. Words in upper or lower case alike; category, mapping and storable also accept any
+    // Names to numbers and back. Names are read in upper or lower case; category, mapping and storable also accept any
     // text that begins with one of their names.
 
     /// "Boolean" 1 to "Unsigned64" 27; 0 for other names.

@@ -5,8 +5,8 @@
 #include "dic/CANopen.h"
 #include "dic/EdsGrammar.h"
 
-/// Tolerant of values, strict of syntax: what is no number counts as 0, unknown sections and keys are skipped, but a
-/// line that is no INI line ends the load.
+/// Values may be wrong, the syntax may not: a value that is no number counts as 0, unknown sections and keys are
+/// skipped, but a line that is not INI syntax ends the load.
 class CCANopenReader
 {
 public:
@@ -14,9 +14,9 @@ public:
     /// `dictionary` is borrowed and must outlive the reader.
     CCANopenReader(CCANopen* dictionary, CCANopen::TFileType type) : m_dictionary(dictionary), m_fileType(type) {}
 
-    /// Notes name and type of the file in the dictionary and loads it (name as `QFile::encodeName` gives it).
+    /// Stores name and type of the file in the dictionary and loads it (name as `QFile::encodeName` gives it).
     /// @return 1 on success; 0 without a dictionary, for an unsupported type or after a syntax error. The dictionary
-    /// keeps what was read until then.
+    /// keeps what was read before the error.
     int load(const char* fileName);
     /// Loads an electronic data sheet or a device configuration file; the results as above. A file that cannot be
     /// opened reads as an empty one. Loading again adds to the objects and replaces the device information.

@@ -22,7 +22,7 @@
 namespace
 {
 
-// Reports a null pointer, by default with the line of the caller.
+// Warns of a null pointer, with the source line of the caller unless another one is given.
 bool isNull(const void* argument, const char* name, int line = __builtin_LINE())
 {
     return !assertion(argument != nullptr, name, "dic/CANopenReader", line);
@@ -33,7 +33,7 @@ constexpr bool startsWithDigit(std::string_view text, unsigned base)
     return !text.empty() && digitOf(text.front()) < base;
 }
 
-// The rules below take what they accept from the front of `text`.
+// The take... and skip... functions remove what they accept from the front of `text`.
 
 constexpr bool takeOneOf(std::string_view& text, std::string_view characters)
 {
@@ -43,12 +43,12 @@ constexpr bool takeOneOf(std::string_view& text, std::string_view characters)
     return true;
 }
 
-// Hexadecimal digits as far as there are any, at most `most`. False if there are too few or too many, or if they follow
-// on a prefix "0x" or "00".
+// Takes up to `most` hexadecimal digits. False if there are fewer than `least` or more than `most`, or after a prefix
+// "0", "0x" or "00".
 template <typename Number>
 constexpr bool takeIndex(std::string_view& text, std::size_t least, std::size_t most, Number& value)
 {
-    // Kept: a name with a prefix is read and refused, so that existing sheets load to the same objects as ever.
+    // Kept: the number after a prefix is stored, but the name refused: such a section is skipped as an unknown one.
     const bool prefixed = takeOneOf(text, "0");
     if (prefixed)
         takeOneOf(text, "xX0");
@@ -81,8 +81,7 @@ constexpr bool isObjectEntry(std::string_view name, unsigned short& index, unsig
     return sub && takeSubIndex(name, subIndex) && indexed && name.empty();
 }
 
-// Digits as far as there are any; false when the number grows beyond its type, which is the same as having too many
-// significant digits.
+// Takes all digits at the front; false when the number does not fit in its type.
 template <typename Number>
 constexpr bool takeDigits(std::string_view& text, unsigned base, Number& value)
 {
@@ -129,7 +128,7 @@ static_assert(numberOf<std::uint8_t>("255") == 255 && numberOf<std::uint8_t>("25
 static_assert(numberOf<std::uint16_t>("0177777") == 0xFFFF && numberOf<std::uint16_t>("0200000") == -1);
 static_assert(numberOf<std::uint32_t>("0xFFFFFFFF") == 0xFFFFFFFF && numberOf<std::uint32_t>("0x100000000") == -1);
 
-// The number behind the three exported readers: the argument checks and the type that `value` takes.
+// What the three Ascii2Unsigned functions share: checks the arguments, reads a `Number` and stores it as a `Value`.
 template <typename Number, typename Value>
 bool asciiToNumber(const char* text, Value* value, int line = __builtin_LINE())
 {

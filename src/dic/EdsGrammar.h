@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The functions below store what they have read also when they return false. A null pointer is reported as a warning;
-// a null text then counts as empty, and for a null result nothing is stored.
+// These functions also store what they have read when they return false. A null pointer causes a warning in the log; a
+// null text then counts as empty, and for a null result nothing is stored.
 
 /// Section name of an object: 1 to 4 hexadecimal digits, the first not 0. Example: "1A00".
 bool IsObject(const char* name, unsigned short* index);
 
-/// Section name of an entry: an index of 4 hexadecimal digits, "sub" in either case, and a sub-index of 1 or 2
-/// hexadecimal digits; the first digit of either is not 0, except for sub-index "0". Example: "1018sub1".
+/// Section name of an entry: an index of 4 hexadecimal digits, "sub" in upper or lower case, and a sub-index of 1 or 2
+/// hexadecimal digits. Neither number begins with 0, except for sub-index "0". Example: "1018sub1".
 bool IsObjectEntry(const char* name, unsigned short* index, unsigned char* subIndex);
 
 /// Unsigned number, decimal ("20", "+20"), hexadecimal ("0x14") or octal ("024"), with blanks and tabs around it. False

@@ -50,12 +50,12 @@ public:
     void enterSection(const char* name);
     void processKey(std::string_view key, const char* value);
 
-    // What the handlers of the keys work on.
+    // What the functions in the key tables work on.
     CCANopen& m_dictionary;
-    CCANopenObject* m_object = nullptr; // current object, entry and device information: in the dictionary
+    CCANopenObject* m_object = nullptr; // current object, entry and device information; owned by the dictionary
     CCANopenObjectEntry* m_entry = nullptr;
     CCANopenDeviceInfo* m_deviceInfo = nullptr;
-    QByteArray m_edsVersion = "4.0"; // collected for the device information
+    QByteArray m_edsVersion = "4.0"; // for the device information, when its section begins
     QByteArray m_description = "";
 
     void declareObject(unsigned short index);
@@ -67,7 +67,7 @@ private:
     void appendObject(unsigned short index);
 
     TSection m_section = sectionUnknown;
-    std::vector<int> m_firstPosition; // of each index in the dictionary, or -1: what `CCANopen::find` would search for
+    std::vector<int> m_firstPosition; // by index, or -1: as `CCANopen::find`, but without a search
 };
 
 // Values that are no numbers count as 0.
@@ -90,13 +90,13 @@ std::uint32_t number32(const char* value)
     return Ascii2Unsigned32(value, &number) ? static_cast<std::uint32_t>(number) : 0;
 }
 
-// Kept: words such as "Yes" count as false; sheets with words have always shown as "not supported".
+// Kept: what is no number counts as false, also "Yes": the feature counts as not supported.
 bool flag(const char* value)
 {
     return number16(value) != 0;
 }
 
-// A key and what its value does to `Target`, the thing that the section describes.
+// A key and what its value changes in `Target`, which is what the section describes.
 template <typename Target>
 struct tKey {
     std::string_view name;
@@ -158,7 +158,7 @@ constexpr tKey<CCANopenDeviceInfo> deviceInfoKeys[] = {
 };
 
 // Keys of an object section that concern the object; the others describe its entry.
-// Kept: each "ObjectType" of a simple object adds an entry, also a repeated one; sheets show what they list.
+// Kept: each "ObjectType" of an object that is no array or record adds an entry, also a repeated one.
 constexpr tKey<CEdsLoad> objectKeys[] = {
     { "ParameterName", [](auto& load, auto value) { load.m_object->setName(value); } },
     { "ObjectType",    [](auto& load, auto value) {
@@ -174,7 +174,7 @@ constexpr tKey<CEdsLoad> objectKeys[] = {
     } },
 };
 
-// Keys that only describe an entry when it has a section of its own.
+// Keys that describe an entry only in a section of its own.
 constexpr tKey<CCANopenObjectEntry> subIndexKeys[] = {
     { "ParameterName", [](auto& entry, auto value) { entry.setName(value); } },
     { "DataType",      [](auto& entry, auto value) { entry.setDataType(number16(value)); } },
@@ -268,20 +268,20 @@ void CEdsLoad::processKey(std::string_view key, const char* value)
         applyKey(entryKeys, key, *m_entry, value);
 }
 
-// The first section of a run begins a new device information, further ones add to it.
-// Kept: file information behind the device information does not reach it; sheets put what belongs to it before.
+// The first section of a load creates the device information, further ones add to it.
+// Kept: EDS version and description are taken now; file information after the device information does not change them.
 void CEdsLoad::enterDeviceInfo()
 {
     if (m_deviceInfo)
         return;
-    delete m_dictionary.m_deviceInfo; // of an earlier run
+    delete m_dictionary.m_deviceInfo; // of an earlier load
     m_deviceInfo = m_dictionary.m_deviceInfo = new CCANopenDeviceInfo;
     m_deviceInfo->setEDSVersion(m_edsVersion.constData());
     m_deviceInfo->setDescription(m_description.constData());
 }
 
-// An index of an object list; 0 declares nothing.
-// Kept: an index listed twice gives two objects, so that a faulty sheet shows its fault.
+// Creates the object that an object list names; none for index 0.
+// Kept: an index listed twice gives two objects.
 void CEdsLoad::declareObject(unsigned short index)
 {
     m_object = nullptr;
@@ -293,15 +293,14 @@ void CEdsLoad::declareObject(unsigned short index)
                                                                : CCANopenObject::categoryOptional);
 }
 
-// Makes the object of a section current. Afterwards there is a current object.
+// Makes the object of a section current; afterwards `m_object` is not null.
 void CEdsLoad::chooseObject(unsigned short index)
 {
     if (m_object && m_object->getIndex() == index)
         return;
     if (const int position = m_firstPosition[index]; position >= 0)
         m_object = m_dictionary.m_objectArray[static_cast<std::size_t>(position)].get();
-    // Kept: the section of an undeclared object describes the object current before it, so that sheets without complete
-    // object lists show as ever.
+    // Kept: the section of an undeclared object describes the current object; only without one it creates its own.
     if (!m_object)
         appendObject(index);
 }
@@ -314,7 +313,7 @@ void CEdsLoad::appendObject(unsigned short index)
     m_object = objects.emplace_back(std::make_unique<CCANopenObject>(index)).get();
 }
 
-// Kept: a sub-index described twice gives two entries, so that a faulty sheet shows its fault.
+// Kept: a sub-index described twice gives two entries.
 CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char subIndex, int category)
 {
     auto& entries = m_object->m_objectEntryArray;

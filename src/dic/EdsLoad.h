@@ -1,4 +1,4 @@
-// One run of loading a data sheet into an object dictionary.
+// Loads a data sheet into an object dictionary.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -6,5 +6,5 @@ class CCANopen;
 
 /// Reads the sheet (name as `QFile::encodeName` gives it) and adds what it describes to the dictionary, in time linear
 /// in the size of the file. A file that cannot be opened reads as an empty one.
-/// @return false after a line that is no INI line; what was read until then stays in the dictionary
+/// @return false after a line that is not INI syntax; what was read before it stays in the dictionary
 bool loadEdsFile(CCANopen& dictionary, const char* fileName);

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-/// Position of the first element whose `getter` gives `wanted`, or -1. Every position must hold an element.
+/// Position of the first element whose `getter` returns `wanted`, or -1. No element may be null.
 template <typename Array, typename Getter, typename Value>
 int positionOf(const Array& array, Getter getter, const Value& wanted)
 {

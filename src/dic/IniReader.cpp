@@ -6,8 +6,8 @@
 //     item    = name "=" value [ ";" anything ]        value: up to the semicolon, trimmed
 //     comment = rest                                   begins with a blank, a tab or a semicolon
 //     rest    = { blank | tab } [ ";" anything ]
-//     name    = word { word }                          but not "_" alone
-//     word    = letter | number | "_"                  a UTF-16 unit: what needs two of them is neither
+//     name    = char { char }                          but not "_" alone
+//     char    = letter | number | "_"                  of one UTF-16 unit
 #include "dic/IniReader.h"
 
 #include <algorithm>
@@ -18,10 +18,10 @@
 namespace
 {
 
-std::int32_t nLine = -1; // number of the line reached; -1: no file was opened yet
-bool bSection = false;   // a section header was read and none of its items delivered
+std::int32_t nLine = -1; // number of the line read last; -1: no file was opened yet
+bool bSection = false;   // a section header was read, but none of its items returned yet
 
-bool isWordCharacter(QChar c)
+bool isNameCharacter(QChar c)
 {
     return c.isLetterOrNumber() || c == u'_';
 }
@@ -31,10 +31,10 @@ bool isName(QStringView text)
     return !text.isEmpty() && text != QStringView(u"_");
 }
 
-// Takes the longest name at the start of `line`, perhaps none.
+// Removes all name characters at the start of `line` and returns them; there may be none.
 QStringView takeName(QStringView& line)
 {
-    const auto end = std::find_if_not(line.begin(), line.end(), isWordCharacter);
+    const auto end = std::find_if_not(line.begin(), line.end(), isNameCharacter);
     const QStringView name = line.first(end - line.begin());
     line = line.sliced(name.size());
     return name;

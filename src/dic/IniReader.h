@@ -20,7 +20,7 @@ public:
 
     /// Reads up to and including the next key line.
     /// @return 1 for the first item after a section header, 2 for a further item of the section, -1 at the end of the
-    /// file or without a file, 0 for a line that breaks the grammar; the reader must not be used further then
+    /// file or without a file, 0 for a line that breaks the grammar; do not use the reader after that
     int moveToNextItem();
 
     QString getSection() const { return m_section; }
@@ -40,5 +40,5 @@ private:
     QString m_section; // without brackets
     QString m_key;
     QString m_value; // without white space at its ends
-    QString m_line;  // the line read last; its room serves the next one
+    QString m_line;  // the line read last; kept because its memory is used again
 };

@@ -81,11 +81,11 @@ bool CLineFile::isUtf8()
         if (decoder.hasError())
             return false;
     }
-    text = decoder.decode("\n"); // an error if a character is unfinished
+    text = decoder.decode("\n"); // an error if the file ends within a character
     return !decoder.hasError();
 }
 
-// Lays the next characters ready; false at the end of the file.
+// Decodes the next block into `m_text`; false at the end of the file.
 bool CLineFile::decodeNextBlock()
 {
     do {
@@ -97,6 +97,6 @@ bool CLineFile::decodeNextBlock()
         else
             m_text = fromWindows1252(bytes);
         m_rest = m_text;
-    } while (m_rest.isEmpty()); // a block can end within its only character
+    } while (m_rest.isEmpty()); // a short block may not complete a single character
     return true;
 }

@@ -15,7 +15,7 @@
 class CLineFile
 {
 public:
-    /// Longest line in UTF-16 units, line feed included. What is longer continues as the next line.
+    /// Longest line in UTF-16 units, line feed included. A longer one is read as several lines.
     static constexpr qsizetype maxLine = 0x10000;
 
     CLineFile() = default;
@@ -26,9 +26,9 @@ public:
     bool open(const char* fileName);
     bool isOpen() const { return m_file.isOpen(); }
 
-    /// Reads the next line with its line feed, which only the last line or a part of a longer line can lack. The file
-    /// ends where it ended when it was opened, or earlier if it was cut meanwhile; bytes changed meanwhile may read as
-    /// U+FFFD. False at the end; `line` is empty then.
+    /// Reads the next line with its line feed; only the last line and parts of a longer line can have none. Bytes that
+    /// are appended after `open` are not read; a file that is shortened ends earlier; bytes that are changed may read
+    /// as U+FFFD. False at the end; `line` is empty then.
     bool readLine(QString& line);
 
 private:

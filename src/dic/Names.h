@@ -8,9 +8,9 @@
 #include <span>
 #include <string_view>
 
-/// How a text matches a name: as a whole word or by beginning with it, in the name's case or in any.
+/// When a text matches a name: if it equals the name or begins with it, in the same case or in any case.
 enum TNameMatch { matchWord, matchWordNoCase, matchPrefix, matchPrefixNoCase };
-/// A name that is only read is never shown for its number.
+/// `useReadOnly`: the name is recognised, but its number is never shown by it.
 enum TNameUse { useBothWays, useReadOnly };
 
 struct tName {
@@ -19,7 +19,7 @@ struct tName {
     TNameMatch match;
     TNameUse use = useBothWays;
 };
-/// Rows are tried from top to bottom in both directions, the first one that fits counts.
+/// Rows are tried from top to bottom in both directions; the first match counts.
 using TNames = std::span<const tName>;
 
 constexpr char lowerCase(char c)
@@ -82,7 +82,7 @@ constexpr auto categoryNames(TNameMatch match)
     };
 }
 
-/// Data types of objects and entries, without those that only objects name.
+/// Data types that objects and entries have in common.
 template <typename Owner>
 constexpr auto dataTypeNames()
 {

@@ -1,13 +1,13 @@
-// Texts of the dictionary from C strings, without spare room after them.
+// Texts of the dictionary from C strings, without unused memory.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QString>
 #include <QStringDecoder>
 
-/// The text of a UTF-8 C string; null for a null pointer. A byte order mark is a character like any other. Decoding
-/// reserves one character for each byte, three times the need in the worst case, which is given back: a large data
-/// sheet keeps its values for as long as its window is open.
+/// The text of a UTF-8 C string; a null text for a null pointer. A byte order mark is a character like any other.
+/// Decoding reserves one character for each byte, up to three times what is needed; this is given back, since texts stay
+/// in memory as long as their document is open.
 inline QString textFromUtf8(const char* utf8)
 {
     if (utf8 == nullptr)
