@@ -1,4 +1,4 @@
-// SDO transfers and the receive queue of the CANopen master, next to bare loops that make the same system calls.
+// SDO transfers and the receive queue of the CANopen master, compared with bare loops that make the same system calls.
 // SPDX-License-Identifier: MIT
 #include "CanBus.h"
 #include "cop/can_ctrl.h"
@@ -23,8 +23,8 @@ namespace
 {
 
 constexpr BYTE node = 5;
-constexpr int reads = 20;    // values that are read in one go
-constexpr int fullBus = 200; // frames that every socket has room for
+constexpr int reads = 20;          // values that are read in one iteration
+constexpr int waitingFrames = 200; // frames in the socket before the work begins; every socket has room for them
 
 // The master on the bus.
 class CMaster
@@ -34,14 +34,14 @@ public:
     {
         _can_param param = { "vcan0", PF_CAN, SOCK_RAW, CAN_RAW };
         cop_init(-1, &param, 0);
-        cop_queue_clear(); // it keeps what was in it
+        cop_queue_clear(); // cop_exit keeps the messages
     }
     ~CMaster() { cop_exit(); }
     CMaster(const CMaster&) = delete;
     CMaster& operator=(const CMaster&) = delete;
 };
 
-// What the master makes of system calls, and nothing else.
+// The system calls that the master makes, and nothing else.
 class CBareLoop
 {
 public:
@@ -50,7 +50,7 @@ public:
     CBareLoop(const CBareLoop&) = delete;
     CBareLoop& operator=(const CBareLoop&) = delete;
 
-    /// One frame if there is one.
+    /// Reads one frame; false if there is none.
     bool take(can_frame& frame) const
     {
         fd_set readable;
@@ -60,7 +60,8 @@ public:
         return select(m_socket + 1, &readable, nullptr, nullptr, &immediately) > 0 &&
                read(m_socket, &frame, sizeof frame) == sizeof frame;
     }
-    /// All that is there but at most `limit` frames, as before each transfer and in search of an answer.
+    /// Reads the frames that are there, at most `limit`, as the master does before each transfer and while it waits for
+    /// an answer. @return their number
     int drain(can_frame& last, int limit = 100) const
     {
         int frames = 0;
@@ -68,7 +69,7 @@ public:
             ++frames;
         return frames;
     }
-    /// A request and its answer, for which it waits half a second.
+    /// Sends a request and waits for its answer, half a second at most.
     bool exchange(int command, int object, can_frame& frame) const
     {
         frame = {};
@@ -84,7 +85,7 @@ public:
                 return false;
         return true;
     }
-    /// The first of a transfer, for which two message objects are set up.
+    /// The first exchange of a transfer. The master sets up two message objects for it and empties the socket each time.
     bool initiate(int object, can_frame& frame) const
     {
         drain(frame);
@@ -103,10 +104,10 @@ private:
     const int m_socket;
 };
 
-// The same work for the master and for the bare loop; both say whether they could do it.
+// The same work for the master and for the bare loop; both return false if they could not do it.
 struct tTask {
     int items;
-    bool onFullBus; // the bus is full when the work begins; otherwise a node answers
+    bool framesWait; // `waitingFrames` are in the socket when the work begins; otherwise a node answers
     bool (*master)();
     bool (*bare)(const CBareLoop& loop);
 };
@@ -146,12 +147,12 @@ bool uploadBare(const CBareLoop& loop)
 
 bool takeFrames()
 {
-    return can_read_queue(0) == fullBus;
+    return can_read_queue(0) == waitingFrames;
 }
 bool takeFramesBare(const CBareLoop& loop)
 {
     can_frame frame = {};
-    return loop.drain(frame, INT_MAX) == fullBus;
+    return loop.drain(frame, INT_MAX) == waitingFrames;
 }
 
 // Before each message is taken out of the queue, the socket is emptied.
@@ -163,7 +164,7 @@ bool readQueue()
     int messages = 0;
     while (cop_queue_read(&id, &length, data) == 0)
         ++messages;
-    return messages == fullBus;
+    return messages == waitingFrames;
 }
 bool readQueueBare(const CBareLoop& loop)
 {
@@ -171,15 +172,15 @@ bool readQueueBare(const CBareLoop& loop)
     int messages = 0;
     for (int taken = loop.drain(frame); messages < taken; taken += loop.drain(frame))
         ++messages;
-    return messages == fullBus;
+    return messages == waitingFrames;
 }
 
 constexpr tTask readTask = { reads, false, readValues, readValuesBare };
 constexpr tTask uploadTask = { CCanBus::uploadSize, false, upload, uploadBare };
-constexpr tTask takeTask = { fullBus, true, takeFrames, takeFramesBare };
-constexpr tTask queueTask = { fullBus, true, readQueue, readQueueBare };
+constexpr tTask takeTask = { waitingFrames, true, takeFrames, takeFramesBare };
+constexpr tTask queueTask = { waitingFrames, true, readQueue, readQueueBare };
 
-// The seconds that the work took, and the least so far.
+// The seconds that the work took the last time, and the shortest time so far.
 struct tTimes {
     double last = 0;
     double best = 1e9;
@@ -187,7 +188,7 @@ struct tTimes {
     template <typename Work>
     bool take(const CCanBus& bus, const tTask& task, Work work)
     {
-        if (task.onFullBus && !bus.fill(fullBus))
+        if (task.framesWait && !bus.fill(waitingFrames))
             return false;
         const auto start = std::chrono::steady_clock::now();
         const bool good = work();
@@ -197,32 +198,32 @@ struct tTimes {
     }
 };
 
-// Master and bare loop take turns, so that the machine treats both alike. "ofBare" compares their best times: 0.9 means
-// that the master reaches nine tenths of the bare loop.
+// Master and bare loop take turns, so that other load on the machine meets both. "ofBare" compares their best times:
+// with 0.9 the master is nine tenths as fast as the bare loop.
 void compare(benchmark::State& state, TCanBus kind, const tTask& task)
 {
     CCanBus bus(kind);
     if (!bus.isOpen())
         return state.SkipWithError("no vcan0 here; scripts/vcan/with-vcan has one");
-    if (!task.onFullBus)
+    if (!task.framesWait)
         bus.answer();
-    tTimes own, bare;
+    tTimes master, bare;
     bool good = true;
     for (auto _ : state) {
         {
-            const CMaster master;
-            good = own.take(bus, task, task.master) && good;
+            const CMaster started;
+            good = master.take(bus, task, task.master) && good;
         }
-        const CBareLoop loop(bus.openNear());
+        const CBareLoop loop(bus.openMasterSocket());
         good = bare.take(bus, task, [&] { return task.bare(loop); }) && good;
-        state.SetIterationTime(own.last);
+        state.SetIterationTime(master.last);
     }
     if (!good)
         return state.SkipWithError("a transfer failed, or frames are missing");
     state.SetItemsProcessed(state.iterations() * task.items);
-    state.counters["best"] = benchmark::Counter(task.items / own.best);
+    state.counters["best"] = benchmark::Counter(task.items / master.best);
     state.counters["bestBare"] = benchmark::Counter(task.items / bare.best);
-    state.counters["ofBare"] = benchmark::Counter(bare.best / own.best);
+    state.counters["ofBare"] = benchmark::Counter(bare.best / master.best);
 }
 
 [[maybe_unused]] const bool registered = [] {

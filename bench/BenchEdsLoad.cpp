@@ -1,4 +1,4 @@
-// Loading a data sheet into the dictionary, next to reading the same lines and doing nothing with them.
+// Loading a data sheet into the dictionary, compared with reading its lines only.
 // SPDX-License-Identifier: MIT
 #include "SheetMaker.h"
 #include "dic/CANopen.h"

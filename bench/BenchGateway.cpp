@@ -1,4 +1,4 @@
-// Exchanges with the simulator's gateway, next to a bare ping-pong of lines of the same length over TCP.
+// Exchanges with the simulator's gateway, compared with bare exchanges of lines of the same length over TCP.
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayThread.h"
 #include "SheetMaker.h"
@@ -25,8 +25,8 @@ void readThroughGateway(benchmark::State& state)
 {
     const CSheet sheet(10);
     CGatewayThread gateway;
-    const QString trouble = gateway.addNode(node, sheet.fileName()) + gateway.start();
-    if (!trouble.isEmpty() || top_init(INADDR_LOOPBACK, gateway.port(), nullptr, 0) != 0)
+    const QString error = gateway.addNode(node, sheet.fileName()) + gateway.start();
+    if (!error.isEmpty() || top_init(INADDR_LOOPBACK, gateway.port(), nullptr, 0) != 0)
         return state.SkipWithError("no gateway");
     for (auto _ : state) {
         uint32_t value = 0;
@@ -38,7 +38,7 @@ void readThroughGateway(benchmark::State& state)
 }
 BENCHMARK(readThroughGateway)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
-// One client that gets `answer` for each message, whatever it says.
+// A client, and a server thread that sends `answer` for each message whatever it holds.
 class CPingPong
 {
 public:

@@ -22,11 +22,11 @@ int __wrap_bind(int descriptor, const sockaddr* address, socklen_t size);
 namespace
 {
 
-constexpr timeval endingIsSeen = { 0, 100000 };
+constexpr timeval receiveTimeout = { 0, 100000 }; // then the node sees that it is to end
 constexpr canid_t answerId = 0x585;
 constexpr int segmentSize = 7;
 
-int nearSocket = -1; // what a CAN socket is in place of, or -1
+int localSocket = -1; // given to the CAN controller in place of a CAN socket; -1: it gets a CAN socket
 
 int openVcan()
 {
@@ -54,12 +54,12 @@ can_frame answerFrame(int command)
 
 int __wrap_socket(int family, int type, int protocol)
 {
-    return family == PF_CAN && nearSocket >= 0 ? dup(nearSocket) : __real_socket(family, type, protocol);
+    return family == PF_CAN && localSocket >= 0 ? dup(localSocket) : __real_socket(family, type, protocol);
 }
 
 int __wrap_bind(int descriptor, const sockaddr* address, socklen_t size)
 {
-    return address->sa_family == AF_CAN && nearSocket >= 0 ? 0 : __real_bind(descriptor, address, size);
+    return address->sa_family == AF_CAN && localSocket >= 0 ? 0 : __real_bind(descriptor, address, size);
 }
 
 CCanBus::CCanBus(TCanBus bus)
@@ -68,10 +68,10 @@ CCanBus::CCanBus(TCanBus bus)
     if (bus == busVcan0)
         ends[1] = openVcan();
     else if (socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends) == 0)
-        nearSocket = ends[0];
-    m_near = ends[0];
-    m_far = ends[1];
-    setsockopt(m_far, SOL_SOCKET, SO_RCVTIMEO, &endingIsSeen, sizeof endingIsSeen);
+        localSocket = ends[0];
+    m_masterSocket = ends[0];
+    m_nodeSocket = ends[1];
+    setsockopt(m_nodeSocket, SOL_SOCKET, SO_RCVTIMEO, &receiveTimeout, sizeof receiveTimeout);
 }
 
 CCanBus::~CCanBus()
@@ -79,14 +79,14 @@ CCanBus::~CCanBus()
     m_ending = true;
     if (m_node.joinable())
         m_node.join();
-    close(m_far);
-    close(m_near);
-    nearSocket = -1;
+    close(m_nodeSocket);
+    close(m_masterSocket);
+    localSocket = -1;
 }
 
-int CCanBus::openNear() const
+int CCanBus::openMasterSocket() const
 {
-    const int descriptor = m_near >= 0 ? dup(m_near) : openVcan();
+    const int descriptor = m_masterSocket >= 0 ? dup(m_masterSocket) : openVcan();
     fcntl(descriptor, F_SETFL, O_NONBLOCK);
     return descriptor;
 }
@@ -96,7 +96,7 @@ bool CCanBus::fill(int frames) const
     can_frame frame = answerFrame(0);
     frame.can_id = 0x181;
     for (int n = 0; n < frames; ++n)
-        if (write(m_far, &frame, sizeof frame) != sizeof frame)
+        if (write(m_nodeSocket, &frame, sizeof frame) != sizeof frame)
             return false;
     return true;
 }
@@ -112,7 +112,7 @@ void CCanBus::serve() const
     can_frame answer = {};
     int rest = 0;
     while (!m_ending) {
-        if (read(m_far, &request, sizeof request) != sizeof request)
+        if (read(m_nodeSocket, &request, sizeof request) != sizeof request)
             continue;
         if (request.data[0] == 0x40) {
             const bool atOnce = request.data[1] == 0x00 && request.data[2] == 0x10;
@@ -124,7 +124,7 @@ void CCanBus::serve() const
             rest -= count;
             answer = answerFrame((request.data[0] & 0x10) | (segmentSize - count) << 1 | (rest == 0 ? 1 : 0));
         }
-        if (write(m_far, &answer, sizeof answer) != sizeof answer)
+        if (write(m_nodeSocket, &answer, sizeof answer) != sizeof answer)
             return;
     }
 }

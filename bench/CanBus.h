@@ -7,11 +7,11 @@
 
 struct can_frame;
 
-/// Where frames travel: on vcan0, or between two local sockets, which every machine has and which cost about the same.
+/// How frames are sent: on vcan0, or between two local sockets, which every machine has and which take about as long.
 enum TCanBus { busVcan0, busSockets };
 
-/// The bus while an object lives; one object at a time. The CAN controller, when it opens vcan0, gets a socket of this
-/// bus.
+/// A bus for as long as the object lives; only one object at a time. When the CAN controller opens vcan0, it gets a
+/// socket of this bus.
 class CCanBus
 {
 public:
@@ -20,21 +20,21 @@ public:
     CCanBus(const CCanBus&) = delete;
     CCanBus& operator=(const CCanBus&) = delete;
 
-    bool isOpen() const { return m_far >= 0; }
-    /// A socket like that of the CAN controller, which a bare loop uses in its place; -1 when there is none.
-    int openNear() const;
-    /// Puts so many frames onto the bus, from the other side. @return false when one did not fit
+    bool isOpen() const { return m_nodeSocket >= 0; }
+    /// A socket like that of the CAN controller, for a bare loop, which closes it; -1 when there is none.
+    int openMasterSocket() const;
+    /// The node sends so many frames. @return false when one did not fit
     bool fill(int frames) const;
 
-    /// Answers every SDO upload: 1000h by four bytes at once, others by `uploadSize` bytes in segments.
+    /// The node answers every SDO upload from now on: 1000h expedited, others with `uploadSize` bytes in segments.
     void answer();
     static constexpr int uploadSize = 10000;
 
 private:
     void serve() const;
 
-    int m_near = -1; // of the local sockets
-    int m_far = -1;  // the other side
+    int m_masterSocket = -1; // -1 on vcan0
+    int m_nodeSocket = -1;
     std::atomic<bool> m_ending = false;
     std::thread m_node;
 };

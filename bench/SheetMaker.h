@@ -5,7 +5,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// A data sheet of `objects` RECORD objects with five entries each, about 600 bytes an object, in a folder of its own.
+/// A data sheet of `objects` RECORD objects with five entries each, about 600 bytes an object, in a temporary folder.
 class CSheet
 {
 public:

@@ -12,7 +12,7 @@ target_compile_options(velmora_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual -Wformat-security -Wundef
     $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
-# Tests compare with plain literals: they set VELMORA_PLAIN_LITERALS.
+# Tests set VELMORA_PLAIN_LITERALS: they compare texts with plain literals.
 target_compile_definitions(velmora_settings INTERFACE
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>:QT_NO_CAST_FROM_ASCII>
     QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
@@ -24,7 +24,7 @@ if(VELMORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 elseif(VELMORA_SANITIZE_UNDEFINED)
-    # Not the tests' own code, which takes long to build: both sanitizers look at that.
+    # Not for the code of the tests, which would take long to build; VELMORA_SANITIZE covers it.
     target_compile_options(velmora_settings INTERFACE
         $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>:-fsanitize=undefined;-fno-sanitize-recover=all>)
     add_link_options(-fsanitize=undefined)
