@@ -1,9 +1,9 @@
 #!/bin/bash
 # Builds the browser and the simulator, starts a simulated device and the browser, and says what to do next.
-# Without a display, or with --headless, it plays that session by itself in Xvfb and checks what arrived at the device.
+# Without a display, or with --headless, the script operates the browser in Xvfb and checks what arrives at the device.
 #   ./demo.sh [--can] [--headless | --start]
-# With --can the device is on the CAN interface vcan0, otherwise behind a gateway. With --start the session without a
-# display ends as soon as its first window is there.
+# With --can the device is on the CAN interface vcan0, otherwise it is reached through a gateway. With --start the
+# session without a display ends as soon as its first window is there.
 # SPDX-License-Identifier: MIT
 set -eu
 cd "$(dirname "$0")"
@@ -28,11 +28,11 @@ if $can; then demo+=-can; fi
 sheet=$PWD/share/velmora/velmora-demo.eds
 node=5
 simulator_log=$demo/velmora-sim.log
-patience=600 # seconds: only ends what would wait for ever; the busiest machine needs far less
+wait_limit=600 # seconds, far more than a busy machine needs: only ends a wait that would never end
 started=()
-declare -A needed=() # the programs without which the session cannot go on: their names and processes
+declare -A needed=() # the programs without which the session cannot go on: process ids by name
 
-# start COMMAND...: starts a program in the background, which writes to a log of its name; sets `process`.
+# start COMMAND...: starts a program in the background, with its output in a log named after it; sets `process`.
 start() {
     local name=${1##*/}
     "$@" > "$demo/$name.log" 2>&1 &
@@ -41,8 +41,8 @@ start() {
     needed[$name]=$process
 }
 
-# Succeeds when a needed program has ended, and says which, how, and its last words.
-someone_ended() {
+# Succeeds when a needed program has ended; prints its name, its status and the end of its log.
+needed_program_ended() {
     local name status any=1
     for name in "${!needed[@]}"; do
         if kill -0 "${needed[$name]}" 2> /dev/null; then continue; fi
@@ -56,18 +56,19 @@ someone_ended() {
     return $any
 }
 
-# Names for a few seconds all that end: whose windows or keys failed may be about to end, and others with it.
-name_who_ended() {
+# After a failure: prints the needed programs that end within 5 seconds. A window or key often fails because a program
+# is just ending.
+print_ended_programs() {
     local end=$((SECONDS + 5))
     while [ ${#needed[@]} -gt 0 ] && ((SECONDS < end)); do
-        someone_ended || sleep 0.05
+        needed_program_ended || sleep 0.05
     done
 }
 
 # Ends every process that this script has started, the last one first.
 finish() {
     local status=$? n
-    [ $status -eq 0 ] || name_who_ended
+    [ $status -eq 0 ] || print_ended_programs
     for ((n = ${#started[@]} - 1; n >= 0; n--)); do
         kill "${started[n]}" 2> /dev/null || true
         wait "${started[n]}" 2> /dev/null || true
@@ -76,30 +77,30 @@ finish() {
 trap finish EXIT
 trap 'needed=(); exit 1' INT TERM
 
-# wait_for COMMAND...: tries the command until it succeeds, at most `patience` seconds. Ends the script as soon as a
+# wait_for COMMAND...: tries the command until it succeeds, at most `wait_limit` seconds. Ends the script as soon as a
 # needed program has ended.
 wait_for() {
-    local end=$((SECONDS + patience))
+    local end=$((SECONDS + wait_limit))
     until "$@" > /dev/null 2>&1; do
-        ! someone_ended || exit 1
+        ! needed_program_ended || exit 1
         ((SECONDS < end)) || return 1
         sleep 0.05
     done
 }
 
-# The simulator takes part in the network or has ended.
-simulator_decided() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$process"; }
+# Succeeds when the simulator is on the bus or listening as a gateway, or has ended.
+simulator_started_or_ended() { grep -q '^velmora-sim: .* on ' "$simulator_log" || ! kill -0 "$process"; }
 
-# Starts the simulator on vcan0, or on the gateway's usual port, or on a free one when that is taken; sets `interface`
-# to what reaches it.
+# Starts the simulator on vcan0, or as a gateway on port 60000, or on a free port when that is taken; sets `interface`
+# to the name that the browser needs.
 start_simulator() {
     local place places=("--gateway 60000" "--gateway 0") port
     if $can; then places=("--can vcan0"); fi
     for place in "${places[@]}"; do
         # shellcheck disable=SC2086 # an option and its value
         start build/release/sim/velmora-sim $place --node "$node=$sheet" -v
-        unset "needed[velmora-sim]" # another place may be free
-        wait_for simulator_decided || break
+        unset "needed[velmora-sim]" # when it ends because the port is taken, the next one is tried
+        wait_for simulator_started_or_ended || break
         port=$(sed -n 's/.*gateway on .* port \([0-9]*\).*/\1/p' "$simulator_log")
         interface=$(sed -n 's/.*CAN on \([^ ]*\).*/\1/p' "$simulator_log")${port:+localhost:$port}
         [ -z "$interface" ] || { needed[velmora-sim]=$process; return 0; }
@@ -108,7 +109,7 @@ start_simulator() {
     fail "the simulator did not start"
 }
 
-# Settings of the demonstration's own: the interface in its history, the sample sheet in the recent files.
+# Settings for the demonstration only: the interface in the history, the sample sheet in the recent files.
 write_settings() {
     export XDG_CONFIG_HOME=$demo/settings
     mkdir -p "$XDG_CONFIG_HOME"
@@ -117,18 +118,18 @@ write_settings() {
         "Used%20Interfaces\\Interface1=$interface" > "$XDG_CONFIG_HOME/Brask Works.conf"
 }
 
-# A network namespace has no way to displays over TCP, User Mode Linux to none.
-shows_windows() { [ "$1" = namespace ] && [[ ${DISPLAY:-} == :* || -n ${WAYLAND_DISPLAY:-} ]]; }
+# A network namespace reaches displays with a local socket, but not over TCP; User Mode Linux reaches none.
+can_show_windows() { [ "$1" = namespace ] && [[ ${DISPLAY:-} == :* || -n ${WAYLAND_DISPLAY:-} ]]; }
 
-# Runs this script once more where vcan0 exists, with everything built.
+# Runs this script again where vcan0 exists; everything is built by then.
 enter_bus() {
     local way
     export VELMORA_VCAN_INTERFACES=vcan0
     scripts/vcan/with-vcan --way > /dev/null 2>&1 || install_missing "${can_packages[@]}"
     way=$(scripts/vcan/with-vcan --way)
     stage "Entering a CAN bus: $way"
-    if [ "$way" != host ] && ! $headless && ! shows_windows "$way"; then
-        echo "The way to vcan0 on this machine ($way) shows no windows: the session is played without them."
+    if [ "$way" != host ] && ! $headless && ! can_show_windows "$way"; then
+        echo "Windows cannot be shown from where vcan0 is ($way): the session runs without a display."
         headless=true
         install_missing "${demo_packages[@]}"
     fi
@@ -163,8 +164,8 @@ Three steps in the browser:
   2. File, Recently used, and the sample sheet velmora-demo.eds.
   3. Double-click Node $node and select objects: their values are read from the device.
 
-The device's log is in ${simulator_log#"$PWD"/}. It ends with the browser.
+The device's log is in ${simulator_log#"$PWD"/}. Closing the browser ends the device, too.
 END
     start build/release/src/velmora
-    wait "$process" # in the background, so that ending this script ends the browser, too
+    wait "$process" # the browser is in the background, so that ending this script ends it
 fi

@@ -20,7 +20,7 @@ esac
 mkdir -p build
 summaries=()
 
-# suite PRESET: builds and runs the tests; keeps ctest's closing lines for the end.
+# suite PRESET: builds and runs the tests; keeps ctest's result line for the summary.
 suite() {
     build "$1"
     stage "Testing $1"
@@ -28,29 +28,29 @@ suite() {
     summaries+=("$1: $(grep 'tests passed' "build/$1.ctest.log")")
 }
 
-# The tests on vcan0, `way` as with-vcan names it.
+# The tests on vcan0; `way` is the one that with-vcan takes.
 suite_on_vcan() {
     stage "Testing with-vcan: $way"
-    tests/vcan/check-with-vcan || fail "scripts/vcan/with-vcan does not do what it should"
+    tests/vcan/check-with-vcan || fail "the checks of scripts/vcan/with-vcan failed"
     stage "Testing on vcan0: $way"
     scripts/vcan/with-vcan ctest --preset vcan 2>&1 | tee build/vcan.ctest.log || fail "tests on vcan0 failed"
     summaries+=("vcan0: $(grep 'tests passed' build/vcan.ctest.log)")
 }
 
-# Versions of clang-format differ in what they find right: one decides, the others do not check.
+# Versions of clang-format format differently: only version 14 checks.
 format() {
-    local decides=clang-format-14 files
-    if ! command -v $decides > /dev/null; then
-        summaries+=("formatting: left to $decides")
+    local checker=clang-format-14 files
+    if ! command -v $checker > /dev/null; then
+        summaries+=("formatting: not checked, it takes $checker")
         return
     fi
     stage "Formatting"
     files=$(git ls-files '*.cpp' '*.h')
     [ -n "$files" ] || fail "this is no git checkout"
-    xargs $decides --dry-run -Werror <<< "$files" || fail "run $decides -i on these files"
+    xargs $checker --dry-run -Werror <<< "$files" || fail "run $checker -i on these files"
 }
 
-# The sources that this branch changes; all of them when a header has changed or there is nothing to compare with.
+# The sources that this branch changes; all of them when a header has changed or there is no origin/main.
 tidy_files() {
     if git rev-parse -q --verify origin/main > /dev/null &&
         git diff --quiet origin/main -- 'src/*.h' 'sim/*.h' .clang-tidy; then
@@ -63,7 +63,7 @@ tidy_files() {
 tidy() {
     stage "clang-tidy $clang_major"
     tidy_files | xargs -r -n 1 -P "$(nproc)" "clang-tidy-$clang_major" --quiet -p build/asan \
-        > build/tidy.log 2> build/tidy.err || { cat build/tidy.log; fail "clang-tidy found something"; }
+        > build/tidy.log 2> build/tidy.err || { cat build/tidy.log; fail "clang-tidy has findings"; }
     echo "$(tidy_files | wc -l) files without findings"
 }
 
@@ -75,9 +75,9 @@ else
     install_clang_tools
     if $can; then
         install_missing "${can_packages[@]}"
-        # These tests make interfaces of their own and buffer many frames: other users may do that in there only.
+        # These tests create interfaces and large socket buffers, which needs root: User Mode Linux runs them as root.
         [ "$(id -u)" -eq 0 ] || export VELMORA_VCAN=${VELMORA_VCAN:-uml}
-        way=$(scripts/vcan/with-vcan --way) || fail "there is no vcan0 here; ./test.sh --without-can leaves out what needs it"
+        way=$(scripts/vcan/with-vcan --way) || fail "no vcan0 here; ./test.sh --without-can leaves out what needs it"
     fi
     format
     suite dev
@@ -86,7 +86,7 @@ else
     tidy
     build release
     stage "Demonstration without a display"
-    tests/demo/check-demo || fail "demo.sh does not say who has ended"
+    tests/demo/check-demo || fail "demo.sh does not report programs that end"
     ./demo.sh --headless
 fi
 $can || summaries+=("vcan0: left out")

@@ -1,4 +1,4 @@
-# Shared by demo.sh and test.sh: stage titles, the installation of what is missing, builds. Sourced, not run.
+# Shared by demo.sh and test.sh: stage titles, installation of missing packages, builds. Sourced, not run.
 # SPDX-License-Identifier: MIT
 . scripts/compilers.sh
 
@@ -12,8 +12,8 @@ find_clang > /dev/null || test_packages+=(clang)
 stage() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 
-# install_missing PACKAGE...: installs the Debian packages that are not there yet, with sudo where it is needed. Where
-# that is impossible it says what is missing and ends the script.
+# install_missing PACKAGE...: installs the Debian packages that are not installed yet, with sudo where it is needed.
+# Where that is impossible it names the missing packages and ends the script.
 install_missing() {
     local package missing=() run=()
     for package in "$@"; do
@@ -24,26 +24,26 @@ install_missing() {
         command -v sudo > /dev/null || fail "please install these packages first: ${missing[*]}"
         run=(sudo)
     fi
-    command -v apt-get > /dev/null || fail "please install what these Debian packages hold: ${missing[*]}"
+    command -v apt-get > /dev/null || fail "please install the equivalents of these Debian packages: ${missing[*]}"
     stage "Installing ${missing[*]}"
     { "${run[@]}" apt-get update -q && "${run[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -qy --no-install-recommends "${missing[@]}"; } > build/packages.log 2>&1 ||
         { tail -n 20 build/packages.log; fail "these packages could not be installed: ${missing[*]}"; }
 }
 
-# install_clang_tools: what goes with the clang that is there; sets `clang` and `clang_major`.
+# install_clang_tools: installs those of the version of the installed clang; sets `clang` and `clang_major`.
 install_clang_tools() {
     clang=$(find_clang) || fail "clang $least_clang or later is needed"
     clang_major=$(major_version "$clang")
     install_missing "libclang-rt-$clang_major-dev" "clang-format-$clang_major" "clang-tidy-$clang_major"
 }
 
-# build PRESET: configures and builds, asan with clang and the others with gcc; quiet unless it fails.
+# build PRESET: configures and builds, asan with clang and the others with gcc; prints the log only if it fails.
 build() {
     local compiler
     if [ "$1" = asan ]; then compiler=$clang; else compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed"; fi
     stage "Building $1 with $compiler $(major_version "$compiler")"
-    # cmake forgets the preset where another compiler has been: then from the beginning.
+    # When the compiler changes, cmake loses the settings of the preset: configure from scratch.
     local cached fresh=()
     cached=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "build/$1/CMakeCache.txt" 2> /dev/null) || true
     [ "${cached##*/}" = "$compiler" ] || fresh=(--fresh)

@@ -1,8 +1,8 @@
-// Preloaded into linux.uml alone: lets it restore the registers of processes on a processor with large ones (AMX).
+// Preloaded into linux.uml only: lets it restore the registers of processes on a processor with large ones (AMX).
 // SPDX-License-Identifier: MIT
 //
-// Its buffer of fixed size holds fewer than there are; the kernel takes NT_X86_XSTATE as a whole only and refuses less
-// with EFAULT.
+// The buffer of linux.uml has a fixed size, too small for these registers. The kernel sets NT_X86_XSTATE only as a
+// whole and refuses a part with EFAULT.
 #include <dlfcn.h>
 #include <elf.h>
 #include <sys/ptrace.h>
@@ -19,12 +19,12 @@ namespace
 
 using tPtrace = long (*)(__ptrace_request, pid_t, void*, void*);
 
-// Found before linux.uml runs: later it calls from small stacks of its own, where looking up is too much. For the same
-// reason the whole set has a static place; linux.uml has one thread.
+// Looked up before linux.uml runs: it calls ptrace on small stacks, which have no room for dlsym. For the same reason
+// the register set is static; linux.uml has one thread.
 const tPtrace systemPtrace = reinterpret_cast<tPtrace>(dlsym(RTLD_NEXT, "ptrace"));
 alignas(64) std::uint8_t wholeSet[65536];
 
-// Sets the whole register set, with the caller's data at its beginning and what the process has now behind it.
+// Sets the whole register set: the caller's data, then the registers that the process has now.
 long setWhole(pid_t process, void* type, const iovec& part)
 {
     iovec whole = { wholeSet, sizeof wholeSet };
