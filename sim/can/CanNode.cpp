@@ -3,7 +3,6 @@
 #include "can/CanNode.h"
 
 #include "can/SdoFrames.h"
-#include "device/SdoLog.h"
 
 #include <algorithm>
 #include <iterator>

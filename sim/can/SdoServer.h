@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "can/SdoTransfer.h"
 #include "device/SimulatedNode.h"
 
 #include <QByteArray>
@@ -11,15 +12,6 @@
 
 /// The longest value that a download may bring, in bytes.
 constexpr qsizetype longestDownload = 65536;
-
-/// A transfer that has ended. `data` is what was written, as far as it got, or the whole value that was to be read.
-struct tSdoTransfer {
-    bool writes = false;
-    unsigned index = 0;
-    unsigned subIndex = 0;
-    QByteArray data;
-    tAbortCode abortCode = abortNone;
-};
 
 /// What a server does wrong on request; without a change it does nothing wrong. Answers are counted from 1, the one to
 /// the initiate.

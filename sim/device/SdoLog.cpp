@@ -1,8 +1,8 @@
-// One SDO transfer as a line of the log, alike on every front-end.
+// One SDO transfer as a line of the log, the same for every front-end.
 // SPDX-License-Identifier: MIT
 #include "device/SdoLog.h"
 
-#include "gateway/GatewayTypes.h"
+#include "device/TypeWords.h"
 
 QByteArray sdoLine(const tSdoLine& line)
 {
@@ -11,19 +11,4 @@ QByteArray sdoLine(const tSdoLine& line)
     if (!line.value.isEmpty())
         text += ' ' + line.value;
     return text + " = " + line.result;
-}
-
-QByteArray describeTransfer(unsigned nodeId, const CSimulatedNode& node, const tSdoTransfer& transfer)
-{
-    const tGatewayType* type = &gatewayTypeFor(node.typeOf(transfer.index, transfer.subIndex));
-    const bool failed = transfer.abortCode != abortNone;
-    const int width = type->type.width;
-    if (width != 0 && !transfer.data.isEmpty() && transfer.data.size() != width)
-        type = &gatewayTypeFor(std::nullopt);
-    const QByteArray value = failed && transfer.data.isEmpty() ? QByteArray() : shownValue(*type, transfer.data);
-    const QByteArray result = failed            ? "ERROR: " + hexadecimal(transfer.abortCode, 8)
-                              : transfer.writes ? QByteArray("OK")
-                                                : value;
-    return sdoLine({ nodeId, transfer.writes ? "write" : "read", transfer.index, transfer.subIndex, type->word,
-                     transfer.writes ? value : QByteArray(), result });
 }

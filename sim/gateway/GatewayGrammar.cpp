@@ -63,7 +63,7 @@ bool store(std::optional<quint32> number, quint32& place)
 
 bool takeType(CLineScanner& scanner, tGatewayRequest& request)
 {
-    request.type = gatewayType(scanner.word());
+    request.type = findTypeWord(scanner.word());
     if (request.type != nullptr && request.type->encode == nullptr)
         request.error = gatewayNotSupported;
     return request.type != nullptr && request.type->encode != nullptr;

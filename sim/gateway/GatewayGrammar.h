@@ -13,7 +13,7 @@
 // hexadecimal or "0" octal. Items stand apart by blanks or tabs.
 #pragma once
 
-#include "gateway/GatewayTypes.h"
+#include "device/TypeWords.h"
 
 #include <QByteArray>
 
@@ -73,7 +73,7 @@ struct tGatewayRequest {
     quint32 subIndex = 0;
     quint32 number = 0; // the bit rate, time, or message length
     quint32 identifier = 0;
-    const tGatewayType* type = nullptr;
+    const tTypeWord* type = nullptr;
     QByteArray data;         // the value of a write, the bytes of a message
     bool awaitsData = false; // its data line comes next, also when there is an error
 

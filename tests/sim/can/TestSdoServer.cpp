@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
 #include "SdoFrame.h"
-#include "device/SdoLog.h"
 #include "can/SdoServer.h"
 #include "device/SimulatedNetwork.h"
 

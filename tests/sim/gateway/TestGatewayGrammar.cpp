@@ -73,7 +73,7 @@ void TestGatewayGrammar::argumentsAreRead()
     QCOMPARE(write.node, 127U);
     QCOMPARE(write.index, 0x1A00U);
     QCOMPARE(write.subIndex, 15U);
-    QCOMPARE(write.type, gatewayType("u16"));
+    QCOMPARE(write.type, findTypeWord("u16"));
     QCOMPARE(write.data, QByteArray("\x34\x12"));
     QVERIFY(write.isSdo());
     const tGatewayRequest remote = readRequest("[1] send 0x701 rtr 8");

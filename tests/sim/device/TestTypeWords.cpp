@@ -1,6 +1,6 @@
-// The data type words of the gateway: texts of values to bytes and back.
+// The words for data types: texts of values to bytes and back.
 // SPDX-License-Identifier: MIT
-#include "gateway/GatewayTypes.h"
+#include "device/TypeWords.h"
 
 #include <QTest>
 
@@ -14,7 +14,7 @@ QByteArray hex(const char* digits)
 
 } // namespace
 
-class TestGatewayTypes : public QObject
+class TestTypeWords : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private Q_SLOTS:
     void entriesHaveTheTypeThatClientsAskFor();
 };
 
-void TestGatewayTypes::valuesAreEncodedAndDecoded_data()
+void TestTypeWords::valuesAreEncodedAndDecoded_data()
 {
     QTest::addColumn<QByteArray>("word");
     QTest::addColumn<QByteArray>("text");
@@ -82,13 +82,13 @@ void TestGatewayTypes::valuesAreEncodedAndDecoded_data()
             << QByteArray(row.word) << QByteArray(row.text) << row.bytes << QByteArray(row.answer);
 }
 
-void TestGatewayTypes::valuesAreEncodedAndDecoded()
+void TestTypeWords::valuesAreEncodedAndDecoded()
 {
     QFETCH(QByteArray, word);
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, answer);
-    const tGatewayType* type = gatewayType(word);
+    const tTypeWord* type = findTypeWord(word);
     QVERIFY(type != nullptr);
     const auto encoded = type->encode(text, type->type);
     QVERIFY(encoded.has_value());
@@ -96,7 +96,7 @@ void TestGatewayTypes::valuesAreEncodedAndDecoded()
     QCOMPARE(type->decode(bytes, type->type), answer);
 }
 
-void TestGatewayTypes::wrongValuesAreRefused_data()
+void TestTypeWords::wrongValuesAreRefused_data()
 {
     QTest::addColumn<QByteArray>("word");
     QTest::addColumn<QByteArray>("text");
@@ -114,52 +114,52 @@ void TestGatewayTypes::wrongValuesAreRefused_data()
         QTest::addRow("%s %s", word, text) << QByteArray(word) << QByteArray(text);
 }
 
-void TestGatewayTypes::wrongValuesAreRefused()
+void TestTypeWords::wrongValuesAreRefused()
 {
     QFETCH(QByteArray, word);
     QFETCH(QByteArray, text);
-    const tGatewayType* type = gatewayType(word);
+    const tTypeWord* type = findTypeWord(word);
     QVERIFY(type != nullptr);
     QVERIFY(!type->encode(text, type->type).has_value());
 }
 
-void TestGatewayTypes::wordsAreFoundInAnyCase()
+void TestTypeWords::wordsAreFoundInAnyCase()
 {
-    QCOMPARE(gatewayType("U16"), gatewayType("u16"));
-    QVERIFY(gatewayType("D") != nullptr);
+    QCOMPARE(findTypeWord("U16"), findTypeWord("u16"));
+    QVERIFY(findTypeWord("D") != nullptr);
     for (const char* word : { "", "u", "u12", "u160", "x" })
-        QVERIFY(gatewayType(word) == nullptr);
+        QVERIFY(findTypeWord(word) == nullptr);
 }
 
-void TestGatewayTypes::wordsThatAreNotServedAreKnown_data()
+void TestTypeWords::wordsThatAreNotServedAreKnown_data()
 {
     QTest::addColumn<QByteArray>("word");
     for (const char* word : { "os", "us", "t", "td" })
         QTest::newRow(word) << QByteArray(word);
 }
 
-void TestGatewayTypes::wordsThatAreNotServedAreKnown()
+void TestTypeWords::wordsThatAreNotServedAreKnown()
 {
     QFETCH(QByteArray, word);
-    const tGatewayType* type = gatewayType(word);
+    const tTypeWord* type = findTypeWord(word);
     QVERIFY(type != nullptr);
     QVERIFY(type->encode == nullptr);
 }
 
-void TestGatewayTypes::base64WithoutPaddingIsTaken()
+void TestTypeWords::base64WithoutPaddingIsTaken()
 {
-    const tGatewayType* type = gatewayType("d");
+    const tTypeWord* type = findTypeWord("d");
     QCOMPARE(type->encode("QQ", type->type).value(), QByteArray("A"));
 }
 
-void TestGatewayTypes::bytesAreShownAsTextOrOctets()
+void TestTypeWords::bytesAreShownAsTextOrOctets()
 {
     QCOMPARE(readable("Velmora"), QByteArray("\"Velmora\""));
     QCOMPARE(readable(""), QByteArray("\"\""));
     QCOMPARE(readable(hex("00FF41")), QByteArray("00 FF 41"));
 }
 
-void TestGatewayTypes::entriesHaveTheTypeThatClientsAskFor_data()
+void TestTypeWords::entriesHaveTheTypeThatClientsAskFor_data()
 {
     QTest::addColumn<int>("dataType");
     QTest::addColumn<QByteArray>("bytes");
@@ -189,16 +189,16 @@ void TestGatewayTypes::entriesHaveTheTypeThatClientsAskFor_data()
     row("d", 0x7F, "00", "00");
 }
 
-void TestGatewayTypes::entriesHaveTheTypeThatClientsAskFor()
+void TestTypeWords::entriesHaveTheTypeThatClientsAskFor()
 {
     QFETCH(int, dataType);
     QFETCH(QByteArray, bytes);
     QFETCH(QByteArray, shown);
-    const tGatewayType& type = gatewayTypeFor(valueType(dataType));
+    const tTypeWord& type = typeWordFor(valueType(dataType));
     QCOMPARE(QByteArray(type.word), QByteArray(QTest::currentDataTag()).split(' ').first());
     QCOMPARE(shownValue(type, bytes), shown);
-    QCOMPARE(QByteArray(gatewayTypeFor(std::nullopt).word), QByteArray("d"));
+    QCOMPARE(QByteArray(typeWordFor(std::nullopt).word), QByteArray("d"));
 }
 
-QTEST_GUILESS_MAIN(TestGatewayTypes)
-#include "TestGatewayTypes.moc"
+QTEST_GUILESS_MAIN(TestTypeWords)
+#include "TestTypeWords.moc"

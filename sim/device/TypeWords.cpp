@@ -1,6 +1,6 @@
-// The data type words of gateway commands ("u8", "d", ...): the text of a value to its bytes and back.
+// The words for data types in gateway commands and in the log ("u8", "d", ...): texts of values to bytes and back.
 // SPDX-License-Identifier: MIT
-#include "gateway/GatewayTypes.h"
+#include "device/TypeWords.h"
 
 #include <algorithm>
 #include <iterator>
@@ -72,7 +72,7 @@ QByteArray decodeText(const QByteArray& bytes, tValueType)
     return quoted(bytes);
 }
 
-constexpr tGatewayType types[] = {
+constexpr tTypeWord types[] = {
     { "b", { kindBoolean, 1 }, encodeNumber, decodeBoolean },
     { "d", { kindOctets, 0 }, encodeBase64, decodeBase64 },
     { "i8", { kindSigned, 1 }, encodeNumber, decodeSigned },
@@ -102,24 +102,24 @@ constexpr tGatewayType types[] = {
 
 } // namespace
 
-const tGatewayType* gatewayType(const QByteArray& word)
+const tTypeWord* findTypeWord(const QByteArray& word)
 {
-    const auto row = std::find_if(std::begin(types), std::end(types), [&word](const tGatewayType& each) {
+    const auto row = std::find_if(std::begin(types), std::end(types), [&word](const tTypeWord& each) {
         return word.compare(each.word, Qt::CaseInsensitive) == 0;
     });
     return row == std::end(types) ? nullptr : row;
 }
 
-const tGatewayType& gatewayTypeFor(std::optional<tValueType> type)
+const tTypeWord& typeWordFor(std::optional<tValueType> type)
 {
     const bool number = type && type->width != 0 && type->kind != kindDate && type->kind != kindTimeOfDay;
     const tValueType wanted = number ? *type : tValueType{ kindOctets, 0 };
-    return *std::find_if(std::begin(types), std::end(types), [wanted](const tGatewayType& each) {
+    return *std::find_if(std::begin(types), std::end(types), [wanted](const tTypeWord& each) {
         return each.encode != nullptr && each.type.kind == wanted.kind && each.type.width == wanted.width;
     });
 }
 
-QByteArray shownValue(const tGatewayType& type, const QByteArray& bytes)
+QByteArray shownValue(const tTypeWord& type, const QByteArray& bytes)
 {
     return type.type.kind == kindOctets ? readable(bytes) : type.decode(bytes, type.type);
 }

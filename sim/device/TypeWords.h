@@ -1,4 +1,4 @@
-// The data type words of gateway commands ("u8", "d", ...): the text of a value to its bytes and back.
+// The words for data types in gateway commands and in the log ("u8", "d", ...): texts of values to bytes and back.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,8 +8,8 @@
 
 #include <optional>
 
-/// One data type word. `encode` and `decode` are null for words that the simulator knows and does not serve.
-struct tGatewayType {
+/// One word. `encode` and `decode` are null where the simulator knows the word but does not support the type.
+struct tTypeWord {
     const char* word;
     tValueType type;
     std::optional<QByteArray> (*encode)(const QByteArray& text, tValueType type);
@@ -22,20 +22,20 @@ struct tGatewayType {
 ///   r32 r64               1.5, or the bit pattern 0x3FC00000   i8 i16 ... i64   number; answered as -12
 ///   d                     any bytes in base64; answered as "=" when there are none
 ///   vs                    a word, or a quoted text in which a double quote is written twice
-///   os us t td            not served
-const tGatewayType* gatewayType(const QByteArray& word);
+///   os us t td            not supported
+const tTypeWord* findTypeWord(const QByteArray& word);
 
-/// The row for an entry of this layout, the way clients ask for it: "d" for what is no number, or for none.
-const tGatewayType& gatewayTypeFor(std::optional<tValueType> type);
+/// The row by which clients read an entry of this layout: "d" unless it is a number, also when the layout is unknown.
+const tTypeWord& typeWordFor(std::optional<tValueType> type);
 
-/// A value of the type as a log shows it: any bytes as `readable` has them, numbers as they are answered.
-QByteArray shownValue(const tGatewayType& type, const QByteArray& bytes);
+/// A value of the type for the log: for "d" the text of `readable`, otherwise the text that a read answers.
+QByteArray shownValue(const tTypeWord& type, const QByteArray& bytes);
 
-/// A number in hexadecimal, with at least `digits` digits behind the "0x": 0x00FF.
+/// A number in hexadecimal, with at least `digits` digits after the "0x": 0x00FF.
 QByteArray hexadecimal(quint64 value, int digits);
 
 /// A text in double quotes, with the double quotes in it written twice.
 QByteArray quoted(const QByteArray& text);
 
-/// Bytes as a log shows them: printable ASCII in double quotes, anything else as hexadecimal octets: "01 FF".
+/// Bytes for the log: text in double quotes when all are printable ASCII, otherwise hexadecimal octets: 01 FF.
 QByteArray readable(const QByteArray& bytes);
