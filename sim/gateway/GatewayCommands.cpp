@@ -49,13 +49,27 @@ tGatewayAnswer abortAnswer(tAbortCode code)
     return { "ERROR: " + hexadecimal(code, 8), {}, 0 };
 }
 
+const CGatewayCommands::tHandler CGatewayCommands::handlers[] = {
+    { commandRead, &CGatewayCommands::read },
+    { commandWrite, &CGatewayCommands::write },
+    { commandNmt, &CGatewayCommands::nmt },
+    { commandInit, &CGatewayCommands::init },
+    { commandSetTimeOut, &CGatewayCommands::setTimeOut },
+    { commandInfo, &CGatewayCommands::info },
+    { commandRemoteFrame, &CGatewayCommands::remoteFrame },
+    { commandSend, &CGatewayCommands::send },
+    { commandReceive, &CGatewayCommands::receive },
+};
+
 tGatewayAnswer CGatewayCommands::execute(const tGatewayRequest& request)
 {
     if (request.error != gatewayNoError)
         return errorAnswer(request.error);
     if (request.node > lastNodeId)
         return errorAnswer(gatewayNode);
-    return (this->*request.rule->handler)(request);
+    const auto row = std::find_if(std::begin(handlers), std::end(handlers),
+                                  [&request](const tHandler& each) { return each.command == request.rule->command; });
+    return (this->*row->handle)(request);
 }
 
 // The device that a transfer is for; null when it cannot answer, with `error` set to what the client gets instead.
@@ -158,7 +172,7 @@ tGatewayAnswer CGatewayCommands::receive(const tGatewayRequest&)
 
 QByteArray describeSdo(const tGatewayRequest& request, const tGatewayAnswer& answer)
 {
-    const bool writes = request.rule->arguments[3] == argValue;
+    const bool writes = request.rule->command == commandWrite;
     return sdoLine({ request.node, writes ? "write" : "read", request.index, request.subIndex, request.type->word,
                      writes ? shownValue(*request.type, request.data) : QByteArray(),
                      answer.readable.isEmpty() ? answer.text : answer.readable });

@@ -11,9 +11,6 @@
 #include <deque>
 #include <map>
 
-/// Topics of `info`.
-enum tInfoTopic { infoHardware, infoSoftware, infoFirmware, infoCopyright, infoVersion };
-
 /// The answer to one command, without sequence number and line end.
 struct tGatewayAnswer {
     QByteArray text;     // "OK", a value, or "ERROR: " and a number
@@ -40,7 +37,18 @@ public:
     /// the SDO time-out (500 ms unless a client has set another).
     tGatewayAnswer execute(const tGatewayRequest& request);
 
-    // The handlers of the rules. Each expects a request that follows its rule.
+private:
+    struct tHandler {
+        tGatewayCommand command;
+        tGatewayAnswer (CGatewayCommands::*handle)(const tGatewayRequest& request);
+    };
+    static const tHandler handlers[];
+
+    struct tMessage {
+        quint32 identifier;
+        QByteArray data;
+    };
+
     tGatewayAnswer read(const tGatewayRequest& request);
     tGatewayAnswer write(const tGatewayRequest& request);
     tGatewayAnswer nmt(const tGatewayRequest& request);
@@ -50,13 +58,6 @@ public:
     tGatewayAnswer send(const tGatewayRequest& request);
     tGatewayAnswer remoteFrame(const tGatewayRequest& request);
     tGatewayAnswer receive(const tGatewayRequest& request);
-
-private:
-    struct tMessage {
-        quint32 identifier;
-        QByteArray data;
-    };
-
     CSimulatedNode* sdoServer(const tGatewayRequest& request, tGatewayAnswer& error) const;
 
     CSimulatedNetwork& m_network;

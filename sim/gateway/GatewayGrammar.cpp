@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayGrammar.h"
 
-#include "gateway/GatewayCommands.h"
+#include "device/SimulatedNode.h"
 #include "gateway/LineScanner.h"
 
 #include <QList>
@@ -12,27 +12,25 @@
 namespace
 {
 
-using tHandlers = CGatewayCommands;
-
 // Tried from top to bottom. The first rule that takes the whole line counts.
 constexpr tGatewayRule rules[] = {
-    { "read|r", &tHandlers::read, { argIndex, argSubIndex, argType }, 0, formNode },
-    { "write|w", &tHandlers::write, { argIndex, argSubIndex, argType, argValue }, 0, formNode },
-    { "start", &tHandlers::nmt, {}, nmtStart, formNode },
-    { "stop", &tHandlers::nmt, {}, nmtStop, formNode },
-    { "preoperational|preop", &tHandlers::nmt, {}, nmtPreOperational, formNode },
-    { "reset node", &tHandlers::nmt, {}, nmtResetNode, formNode },
-    { "reset communication|comm", &tHandlers::nmt, {}, nmtResetCommunication, formNode },
-    { "init", &tHandlers::init, { argBitRate }, 0, formPlain },
-    { "set sdo_timeout", &tHandlers::setTimeOut, { argTime }, 0, formPlain },
-    { "info hardware", &tHandlers::info, {}, infoHardware, formPlain },
-    { "info software", &tHandlers::info, {}, infoSoftware, formPlain },
-    { "info firmware", &tHandlers::info, {}, infoFirmware, formPlain },
-    { "info copyright", &tHandlers::info, {}, infoCopyright, formPlain },
-    { "info version", &tHandlers::info, {}, infoVersion, formPlain },
-    { "send", &tHandlers::remoteFrame, { argIdentifier, argRtr, argLength }, 0, formPlain },
-    { "send", &tHandlers::send, { argIdentifier, argLength }, 0, formDataLine },
-    { "receive|recv", &tHandlers::receive, {}, 0, formPlain },
+    { "read|r", commandRead, { argIndex, argSubIndex, argType }, 0, formNode },
+    { "write|w", commandWrite, { argIndex, argSubIndex, argType, argValue }, 0, formNode },
+    { "start", commandNmt, {}, nmtStart, formNode },
+    { "stop", commandNmt, {}, nmtStop, formNode },
+    { "preoperational|preop", commandNmt, {}, nmtPreOperational, formNode },
+    { "reset node", commandNmt, {}, nmtResetNode, formNode },
+    { "reset communication|comm", commandNmt, {}, nmtResetCommunication, formNode },
+    { "init", commandInit, { argBitRate }, 0, formPlain },
+    { "set sdo_timeout", commandSetTimeOut, { argTime }, 0, formPlain },
+    { "info hardware", commandInfo, {}, infoHardware, formPlain },
+    { "info software", commandInfo, {}, infoSoftware, formPlain },
+    { "info firmware", commandInfo, {}, infoFirmware, formPlain },
+    { "info copyright", commandInfo, {}, infoCopyright, formPlain },
+    { "info version", commandInfo, {}, infoVersion, formPlain },
+    { "send", commandRemoteFrame, { argIdentifier, argRtr, argLength }, 0, formPlain },
+    { "send", commandSend, { argIdentifier, argLength }, 0, formDataLine },
+    { "receive|recv", commandReceive, {}, 0, formPlain },
 };
 
 constexpr char rtrWord[] = "rtr";

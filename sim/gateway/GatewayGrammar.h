@@ -20,10 +20,6 @@
 /// The bytes that a CAN message carries at most.
 constexpr quint32 longestMessage = 8;
 
-class CGatewayCommands;
-struct tGatewayAnswer;
-struct tGatewayRequest;
-
 /// Error numbers that the gateway answers with.
 enum tGatewayError {
     gatewayNoError = 0,
@@ -33,6 +29,21 @@ enum tGatewayError {
     gatewayTimeOut = 103, // the device did not answer
     gatewayNode = 107,    // no such node-id
 };
+
+/// What a rule asks for. `CGatewayCommands` carries it out.
+enum tGatewayCommand {
+    commandRead,
+    commandWrite,
+    commandNmt, // the rule's parameter is a `tNmtCommand`
+    commandInit,
+    commandSetTimeOut,
+    commandInfo, // the rule's parameter is a `tInfoTopic`
+    commandRemoteFrame,
+    commandSend,
+    commandReceive,
+};
+
+enum tInfoTopic { infoHardware, infoSoftware, infoFirmware, infoCopyright, infoVersion };
 
 enum tArgument {
     argNone,
@@ -54,12 +65,12 @@ enum tForm {
     formDataLine, // the line that follows
 };
 
-/// One command: its words (alternatives divided by '|'), what follows them, and who carries it out.
+/// One rule: its words (alternatives divided by '|'), the command that they stand for, and what follows them.
 struct tGatewayRule {
     const char* words;
-    tGatewayAnswer (CGatewayCommands::*handler)(const tGatewayRequest&);
+    tGatewayCommand command;
     tArgument arguments[4];
-    int parameter; // what the handler needs to know of its rule
+    int parameter; // of the command
     tForm form;
 };
 

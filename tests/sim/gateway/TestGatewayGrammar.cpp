@@ -1,6 +1,6 @@
 // The command grammar of the gateway: which lines are commands, with which arguments.
 // SPDX-License-Identifier: MIT
-#include "gateway/GatewayCommands.h"
+#include "gateway/GatewayGrammar.h"
 
 #include <QTest>
 
