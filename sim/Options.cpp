@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
-#include "device/NumberText.h"
 #include "base/Product.h"
+#include "can/CanFaults.h"
+#include "device/NumberText.h"
 #include "device/SimulatedNode.h"
+#include "gateway/GatewayFaults.h"
 
 #include <QCommandLineParser>
 
@@ -15,6 +17,39 @@ const char description[] = "Simulates CANopen devices behind an ASCII gateway, o
                            "\n"
                            "  velmora-sim --gateway 60000 --node 5=velmora-demo.eds\n"
                            "  velmora-sim --can vcan0 --node 5=velmora-demo.eds -v";
+
+// The kinds of both front-ends, each once.
+QList<tFaultKind> allFaultKinds()
+{
+    QList<tFaultKind> kinds(gatewayFaultKinds().begin(), gatewayFaultKinds().end());
+    for (const tFaultKind& kind : canFaultKinds())
+        if (!kinds.contains(kind))
+            kinds += kind;
+    return kinds;
+}
+
+// The kinds under a heading for each set of front-ends that know them.
+QString helpOnFaults()
+{
+    constexpr struct {
+        const char* heading;
+        bool gateway;
+        bool can;
+    } groups[] = {
+        { "on the gateway and on CAN", true, true },
+        { "on the gateway", true, false },
+        { "on CAN", false, true },
+    };
+    QStringList parts;
+    for (const auto& group : groups) {
+        QList<tFaultKind> kinds = allFaultKinds();
+        kinds.removeIf([&group](const tFaultKind& kind) {
+            return contains(gatewayFaultKinds(), kind) != group.gateway || contains(canFaultKinds(), kind) != group.can;
+        });
+        parts += faultHelp(QLatin1String(group.heading), kinds);
+    }
+    return parts.join(u'\n');
+}
 
 // gateway = [ address ":" ] port
 QString readGateway(const QString& text, tOptions& options)
@@ -53,7 +88,7 @@ QString readNode(const QString& text, tOptions& options)
 QString readFaultOption(const QString& text, tOptions& options)
 {
     QString message;
-    if (const auto fault = readFault(text, &message))
+    if (const auto fault = readFault(text, allFaultKinds(), &message))
         options.faults += *fault;
     return message;
 }
@@ -100,10 +135,11 @@ QString missing(const tOptions& options)
     if (options.nodes.isEmpty())
         return QStringLiteral("--node ID=FILE is missing");
     for (const tFault& fault : options.faults) {
-        const bool possible = (options.port && fault.kind->isFor(frontGateway)) || (can && fault.kind->isFor(frontCan));
+        const bool possible = (options.port && contains(gatewayFaultKinds(), fault.kind)) ||
+                              (can && contains(canFaultKinds(), fault.kind));
         if (!possible)
             return QStringLiteral("fault \"%1\": not without --%2")
-                .arg(QLatin1String(fault.kind->name), QLatin1String(can ? "gateway" : "can"));
+                .arg(QLatin1String(fault.kind.name), QLatin1String(can ? "gateway" : "can"));
     }
     return QString();
 }
@@ -132,7 +168,7 @@ tOptions readOptions(const QStringList& arguments)
     if (!parser.parse(arguments))
         options.trouble = parser.errorText();
     else if (parser.isSet(QStringLiteral("help")))
-        options.output = parser.helpText() + QStringLiteral("\nFaults (KIND or KIND=NUMBER)\n%1\n").arg(faultHelp());
+        options.output = parser.helpText() + QStringLiteral("\nFaults (KIND or KIND=NUMBER)\n%1\n").arg(helpOnFaults());
     else if (parser.isSet(QStringLiteral("version")))
         options.output = QStringLiteral("velmora-sim %1\n").arg(QLatin1String(product::version));
     else

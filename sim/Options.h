@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Faults.h"
+#include "faults/Faults.h"
 
 #include <QHostAddress>
 #include <QList>

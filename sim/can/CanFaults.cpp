@@ -1,8 +1,11 @@
-// What becomes of the SDO answers on CAN under a fault.
+// The faults on CAN: their kinds, and what each does to the answers of an SDO transfer.
 // SPDX-License-Identifier: MIT
 #include "can/CanFaults.h"
 
 #include "can/SdoFrames.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace
 {
@@ -10,6 +13,12 @@ namespace
 constexpr quint32 firstFloodId = 0x181; // the PDOs of all nodes
 constexpr quint32 lastFloodId = 0x57F;
 constexpr unsigned unknownSpecifier = 0xE0;
+
+// The highest numbers that a fault takes.
+constexpr quint32 mostFrames = 100000;
+constexpr quint32 mostSegments = 100000;
+constexpr quint32 mostBytes = 1000000;
+constexpr quint32 anyByte = 0xFF;
 
 bool isSegment(const tSdoStep& step)
 {
@@ -86,7 +95,7 @@ tCanFrames floodFirst(quint32 argument, const tSdoStep& step)
 }
 
 // A download has its abort from the server, in place of the last confirmation.
-tCanFrames abortBehindLast(quint32, const tSdoStep& step)
+tCanFrames abortAfterLast(quint32, const tSdoStep& step)
 {
     const unsigned command = byteAt(step.answer.data, 0);
     if ((command & (sdoSpecifierMask | sdoLastSegment)) != (scsUploadSegment | sdoLastSegment))
@@ -130,43 +139,88 @@ void sendEndlessly(quint32 argument, tSdoDefects& defects)
     defects.endlessSegments = argument;
 }
 
+// A kind and what happens on CAN then. Null pointers change nothing.
+struct tCanFault {
+    tFaultKind kind{};
+    int (*delay)(quint32 argument) = nullptr;                               // milliseconds before the answer
+    void (*defects)(quint32 argument, tSdoDefects& defects) = nullptr;      // of the server, from the initiate on
+    tCanFrames (*frames)(quint32 argument, const tSdoStep& step) = nullptr; // what is sent in place of the right answer
+};
+
+constexpr tCanFault rows[] = {
+    // on the gateway as well
+    { .kind = commonFaults::silence, .frames = noFrame },
+    { .kind = commonFaults::delay, .delay = milliseconds },
+    { .kind = commonFaults::twice, .frames = twoFrames },
+    { .kind = commonFaults::abort, .defects = abortInitiate },
+    // on CAN only
+    { .kind = { "stall", "no answer from answer NUMBER of a transfer on (2); 1 answers the initiate", numberOptional, 2,
+                mostSegments },
+      .frames = frameBefore },
+    { .kind = { "toggle", "the wrong toggle bit in the answer to segment NUMBER (1)", numberOptional, 1, mostSegments },
+      .frames = wrongToggle },
+    { .kind = { "command", "an unknown command specifier in answer NUMBER (1)", numberOptional, 1, mostSegments },
+      .frames = wrongCommand },
+    { .kind = { "short", "only 7 bytes in answer NUMBER (1)", numberOptional, 1, mostSegments }, .frames = cutFrame },
+    { .kind = { "foreign", "before the answer to the initiate the same for another index", numberNone, 0, 0 },
+      .frames = foreignFirst },
+    { .kind = { "flood", "NUMBER frames with other COB-IDs before each answer (1000)", numberOptional, 1000,
+                mostFrames },
+      .frames = floodFirst },
+    { .kind = { "segment", "abort 0x08000000 in place of the answer to segment NUMBER (1)", numberOptional, 1,
+                mostSegments },
+      .defects = abortSegment },
+    { .kind = { "last", "abort 0x08000000 in place of the last confirmation; behind the last segment of an upload",
+                numberNone, 0, 0 },
+      .defects = abortLast,
+      .frames = abortAfterLast },
+    { .kind = { "filler", "the unused bytes of answers are NUMBER (0xFF)", numberOptional, 0xFF, anyByte },
+      .defects = fillUnused },
+    { .kind = { "empty", "NUMBER segments without data before an upload (3)", numberOptional, 3, mostSegments },
+      .defects = sendEmptySegments },
+    { .kind = { "surplus", "an upload has NUMBER bytes more than it announces (1000)", numberOptional, 1000,
+                mostBytes },
+      .defects = sendSurplus },
+    { .kind = { "endless", "an upload does not end; abort 0x08000000 after NUMBER segments (10000)", numberOptional,
+                10000, mostSegments },
+      .defects = sendEndlessly },
+};
+
+constexpr auto kinds = kindsOf(rows);
+
+// The row of the fault's kind. Without a fault, a row that changes nothing.
+const tCanFault& rowOf(const tFault* fault)
+{
+    static constexpr tCanFault noFault;
+    if (fault == nullptr)
+        return noFault;
+    return *std::find_if(std::begin(rows), std::end(rows),
+                         [fault](const tCanFault& each) { return each.kind == fault->kind; });
+}
+
 } // namespace
 
-namespace canFaults
+tFaultKinds canFaultKinds()
 {
-const tCanFault silence{ nullptr, nullptr, noFrame };
-const tCanFault delay{ milliseconds, nullptr, nullptr };
-const tCanFault twice{ nullptr, nullptr, twoFrames };
-const tCanFault abort{ nullptr, abortInitiate, nullptr };
-const tCanFault stall{ nullptr, nullptr, frameBefore };
-const tCanFault toggle{ nullptr, nullptr, wrongToggle };
-const tCanFault command{ nullptr, nullptr, wrongCommand };
-const tCanFault shortFrame{ nullptr, nullptr, cutFrame };
-const tCanFault foreign{ nullptr, nullptr, foreignFirst };
-const tCanFault flood{ nullptr, nullptr, floodFirst };
-const tCanFault segment{ nullptr, abortSegment, nullptr };
-const tCanFault last{ nullptr, abortLast, abortBehindLast };
-const tCanFault filler{ nullptr, fillUnused, nullptr };
-const tCanFault empty{ nullptr, sendEmptySegments, nullptr };
-const tCanFault surplus{ nullptr, sendSurplus, nullptr };
-const tCanFault endless{ nullptr, sendEndlessly, nullptr };
-} // namespace canFaults
+    return kinds;
+}
 
 tSdoDefects sdoDefects(const tFault* fault)
 {
     tSdoDefects defects;
-    if (fault != nullptr && fault->kind->can->defects != nullptr)
-        fault->kind->can->defects(fault->argument, defects);
+    if (const auto set = rowOf(fault).defects)
+        set(fault->argument, defects);
     return defects;
 }
 
-int answerDelay(const tFault* fault)
+int frameDelay(const tFault* fault)
 {
-    return fault != nullptr && fault->kind->can->delay != nullptr ? fault->kind->can->delay(fault->argument) : 0;
+    const auto delay = rowOf(fault).delay;
+    return delay != nullptr ? delay(fault->argument) : 0;
 }
 
 tCanFrames answerFrames(const tFault* fault, const tSdoStep& step)
 {
-    return fault != nullptr && fault->kind->can->frames != nullptr ? fault->kind->can->frames(fault->argument, step)
-                                                                   : tCanFrames{ step.answer };
+    const auto frames = rowOf(fault).frames;
+    return frames != nullptr ? frames(fault->argument, step) : tCanFrames{ step.answer };
 }

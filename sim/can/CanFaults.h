@@ -1,10 +1,10 @@
-// What becomes of the SDO answers on CAN under a fault.
+// The faults on CAN: their kinds, and what each does to the answers of an SDO transfer.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include "can/CanFrame.h"
-#include "Faults.h"
 #include "can/SdoServer.h"
+#include "faults/Faults.h"
 
 /// The right answer, and where in its transfer it stands.
 struct tSdoStep {
@@ -13,24 +13,14 @@ struct tSdoStep {
     QByteArray multiplexor; // of the transfer, 3 bytes
 };
 
-/// The side of a kind of fault on CAN. Null pointers change nothing.
-struct tCanFault {
-    int (*delay)(quint32 argument);                               // milliseconds before the answer
-    void (*defects)(quint32 argument, tSdoDefects& defects);      // of the server, from the initiate on
-    tCanFrames (*frames)(quint32 argument, const tSdoStep& step); // what is sent in place of the right answer
-};
+/// The kinds that the devices on CAN know. Faults of other kinds hit no transfer.
+tFaultKinds canFaultKinds();
 
-namespace canFaults
-{
-extern const tCanFault silence, delay, twice, abort, stall, toggle, command, shortFrame, foreign, flood, segment, last,
-    filler, empty, surplus, endless;
-}
-
-/// How the server behaves in a transfer; `fault` may be null.
+/// The defects of the server in a transfer; `fault` may be null.
 tSdoDefects sdoDefects(const tFault* fault);
 
 /// Milliseconds until an answer is sent; `fault` may be null.
-int answerDelay(const tFault* fault);
+int frameDelay(const tFault* fault);
 
 /// The frames to send for an answer; `fault` may be null.
 tCanFrames answerFrames(const tFault* fault, const tSdoStep& step);

@@ -101,10 +101,10 @@ void CCanNode::receiveSdo(const QByteArray& request)
     if (!m_node.answersSdo())
         return;
     if (CSdoServer::isInitiate(request)) {
-        m_fault = findFault(m_context.faults, frontCan, indexIn(request), subIndexIn(request));
+        m_fault = findFault(m_context.faults, canFaultKinds(), indexIn(request), subIndexIn(request));
         m_server.setDefects(sdoDefects(m_fault));
         if (m_fault != nullptr && m_context.log)
-            m_context.log("node " + QByteArray::number(m_nodeId) + " fault " + m_fault->kind->name);
+            m_context.log("node " + QByteArray::number(m_nodeId) + " fault " + m_fault->kind.name);
     } else if (!m_server.busy()) {
         m_fault = nullptr;
         m_server.setDefects({});
@@ -113,7 +113,7 @@ void CCanNode::receiveSdo(const QByteArray& request)
     if (data.isEmpty())
         return;
     const tSdoStep step{ { sdoAnswerId + m_nodeId, data }, m_server.answerCount(), m_server.multiplexor() };
-    answer(answerFrames(m_fault, step), answerDelay(m_fault));
+    answer(answerFrames(m_fault, step), frameDelay(m_fault));
 }
 
 void CCanNode::answer(const tCanFrames& frames, int delay)

@@ -109,15 +109,14 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
     const tFault* fault = findFault(m_context.faults, request);
     tGatewayAnswer answer;
     if (fault != nullptr)
-        log(QByteArray("fault ") + fault->kind->name);
-    if (fault != nullptr && fault->kind->gateway->text != nullptr)
-        answer.text = fault->kind->gateway->text(fault->argument);
+        log(QByteArray("fault ") + fault->kind.name);
+    if (const auto text = faultAnswer(fault))
+        answer.text = *text;
     else
         answer = m_context.commands.execute(request);
     if (m_context.log && request.error == gatewayNoError && request.isSdo())
         m_context.log(describeSdo(request, answer));
-    if (fault != nullptr && fault->kind->gateway->delay != nullptr)
-        answer.delay += fault->kind->gateway->delay(fault->argument);
+    answer.delay += lineDelay(fault);
     const QByteArray lines = answerLines(fault, request.sequence, answer.text);
     if (answer.delay == 0) {
         deliver(fault, lines);
@@ -133,7 +132,7 @@ void CGatewayConnection::execute(const tGatewayRequest& request)
 
 void CGatewayConnection::deliver(const tFault* fault, const QByteArray& lines)
 {
-    const tDelivery delivery = fault != nullptr ? fault->kind->gateway->delivery : deliverLines;
+    const tDelivery delivery = lineDelivery(fault);
     const QByteArray sent = lines.isEmpty() ? QByteArray("(nothing)") : escaped(lines.trimmed());
     log("> " + (delivery == deliverDrop ? QByteArray("(closed)") : sent));
     if (delivery == deliverDrop) {

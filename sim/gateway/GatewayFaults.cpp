@@ -1,8 +1,11 @@
-// What becomes of the gateway's answers under a fault.
+// The faults of the gateway: their kinds, and what each does to the answer of an SDO command.
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayFaults.h"
 
 #include "gateway/GatewayCommands.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace
 {
@@ -45,40 +48,89 @@ int milliseconds(quint32 argument)
 {
     return static_cast<int>(argument);
 }
+
 QByteArray errorText(quint32 argument)
 {
     return "ERROR: " + QByteArray::number(argument);
 }
+
 QByteArray abortText(quint32 argument)
 {
     return abortAnswer(argument).text;
 }
 
+// A kind and what the gateway does then. Null pointers change nothing.
+struct tGatewayFault {
+    tFaultKind kind{};
+    int (*delay)(quint32 argument) = nullptr;                                  // milliseconds before the answer
+    QByteArray (*text)(quint32 argument) = nullptr;                            // the answer in place of the command's
+    QByteArray (*lines)(quint32 sequence, const QByteArray& answer) = nullptr; // sent in place of the one right line
+    tDelivery delivery = deliverLines;
+};
+
+constexpr tGatewayFault rows[] = {
+    // on CAN as well
+    { .kind = commonFaults::silence, .lines = noLine },
+    { .kind = commonFaults::delay, .delay = milliseconds },
+    { .kind = commonFaults::twice, .lines = bothLines },
+    { .kind = commonFaults::abort, .text = abortText },
+    // on the gateway only
+    { .kind = { "drop", "the connection is closed", numberNone, 0, 0 }, .delivery = deliverDrop },
+    { .kind = { "garbage", "bytes that are no answer, behind the right number", numberNone, 0, 0 },
+      .lines = garbageLine },
+    { .kind = { "sequence", "the answer with the number of the command before", numberNone, 0, 0 },
+      .lines = otherLine },
+    { .kind = { "bytewise", "the answer, one byte at a time", numberNone, 0, 0 }, .delivery = deliverBytewise },
+    { .kind = { "overlong", "the answer in a line of more than 2000 characters", numberNone, 0, 0 },
+      .lines = paddedLine },
+    { .kind = { "error", "gateway error NUMBER", numberNeeded, 0, commonFaults::anyNumber }, .text = errorText },
+};
+
+constexpr auto kinds = kindsOf(rows);
+
+// The row of the fault's kind. Without a fault, a row that changes nothing.
+const tGatewayFault& rowOf(const tFault* fault)
+{
+    static constexpr tGatewayFault noFault;
+    if (fault == nullptr)
+        return noFault;
+    return *std::find_if(std::begin(rows), std::end(rows),
+                         [fault](const tGatewayFault& each) { return each.kind == fault->kind; });
+}
+
 } // namespace
 
-namespace gatewayFaults
+tFaultKinds gatewayFaultKinds()
 {
-const tGatewayFault silence{ deliverLines, nullptr, nullptr, noLine };
-const tGatewayFault delay{ deliverLines, milliseconds, nullptr, nullptr };
-const tGatewayFault drop{ deliverDrop, nullptr, nullptr, nullptr };
-const tGatewayFault garbage{ deliverLines, nullptr, nullptr, garbageLine };
-const tGatewayFault sequence{ deliverLines, nullptr, nullptr, otherLine };
-const tGatewayFault twoLines{ deliverLines, nullptr, nullptr, bothLines };
-const tGatewayFault bytewise{ deliverBytewise, nullptr, nullptr, nullptr };
-const tGatewayFault overlong{ deliverLines, nullptr, nullptr, paddedLine };
-const tGatewayFault error{ deliverLines, nullptr, errorText, nullptr };
-const tGatewayFault abort{ deliverLines, nullptr, abortText, nullptr };
-} // namespace gatewayFaults
+    return kinds;
+}
 
 const tFault* findFault(const QList<tFault>& faults, const tGatewayRequest& request)
 {
     if (request.error != gatewayNoError || !request.isSdo())
         return nullptr;
-    return findFault(faults, frontGateway, request.index, request.subIndex);
+    return findFault(faults, kinds, request.index, request.subIndex);
+}
+
+std::optional<QByteArray> faultAnswer(const tFault* fault)
+{
+    const auto text = rowOf(fault).text;
+    return text != nullptr ? std::optional(text(fault->argument)) : std::nullopt;
+}
+
+int lineDelay(const tFault* fault)
+{
+    const auto delay = rowOf(fault).delay;
+    return delay != nullptr ? delay(fault->argument) : 0;
 }
 
 QByteArray answerLines(const tFault* fault, quint32 sequence, const QByteArray& answer)
 {
-    return fault != nullptr && fault->kind->gateway->lines != nullptr ? fault->kind->gateway->lines(sequence, answer)
-                                                                      : lineOf(sequence, answer);
+    const auto lines = rowOf(fault).lines;
+    return lines != nullptr ? lines(sequence, answer) : lineOf(sequence, answer);
+}
+
+tDelivery lineDelivery(const tFault* fault)
+{
+    return rowOf(fault).delivery;
 }

@@ -1,8 +1,8 @@
-// What becomes of the gateway's answers under a fault.
+// The faults of the gateway: their kinds, and what each does to the answer of an SDO command.
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Faults.h"
+#include "faults/Faults.h"
 
 #include <QByteArray>
 
@@ -15,21 +15,20 @@ enum tDelivery {
     deliverDrop,     // the connection is closed instead
 };
 
-/// The gateway's side of a kind of fault.
-struct tGatewayFault {
-    tDelivery delivery;
-    int (*delay)(quint32 argument);                                  // milliseconds before the answer; null for none
-    QByteArray (*text)(quint32 argument);                            // answered in place of the command; null for none
-    QByteArray (*lines)(quint32 sequence, const QByteArray& answer); // what is sent; null for the one right line
-};
-
-namespace gatewayFaults
-{
-extern const tGatewayFault silence, delay, drop, garbage, sequence, twoLines, bytewise, overlong, error, abort;
-}
+/// The kinds that the gateway knows. Faults of other kinds hit no command.
+tFaultKinds gatewayFaultKinds();
 
 /// The first fault that hits the request; null when none does, as for all but SDO commands.
 const tFault* findFault(const QList<tFault>& faults, const tGatewayRequest& request);
 
+/// The answer in place of the command's; none when the command is carried out. `fault` may be null.
+std::optional<QByteArray> faultAnswer(const tFault* fault);
+
+/// Milliseconds that the fault adds before the answer; `fault` may be null.
+int lineDelay(const tFault* fault);
+
 /// The bytes to send for an answer; `fault` may be null.
 QByteArray answerLines(const tFault* fault, quint32 sequence, const QByteArray& answer);
+
+/// How these bytes are sent; `fault` may be null.
+tDelivery lineDelivery(const tFault* fault);

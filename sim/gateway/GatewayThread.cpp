@@ -12,14 +12,6 @@ CGatewayThread::~CGatewayThread()
     m_thread.wait();
 }
 
-QString CGatewayThread::addFault(const QString& text)
-{
-    QString message;
-    if (const auto fault = readFault(text, &message))
-        m_faults += *fault;
-    return message;
-}
-
 QString CGatewayThread::start(quint16 port)
 {
     m_context = std::make_unique<QObject>();

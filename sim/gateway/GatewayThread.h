@@ -20,9 +20,8 @@ public:
     /// Before `start`. @return an empty text, or what is wrong with the node-id or the data sheet
     QString addNode(unsigned nodeId, const QString& fileName) { return m_network.add(nodeId, fileName); }
 
-    /// Before `start`: a fault as on the command line, such as "silence@2000:1". @return an empty text, or what is
-    /// wrong
-    QString addFault(const QString& text);
+    /// Before `start`. Each fault hits the commands that none before it hits.
+    void setFaults(const QList<tFault>& faults) { m_faults = faults; }
 
     /// Before `start`: `log` is called in the gateway's thread.
     void setLog(const tLog& log) { m_log = log; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "DemoSheet.h"
+#include "FaultList.h"
 #include "Patience.h"
 #include "SdoFrame.h"
 #include "can/SimulatedCanBus.h"
@@ -22,17 +23,13 @@ public:
     explicit CCanBusProbe(const QStringList& faults = {}, const QString& sheet = demoSheet())
     {
         for (const unsigned nodeId : { 5U, 7U }) {
-            m_trouble += m_network.add(nodeId, sheet);
+            m_error += m_network.add(nodeId, sheet);
             stopHeartbeat(nodeId);
         }
-        QList<tFault> list;
         QString message;
-        for (const QString& text : faults) {
-            const auto fault = readFault(text, &message);
-            m_trouble += message;
-            if (fault)
-                list += *fault;
-        }
+        const tFaultKind onTheGatewayOnly{ "drop", "", numberNone, 0, 0 };
+        const QList<tFault> list = faultList(faults, kindsWith(canFaultKinds(), onTheGatewayOnly), &message);
+        m_error += message;
         m_bus = std::make_unique<CSimulatedCanBus>(m_network,
                                                    [this](const tCanFrame& frame) { m_sent += frameText(frame); });
         m_bus->setFaults(list);
@@ -40,8 +37,8 @@ public:
     }
     Q_DISABLE_COPY_MOVE(CCanBusProbe)
 
-    /// What is wrong with the faults; empty when nothing is.
-    QString trouble() const { return m_trouble; }
+    /// What is wrong with the data sheet or the faults; empty when nothing is.
+    QString error() const { return m_error; }
     CSimulatedNetwork& network() { return m_network; }
     CSimulatedCanBus& bus() { return *m_bus; }
     QByteArrayList log() const { return m_log; }
@@ -70,6 +67,6 @@ private:
     CSimulatedNetwork m_network;
     QByteArrayList m_sent; // since the last `take`
     QByteArrayList m_log;
-    QString m_trouble;
+    QString m_error;
     std::unique_ptr<CSimulatedCanBus> m_bus;
 };

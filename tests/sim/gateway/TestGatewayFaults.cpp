@@ -1,6 +1,7 @@
 // Misbehaviour on request: how faults are written, what they hit and what arrives at the client.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
+#include "FaultList.h"
 #include "gateway/GatewayThread.h"
 #include "LineClient.h"
 
@@ -38,12 +39,13 @@ private:
 void TestGatewayFaults::serve(const QStringList& faults)
 {
     m_gateway = std::make_unique<CGatewayThread>();
-    QString trouble = m_gateway->addNode(5, demoSheet());
-    for (const QString& fault : faults)
-        trouble += m_gateway->addFault(fault);
-    trouble += m_gateway->start();
+    QString error = m_gateway->addNode(5, demoSheet());
+    QCOMPARE(error, QString());
+    const tFaultKind onCanOnly{ "toggle", "", numberOptional, 1, 100000 };
+    m_gateway->setFaults(faultList(faults, kindsWith(gatewayFaultKinds(), onCanOnly), &error));
+    QCOMPARE(error, QString());
+    QCOMPARE(m_gateway->start(), QString());
     m_client = std::make_unique<CLineClient>(m_gateway->port());
-    QCOMPARE(trouble, QString());
 }
 
 void TestGatewayFaults::cleanup()
@@ -79,9 +81,9 @@ void TestGatewayFaults::faultsAreRead()
     QFETCH(int, index);
     QFETCH(int, subIndex);
     QString message;
-    const auto fault = readFault(QString::fromLatin1(QTest::currentDataTag()), &message);
+    const auto fault = readFault(QString::fromLatin1(QTest::currentDataTag()), gatewayFaultKinds(), &message);
     QVERIFY2(fault, qPrintable(message));
-    QCOMPARE(QByteArray(fault->kind->name), kind);
+    QCOMPARE(QByteArray(fault->kind.name), kind);
     QCOMPARE(fault->argument, argument);
     QCOMPARE(fault->index ? static_cast<int>(*fault->index) : -1, index);
     QCOMPARE(fault->subIndex ? static_cast<int>(*fault->subIndex) : -1, subIndex);
@@ -116,7 +118,7 @@ void TestGatewayFaults::wrongFaultsAreRefused()
     QFETCH(QString, reason);
     const QString text = QString::fromLatin1(QTest::currentDataTag());
     QString message;
-    QVERIFY(!readFault(text, &message));
+    QVERIFY(!readFault(text, gatewayFaultKinds(), &message));
     QCOMPARE(message, QStringLiteral("fault \"%1\": %2").arg(text, reason));
 }
 
@@ -150,7 +152,7 @@ void TestGatewayFaults::faultsHitTheirEntryOnly()
     QFETCH(bool, hit);
     QString message;
     const QString text = QString::fromLatin1(QTest::currentDataTag()).section(u' ', 0, 0);
-    const QList<tFault> faults{ *readFault(text, &message) };
+    const QList<tFault> faults{ *readFault(text, gatewayFaultKinds(), &message) };
     QCOMPARE(findFault(faults, readRequest(line)) == faults.constData(), hit);
     QCOMPARE(findFault(faults, readRequest(line)) == nullptr, !hit);
 }
