@@ -1,4 +1,5 @@
-// The layout of SDO frames (CiA 301), for the server and for what it does wrong on request.
+// The layout of SDO frames (CiA 301), for the server and its faults. The simulator has its own on purpose, so that
+// client and server never share a mistake.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -18,39 +19,39 @@ constexpr qsizetype sdoSegmentSize = 7;
 /// The specifier is in the three high bits of byte 0.
 constexpr unsigned sdoSpecifierMask = 0xE0;
 
-/// Client command specifiers, in their place.
+/// Client command specifiers, as they stand in byte 0.
 constexpr unsigned ccsDownloadSegment = 0x00;
 constexpr unsigned ccsInitiateDownload = 0x20;
 constexpr unsigned ccsInitiateUpload = 0x40;
 constexpr unsigned ccsUploadSegment = 0x60;
 constexpr unsigned ccsAbort = 0x80;
 
-/// Server command specifiers, in their place.
+/// Server command specifiers, as they stand in byte 0.
 constexpr unsigned scsUploadSegment = 0x00;
 constexpr unsigned scsDownloadSegment = 0x20;
 constexpr unsigned scsInitiateUpload = 0x40;
 constexpr unsigned scsInitiateDownload = 0x60;
 constexpr unsigned scsAbort = 0x80;
 
-/// Initiates: the data stand in the frame itself; their size is given; 4 minus the size, in two bits.
-constexpr unsigned sdoExpedited = 0x02;
+/// Byte 0 of an initiate.
+constexpr unsigned sdoExpedited = 0x02; // the frame itself has the data
 constexpr unsigned sdoSizeGiven = 0x01;
 constexpr unsigned sdoExpeditedUnusedShift = 2;
-constexpr unsigned sdoExpeditedUnusedMask = 0x0C;
+constexpr unsigned sdoExpeditedUnusedMask = 0x0C; // bytes without data, of 4
 
-/// Segments: the toggle bit; 7 minus the size, in three bits; no more segments.
+/// Byte 0 of a segment.
 constexpr unsigned sdoToggle = 0x10;
 constexpr unsigned sdoSegmentUnusedShift = 1;
-constexpr unsigned sdoSegmentUnusedMask = 0x0E;
-constexpr unsigned sdoLastSegment = 0x01;
+constexpr unsigned sdoSegmentUnusedMask = 0x0E; // bytes without data, of 7
+constexpr unsigned sdoLastSegment = 0x01;       // no more segments
 
-/// The byte at a place of a frame, which has to be there.
+/// One byte of a frame, which must be that long.
 inline unsigned byteAt(const QByteArray& frame, qsizetype place)
 {
     return static_cast<unsigned char>(frame.at(place));
 }
 
-/// The command specifier, in its place.
+/// The command specifier, as it stands in byte 0.
 inline unsigned specifierOf(const QByteArray& frame)
 {
     return byteAt(frame, 0) & sdoSpecifierMask;
@@ -66,7 +67,7 @@ inline unsigned subIndexIn(const QByteArray& frame)
     return byteAt(frame, sdoMultiplexorAt + 2);
 }
 
-/// A frame of this byte alone.
+/// The first byte of a frame.
 inline QByteArray oneByte(unsigned byte)
 {
     return QByteArray(1, static_cast<char>(byte));

@@ -1,4 +1,5 @@
-// The SDO abort codes (CiA DS-301) that a simulated device answers with.
+// The SDO abort codes (CiA 301) that a simulated device answers with. The simulator has its own on purpose, so that
+// client and server never share a mistake.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -19,5 +20,5 @@ inline constexpr tAbortCode abortLengthLow = 0x06070013;  // fewer bytes than th
 inline constexpr tAbortCode abortNoSubIndex = 0x06090011; // the object has no such sub-index
 inline constexpr tAbortCode abortValueHigh = 0x06090031;  // above the high limit
 inline constexpr tAbortCode abortValueLow = 0x06090032;   // below the low limit
-inline constexpr tAbortCode abortGeneral = 0x08000000;    // for no reason that has a code of its own
-inline constexpr tAbortCode abortNotStored = 0x08000020;  // not the signature that stores or restores
+inline constexpr tAbortCode abortGeneral = 0x08000000;    // general error
+inline constexpr tAbortCode abortNotStored = 0x08000020;  // wrong signature: nothing is stored or restored

@@ -15,7 +15,7 @@
 class CCANopen;
 class CCANopenObjectEntry;
 
-/// Devices have node-ids from 1 to this.
+/// Devices have node-ids from 1 to this. The simulator has its own constant on purpose, as it has its own abort codes.
 constexpr unsigned lastNodeId = 127;
 
 enum tNmtCommand { nmtStart, nmtStop, nmtPreOperational, nmtResetNode, nmtResetCommunication };
