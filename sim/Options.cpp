@@ -126,7 +126,7 @@ void addOptions(QCommandLineParser& parser)
     parser.addOption({ QStringLiteral("version"), QStringLiteral("Displays version information.") });
 }
 
-// What the options lack, one by one or taken together.
+// What is missing among the options; empty when nothing is.
 QString missing(const tOptions& options)
 {
     const bool can = !options.canInterface.isEmpty();
@@ -150,9 +150,9 @@ QString readValues(const QCommandLineParser& parser, tOptions& options)
         return QStringLiteral("unexpected argument: %1").arg(parser.positionalArguments().first());
     for (const tOptionRow& row : optionRows) {
         for (const QString& value : parser.values(QLatin1String(row.name))) {
-            QString trouble = row.read(value, options);
-            if (!trouble.isEmpty())
-                return trouble;
+            QString error = row.read(value, options);
+            if (!error.isEmpty())
+                return error;
         }
     }
     return missing(options);
@@ -166,13 +166,13 @@ tOptions readOptions(const QStringList& arguments)
     addOptions(parser);
     tOptions options;
     if (!parser.parse(arguments))
-        options.trouble = parser.errorText();
+        options.error = parser.errorText();
     else if (parser.isSet(QStringLiteral("help")))
         options.output = parser.helpText() + QStringLiteral("\nFaults (KIND or KIND=NUMBER)\n%1\n").arg(helpOnFaults());
     else if (parser.isSet(QStringLiteral("version")))
         options.output = QStringLiteral("velmora-sim %1\n").arg(QLatin1String(product::version));
     else
-        options.trouble = readValues(parser, options);
+        options.error = readValues(parser, options);
     options.verbose = parser.isSet(QStringLiteral("v"));
     return options;
 }

@@ -20,7 +20,7 @@ int quitPipe[2] = { -1, -1 };
 void writeQuit(int)
 {
     const ssize_t written = write(quitPipe[1], "", 1);
-    static_cast<void>(written); // a full pipe already tells to quit
+    static_cast<void>(written); // a full pipe means that a quit is already due
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 #include <QObject>
 
-/// One for each process, for as long as the event loop runs. The signals end the process at once again afterwards.
+/// One for each process, while the event loop runs. After its destruction the signals end the process at once again.
 class CSignalQuit : public QObject
 {
     Q_OBJECT

@@ -15,7 +15,7 @@ namespace
 
 enum tExitStatus { exitDone = 0, exitFrontEnd = 1, exitOptions = 2 };
 
-// Each line at once, so that a script can follow the log.
+// Each line is flushed, so that a script can follow the log.
 void print(const QByteArray& line)
 {
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
@@ -23,9 +23,9 @@ void print(const QByteArray& line)
     std::fflush(stdout);
 }
 
-int fail(const QString& trouble, tExitStatus status)
+int fail(const QString& error, tExitStatus status)
 {
-    std::fprintf(stderr, "velmora-sim: %s\n", trouble.toLocal8Bit().constData());
+    std::fprintf(stderr, "velmora-sim: %s\n", error.toLocal8Bit().constData());
     if (status == exitOptions)
         std::fputs("Try 'velmora-sim --help'.\n", stderr);
     return status;
@@ -34,9 +34,9 @@ int fail(const QString& trouble, tExitStatus status)
 QString addNodes(CSimulatedNetwork& network, const tOptions& options)
 {
     for (const tNodeOption& node : options.nodes) {
-        QString trouble = network.add(node.nodeId, node.fileName);
-        if (!trouble.isEmpty())
-            return trouble;
+        QString error = network.add(node.nodeId, node.fileName);
+        if (!error.isEmpty())
+            return error;
     }
     return QString();
 }
@@ -48,8 +48,8 @@ QString serveGateway(CSimulatedGateway& gateway, const tOptions& options)
     gateway.setFaults(options.faults);
     if (options.verbose)
         gateway.setLog(print);
-    const QString trouble = gateway.listen(*options.port, options.address);
-    return trouble.isEmpty() ? trouble : QStringLiteral("cannot serve port %1: %2").arg(*options.port).arg(trouble);
+    const QString error = gateway.listen(*options.port, options.address);
+    return error.isEmpty() ? error : QStringLiteral("cannot serve port %1: %2").arg(*options.port).arg(error);
 }
 
 QString serveCan(std::unique_ptr<CCanDevice>& can, CSimulatedNetwork& network, const tOptions& options)
@@ -60,11 +60,11 @@ QString serveCan(std::unique_ptr<CCanDevice>& can, CSimulatedNetwork& network, c
     can->setFaults(options.faults);
     if (options.verbose)
         can->setLog(print);
-    QObject::connect(can.get(), &CCanDevice::gone, qApp, [name = options.canInterface] {
+    QObject::connect(can.get(), &CCanDevice::interfaceRemoved, qApp, [name = options.canInterface] {
         QCoreApplication::exit(fail(QStringLiteral("%1 is gone").arg(name), exitFrontEnd));
     });
-    const QString trouble = can->open(options.canInterface);
-    return trouble.isEmpty() ? trouble : QStringLiteral("cannot use %1: %2").arg(options.canInterface, trouble);
+    const QString error = can->open(options.canInterface);
+    return error.isEmpty() ? error : QStringLiteral("cannot use %1: %2").arg(options.canInterface, error);
 }
 
 void printStart(const CSimulatedNetwork& network, const CSimulatedGateway& gateway, const tOptions& options)
@@ -85,17 +85,17 @@ void printStart(const CSimulatedNetwork& network, const CSimulatedGateway& gatew
 int run(const tOptions& options)
 {
     CSimulatedNetwork network;
-    QString trouble = addNodes(network, options);
-    if (!trouble.isEmpty())
-        return fail(trouble, exitOptions);
+    QString error = addNodes(network, options);
+    if (!error.isEmpty())
+        return fail(error, exitOptions);
     CSignalQuit quit;
     CSimulatedGateway gateway(network);
     std::unique_ptr<CCanDevice> can;
-    trouble = serveGateway(gateway, options);
-    if (trouble.isEmpty())
-        trouble = serveCan(can, network, options);
-    if (!trouble.isEmpty())
-        return fail(trouble, exitFrontEnd);
+    error = serveGateway(gateway, options);
+    if (error.isEmpty())
+        error = serveCan(can, network, options);
+    if (!error.isEmpty())
+        return fail(error, exitFrontEnd);
     printStart(network, gateway, options);
     return QCoreApplication::exec();
 }
@@ -106,8 +106,8 @@ int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
     const tOptions options = readOptions(application.arguments());
-    if (!options.trouble.isEmpty())
-        return fail(options.trouble, exitOptions);
+    if (!options.error.isEmpty())
+        return fail(options.error, exitOptions);
     if (options.output.isEmpty())
         return run(options);
     std::fputs(options.output.toLocal8Bit().constData(), stdout);

@@ -15,18 +15,18 @@ namespace
 
 constexpr int watchInterval = 1000; // milliseconds
 
-// Silences the library's warning that libsocketcan is missing: that sets bit rates, which nobody asks for here.
+// Suppresses the library's warning that libsocketcan is missing: it is needed only to set a bit rate.
 QString connectDevice(std::unique_ptr<QCanBusDevice>& device, const QString& interface)
 {
     QLoggingCategory::setFilterRules(QStringLiteral("qt.canbus*=false\ndefault.warning=false"));
-    QString trouble;
-    device.reset(QCanBus::instance()->createDevice(QStringLiteral("socketcan"), interface, &trouble));
+    QString error;
+    device.reset(QCanBus::instance()->createDevice(QStringLiteral("socketcan"), interface, &error));
     if (device && !device->connectDevice()) {
-        trouble = device->errorString();
+        error = device->errorString();
         device.reset();
     }
     QLoggingCategory::setFilterRules(QStringLiteral("qt.canbus*=false"));
-    return trouble;
+    return error;
 }
 
 } // namespace
@@ -52,21 +52,21 @@ void CCanDevice::setLog(const tLog& log)
 
 QString CCanDevice::open(const QString& interface)
 {
-    // The library would cut a name that is too long, and take another interface.
+    // Checked first, since the library would cut a name that is too long and open another interface.
     m_interface = interface.toLocal8Bit();
     m_interfaceIndex = ::if_nametoindex(m_interface.constData());
     if (m_interfaceIndex == 0)
         return QString::fromLocal8Bit(std::strerror(errno));
-    QString trouble = connectDevice(m_device, interface);
+    QString error = connectDevice(m_device, interface);
     if (!m_device)
-        return trouble;
+        return error;
     connect(m_device.get(), &QCanBusDevice::framesReceived, this, &CCanDevice::receive);
     m_watch.start();
     m_bus.start();
     return QString();
 }
 
-// Extended, remote and error frames are none of ours.
+// Extended, remote and error frames are ignored.
 void CCanDevice::receive()
 {
     while (m_device->framesAvailable() > 0) {
@@ -76,7 +76,7 @@ void CCanDevice::receive()
     }
 }
 
-// What cannot be sent is lost, as on a bus without another node; the next frame may get through.
+// A frame that cannot be sent is lost, as on a bus without another node; later ones are still tried.
 void CCanDevice::write(const tCanFrame& frame)
 {
     if (!m_device)
@@ -87,11 +87,11 @@ void CCanDevice::write(const tCanFrame& frame)
     m_sendFailed = !sent;
 }
 
-// Reading tells nothing of an interface that vanished.
+// The library reports no error when the interface is removed.
 void CCanDevice::watch()
 {
     if (::if_nametoindex(m_interface.constData()) == m_interfaceIndex)
         return;
     m_watch.stop();
-    Q_EMIT gone();
+    Q_EMIT interfaceRemoved();
 }

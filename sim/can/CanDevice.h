@@ -10,20 +10,20 @@
 
 #include <memory>
 
-/// Lives in one thread with an event loop. An interface that goes down and up again is gone on with.
+/// Lives in one thread with an event loop. Continues after the interface was down and is up again.
 class CCanDevice : public QObject
 {
     Q_OBJECT
 
 public:
-    /// For the devices that the network has now.
+    /// Serves the devices that the network has now.
     explicit CCanDevice(CSimulatedNetwork& network, QObject* parent = nullptr);
     ~CCanDevice() override;
     Q_DISABLE_COPY_MOVE(CCanDevice)
 
     void setFaults(const QList<tFault>& faults) { m_bus.setFaults(faults); }
 
-    /// Besides the bus's own lines, the log has one when frames cannot be sent and one when they can again.
+    /// Besides the lines of the bus, the log has one when sending fails and one when it succeeds again.
     void setLog(const tLog& log);
 
     /// Takes part in the traffic of an interface such as "vcan0" from now on.
@@ -31,8 +31,8 @@ public:
     QString open(const QString& interface);
 
 Q_SIGNALS:
-    /// The interface is no more: no frame comes or goes, also when one of the same name appears.
-    void gone();
+    /// The interface was removed. No frame is sent or received any more, even if one of the same name is added.
+    void interfaceRemoved();
 
 private:
     void receive();

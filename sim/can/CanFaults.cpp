@@ -26,8 +26,8 @@ bool isSegment(const tSdoStep& step)
     return specifier == scsUploadSegment || specifier == scsDownloadSegment;
 }
 
-// The answer with other bits in one of its bytes.
-tCanFrame changed(const tSdoStep& step, qsizetype place, unsigned bits)
+// The answer with some bits of one byte inverted.
+tCanFrame inverted(const tSdoStep& step, qsizetype place, unsigned bits)
 {
     tCanFrame frame = step.answer;
     frame.data[place] = static_cast<char>(byteAt(frame.data, place) ^ bits);
@@ -56,12 +56,12 @@ tCanFrames twoFrames(quint32, const tSdoStep& step)
 
 tCanFrames wrongToggle(quint32 argument, const tSdoStep& step)
 {
-    return { isSegment(step) && step.number == argument + 1 ? changed(step, 0, sdoToggle) : step.answer };
+    return { isSegment(step) && step.number == argument + 1 ? inverted(step, 0, sdoToggle) : step.answer };
 }
 
 tCanFrames wrongCommand(quint32 argument, const tSdoStep& step)
 {
-    return { step.number == argument ? changed(step, 0, specifierOf(step.answer.data) ^ unknownSpecifier)
+    return { step.number == argument ? inverted(step, 0, specifierOf(step.answer.data) ^ unknownSpecifier)
                                      : step.answer };
 }
 
@@ -73,13 +73,13 @@ tCanFrames cutFrame(quint32 argument, const tSdoStep& step)
     return { frame };
 }
 
-// Only the answer to an initiate has a multiplexor. The data of the foreign one differ, too: a client that takes them
-// shows it.
+// Only the answer to an initiate has a multiplexor. The foreign answer has other data, so that a client that accepts it
+// shows a wrong value.
 tCanFrames foreignFirst(quint32, const tSdoStep& step)
 {
     if (step.number != 1)
         return { step.answer };
-    tCanFrame foreign = changed(step, sdoMultiplexorAt, 1);
+    tCanFrame foreign = inverted(step, sdoMultiplexorAt, 1);
     foreign.data[sdoDataAt] = static_cast<char>(~byteAt(foreign.data, sdoDataAt));
     return { foreign, step.answer };
 }
@@ -94,7 +94,7 @@ tCanFrames floodFirst(quint32 argument, const tSdoStep& step)
     return frames;
 }
 
-// A download has its abort from the server, in place of the last confirmation.
+// For uploads. In a download the server itself aborts (`lastAborted`).
 tCanFrames abortAfterLast(quint32, const tSdoStep& step)
 {
     const unsigned command = byteAt(step.answer.data, 0);

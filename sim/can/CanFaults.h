@@ -6,7 +6,7 @@
 #include "can/SdoServer.h"
 #include "faults/Faults.h"
 
-/// The right answer, and where in its transfer it stands.
+/// The right answer, and its place in the transfer.
 struct tSdoStep {
     tCanFrame answer;
     quint32 number;         // 1: answers the initiate

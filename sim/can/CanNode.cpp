@@ -45,7 +45,7 @@ CCanNode::CCanNode(unsigned nodeId, CSimulatedNode& node, tCanContext& context, 
         if (m_context.log)
             m_context.log(describeTransfer(m_nodeId, m_node, transfer));
     });
-    m_node.setListener([this](tNodeEvent event) { hear(event); });
+    m_node.setListener([this](tNodeEvent event) { handleEvent(event); });
 }
 
 CCanNode::~CCanNode()
@@ -61,7 +61,7 @@ void CCanNode::start()
     followHeartbeatTime();
 }
 
-void CCanNode::hear(tNodeEvent event)
+void CCanNode::handleEvent(tNodeEvent event)
 {
     if (event == nodeRestarted) {
         start();
@@ -72,7 +72,7 @@ void CCanNode::hear(tNodeEvent event)
     followHeartbeatTime();
 }
 
-// Forgets the transfer under way and the answers that are still to come.
+// Drops the current transfer and the delayed answers.
 void CCanNode::endSdo()
 {
     m_server.reset();
@@ -80,7 +80,7 @@ void CCanNode::endSdo()
     m_delayed = 0;
 }
 
-// Begins anew only when the time is another one: the value of any entry may have changed.
+// Called after each event: the timer restarts only if the period changed.
 void CCanNode::followHeartbeatTime()
 {
     const quint64 value = numberOf(m_node.value(heartbeatTimeIndex, 0), { kindUnsigned, 2 });

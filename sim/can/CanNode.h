@@ -19,13 +19,13 @@ struct tCanContext {
     tLog log;
 };
 
-/// Listens to its device: also what another front-end changes there shows on the bus.
+/// Listens to its device, so that what the other front-end changes there shows on the bus.
 class CCanNode : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Answers that may be held back at a time; more are lost.
+    /// The most answers that wait under the fault "delay"; further ones are lost.
     static constexpr int delayedLimit = 1000;
 
     /// `node` and `context` are borrowed and must outlive this.
@@ -33,14 +33,14 @@ public:
     ~CCanNode() override;
     Q_DISABLE_COPY_MOVE(CCanNode)
 
-    /// Sends the boot-up message and begins with the heartbeat.
+    /// Sends the boot-up message and starts the heartbeat.
     void start();
 
     /// Takes the data of a frame to the SDO server. A stopped device does not answer.
     void receiveSdo(const QByteArray& request);
 
 private:
-    void hear(tNodeEvent event);
+    void handleEvent(tNodeEvent event);
     void endSdo();
     void followHeartbeatTime();
     void sendState(unsigned state);
@@ -50,9 +50,8 @@ private:
     CSimulatedNode& m_node;
     tCanContext& m_context;
     CSdoServer m_server;
-    const tFault* m_fault = nullptr; // of the transfer under way
+    const tFault* m_fault = nullptr; // of the current transfer
     QTimer m_heartbeat;
-    // The context of the answers held back, without which they are not sent, and how many they are.
-    std::unique_ptr<QObject> m_delays = std::make_unique<QObject>();
-    int m_delayed = 0;
+    std::unique_ptr<QObject> m_delays = std::make_unique<QObject>(); // deleting it drops the delayed answers
+    int m_delayed = 0;                                               // how many they are
 };

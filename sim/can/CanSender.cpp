@@ -1,4 +1,4 @@
-// Frames on their way to the bus: few at once, many no faster than a bus carries them.
+// Puts frames on the bus: a few at once, many no faster than a real bus carries them.
 // SPDX-License-Identifier: MIT
 #include "can/CanSender.h"
 

@@ -1,4 +1,4 @@
-// Frames on their way to the bus: few at once, many no faster than a bus carries them.
+// Puts frames on the bus: a few at once, many no faster than a real bus carries them.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -11,7 +11,7 @@
 #include <deque>
 #include <functional>
 
-/// Keeps the order. Without pauses a long row of frames would overrun the receivers, which no real bus can do.
+/// Keeps the order. Many frames without pauses would overrun the receivers, which a real bus never does.
 class CCanSender : public QObject
 {
     Q_OBJECT
@@ -19,15 +19,15 @@ class CCanSender : public QObject
 public:
     /// About what a bus of 1 Mbit/s carries.
     static constexpr qint64 framesPerMillisecond = 10;
-    /// As many go out in one piece at most, also when the timer is late.
+    /// The most frames that are sent at a time, also when the timer is late.
     static constexpr qint64 longestBurst = 100;
-    /// Frames that may wait; more are lost, as on a bus that is overloaded.
+    /// The most frames that wait; further ones are lost, as on a bus that is overloaded.
     static constexpr std::size_t waitingLimit = 200000;
 
     /// `write` puts a frame on the bus.
     explicit CCanSender(const std::function<void(const tCanFrame&)>& write, QObject* parent = nullptr);
 
-    /// Writes the frames, at once when they are few and none waits, otherwise from the event loop.
+    /// Writes the frames: at once when they are few and none waits, otherwise from the event loop.
     void send(const tCanFrames& frames);
 
 private:

@@ -10,7 +10,7 @@
 namespace
 {
 
-// What stands for data that a value does not have.
+// Fills an upload beyond the end of its value.
 constexpr char surplusByte = 0x55;
 
 unsigned unusedOf(const QByteArray& request, unsigned mask, unsigned shift)
@@ -74,7 +74,7 @@ QByteArray CSdoServer::execute(const QByteArray& request)
     });
     if (command != std::end(commands))
         return (this->*command->handle)(request);
-    // Only segments have no multiplexor of their own. Without a transfer theirs is that of the last one.
+    // Segments carry no multiplexor. Outside of a transfer their abort has that of the last one.
     const unsigned specifier = specifierOf(request);
     if (!busy() && specifier != ccsDownloadSegment && specifier != ccsUploadSegment)
         m_multiplexor = request.mid(sdoMultiplexorAt, sdoMultiplexorSize);
@@ -128,7 +128,7 @@ QByteArray CSdoServer::downloadSegment(const QByteArray& request)
     return m_defects.lastAborted ? abort(m_defects.abortCode) : writeValue(confirmation);
 }
 
-// Ends a download with all its data.
+// Ends a download whose data are complete.
 QByteArray CSdoServer::writeValue(const QByteArray& confirmation)
 {
     if (const tAbortCode code = m_node.write(m_transfer.index, m_transfer.subIndex, m_transfer.data))
@@ -146,7 +146,7 @@ QByteArray CSdoServer::initiateUpload(const QByteArray&)
         return abort(value.abortCode);
     m_transfer.data = value.data;
     const qsizetype size = value.data.size();
-    // A frame can say that 1 to 4 of its bytes are used: no data at all go the other way.
+    // An expedited answer has 1 to 4 bytes of data: an empty value is uploaded in segments.
     if (size > 0 && size <= sdoExpeditedSize && !m_defects.segmentsUpload()) {
         const auto unused = static_cast<unsigned>(sdoExpeditedSize - size) << sdoExpeditedUnusedShift;
         finish(abortNone);

@@ -10,25 +10,24 @@
 #include <functional>
 #include <optional>
 
-/// The longest value that a download may bring, in bytes.
+/// The longest value that can be downloaded, in bytes.
 constexpr qsizetype longestDownload = 65536;
 
-/// What a server does wrong on request; without a change it does nothing wrong. Answers are counted from 1, the one to
-/// the initiate.
+/// What a server does wrong on request; by default nothing. Answers are counted from 1, the answer to the initiate.
 struct tSdoDefects {
-    tAbortCode abortCode = abortGeneral; // of the aborts asked for here
+    tAbortCode abortCode = abortGeneral; // of the aborts below
     quint32 abortedAnswer = 0;           // an abort in place of this answer; 0: none
     bool lastAborted = false;            // an abort in place of the confirmation of a download's last segment
     quint32 emptySegments = 0;           // of an upload, before those with data
-    quint32 surplus = 0;                 // bytes of an upload behind the value
-    quint32 endlessSegments = 0;         // of an upload, none of them marked as the last, then an abort; 0: it ends
+    quint32 surplus = 0;                 // bytes of an upload after the value
+    quint32 endlessSegments = 0;         // of an upload, none marked as the last, before an abort; 0: the upload ends
     char filler = 0;                     // the unused bytes of answers
 
-    /// Short values are uploaded in segments, too.
+    /// Whether short values are uploaded in segments, too.
     bool segmentsUpload() const { return emptySegments != 0 || surplus != 0 || endlessSegments != 0; }
 };
 
-/// One transfer at a time. A new initiate takes the place of a transfer under way; an abort of either side ends it.
+/// One transfer at a time. A new initiate replaces the current transfer; an abort by either side ends it.
 class CSdoServer
 {
 public:
@@ -36,25 +35,25 @@ public:
     explicit CSdoServer(CSimulatedNode& node) : m_node(node) {}
 
     /// Takes a request.
-    /// @return the answer, 8 bytes; empty when none is due: to an abort, or to a frame that has not 8 bytes
+    /// @return the answer, 8 bytes; empty after an abort and after a frame that is not 8 bytes long
     QByteArray answer(const QByteArray& request);
 
-    /// Forgets the transfer under way.
+    /// Drops the current transfer without an answer or a report.
     void reset() { m_phase = phaseIdle; }
 
     /// Whether a transfer is under way.
     bool busy() const { return m_phase != phaseIdle; }
 
-    /// Answers since the last initiate, its own included.
+    /// Answers since the last initiate, including the one to it.
     quint32 answerCount() const { return m_answerCount; }
 
     /// Bytes 1 to 3 of the last initiate: index and sub-index.
     QByteArray multiplexor() const { return m_multiplexor; }
 
-    /// For the transfers that begin from now on.
+    /// For the transfers that start from now on.
     void setDefects(const tSdoDefects& defects) { m_defects = defects; }
 
-    /// Called when a transfer has ended, in the midst of `answer`. Not called for one that a new initiate replaces.
+    /// `report` is called from within `answer` when a transfer ends, but not for one that a new initiate replaces.
     void setReport(const std::function<void(const tSdoTransfer&)>& report) { m_report = report; }
 
     /// Whether the request begins a transfer.

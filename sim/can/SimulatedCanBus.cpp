@@ -1,4 +1,4 @@
-// The simulated devices on a CAN bus: what each frame does, whatever carries the frames.
+// The simulated devices on a CAN bus: how they react to each frame, whatever carries the frames.
 // SPDX-License-Identifier: MIT
 #include "can/SimulatedCanBus.h"
 
@@ -58,7 +58,7 @@ void CSimulatedCanBus::receive(const tCanFrame& frame)
         node->second->receiveSdo(frame.data);
 }
 
-// data = specifier node-id, where 0 stands for all nodes
+// data = specifier node-id; node-id 0 means all nodes
 void CSimulatedCanBus::receiveNmt(const QByteArray& data)
 {
     if (data.size() != nmtSize)

@@ -1,4 +1,4 @@
-// The simulated devices on a CAN bus: what each frame does, whatever carries the frames.
+// The simulated devices on a CAN bus: how they react to each frame, whatever carries the frames.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -16,20 +16,20 @@ class CSimulatedCanBus : public QObject
     Q_OBJECT
 
 public:
-    /// For the devices that the network has now. `write` puts a frame on the bus.
+    /// Serves the devices that the network has now. `write` puts a frame on the bus.
     CSimulatedCanBus(CSimulatedNetwork& network, const std::function<void(const tCanFrame&)>& write,
                      QObject* parent = nullptr);
 
-    /// Each hits the transfers that none before it hits; those of the gateway are skipped. Set before `start`.
+    /// Of several faults that hit a transfer, the first counts. Set before `start`.
     void setFaults(const QList<tFault>& faults) { m_context.faults = faults; }
 
     /// Called with every line of the log. Set before `start`.
     void setLog(const tLog& log) { m_context.log = log; }
 
-    /// Lets the devices say that they are there.
+    /// Sends the boot-up message of each device.
     void start();
 
-    /// Takes a data frame from the bus. Frames for nobody here are ignored.
+    /// Takes a data frame from the bus. Frames that are for no device are ignored.
     void receive(const tCanFrame& frame);
 
 private:

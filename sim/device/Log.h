@@ -6,5 +6,5 @@
 
 #include <functional>
 
-/// Takes one line of the log, without line end. Empty where nothing is to be logged.
+/// Takes one line of the log, without line end. An empty function: nothing is logged.
 using tLog = std::function<void(const QByteArray&)>;

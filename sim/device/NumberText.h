@@ -6,8 +6,8 @@
 #include <QtGlobal>
 #include <optional>
 
-/// A number as it was written. `bits` holds two's complement when `negative` is set; `pattern` tells that it was
-/// written in hexadecimal or octal and so may stand for the bit pattern of a signed value.
+/// A number as it was written. `bits` holds two's complement when `negative` is set. `pattern`: written in
+/// hexadecimal or octal, so that it may be the bit pattern of a signed value.
 struct tNumber {
     quint64 bits = 0;
     bool negative = false;
@@ -15,7 +15,7 @@ struct tNumber {
 };
 
 /// Reads a whole text: decimal with an optional sign, hexadecimal after "0x", octal after "0"; blanks around it are
-/// skipped. Nothing when the text is no such number or needs more than 64 bits.
+/// skipped. No value when the text is no such number or needs more than 64 bits.
 /// Examples: "10", "-5", "0x1F", "017".
 std::optional<tNumber> readNumber(QStringView text);
 

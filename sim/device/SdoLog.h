@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 
-/// The items of a line. `value` is what was written; empty for a read.
+/// The parts of a line. `value` is what was written; empty for a read. `result` is the outcome or the value read.
 struct tSdoLine {
     unsigned node;
     const char* verb;

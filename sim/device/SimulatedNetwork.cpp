@@ -13,8 +13,8 @@
 namespace
 {
 
-// What keeps the file from being read at all; empty when nothing does. The reader itself takes such a file as empty.
-QString unreadable(const QString& fileName)
+// Why the file cannot be read; empty when it can. CCANopenReader would read such a file as an empty one.
+QString readError(const QString& fileName)
 {
     const QFileInfo info(fileName);
     if (!info.exists())
@@ -35,9 +35,9 @@ QString CSimulatedNetwork::add(unsigned nodeId, const QString& fileName)
         return QStringLiteral("node-id %1 is not in 1 to %2").arg(nodeId).arg(lastNodeId);
     if (node(nodeId) != nullptr)
         return QStringLiteral("node-id %1 is given twice").arg(nodeId);
-    QString trouble = unreadable(fileName);
-    if (!trouble.isEmpty())
-        return trouble;
+    QString error = readError(fileName);
+    if (!error.isEmpty())
+        return error;
     CCANopen dictionary;
     CCANopenReader reader(&dictionary, CCANopen::typeEDS);
     if (!reader.load(QFile::encodeName(fileName).constData()))

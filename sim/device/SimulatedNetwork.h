@@ -18,13 +18,13 @@ public:
     /// syntax error, without objects)
     QString add(unsigned nodeId, const QString& fileName);
 
-    /// The device with this node-id; null when there is none. It belongs to the network.
+    /// The device with this node-id; null when there is none. Owned by the network.
     CSimulatedNode* node(unsigned nodeId) const;
 
     /// The node-ids of all devices, in rising order.
     QList<unsigned> nodeIds() const;
 
-    /// Sends an NMT command to one device or, with 0, to all. It is not confirmed: an absent device is no error.
+    /// Sends an NMT command to one device or, with 0, to all. NMT is not confirmed: an absent device is no error.
     void command(unsigned nodeId, tNmtCommand command);
 
 private:

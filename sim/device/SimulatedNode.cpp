@@ -1,4 +1,4 @@
-// One simulated CANopen device: the object store behind its SDO server, and its NMT state.
+// One simulated CANopen device: the values of its objects and its NMT state.
 // SPDX-License-Identifier: MIT
 #include "device/SimulatedNode.h"
 
@@ -21,7 +21,7 @@ unsigned keyOf(unsigned index, unsigned subIndex)
     return index << 8 | subIndex;
 }
 
-// Objects that act on a signature written to one of their sub-indexes (1 and above).
+// Objects that store or restore values when this signature is written to a sub-index (1 and above).
 struct tSignature {
     unsigned index;
     quint32 signature;
@@ -33,7 +33,7 @@ constexpr tSignature signatures[] = {
     { 0x1011, 0x64616F6C, false }, // "load": the next reset brings the defaults back
 };
 
-// What a sub-index of 0x1010 and 0x1011 stands for. Other sub-indexes accept the signature and have no parameters.
+// The indexes that a sub-index of 0x1010 and 0x1011 covers. Other sub-indexes accept the signature without effect.
 struct tParameterRange {
     unsigned subIndex;
     unsigned first;
@@ -51,7 +51,7 @@ struct tNmtRow {
     tNmtCommand command;
     tNmtState state;
     tNodeEvent event;
-    unsigned firstReset; // the values of these indexes are put back; none when first is above last
+    unsigned firstReset; // the values of these indexes are reset; none when first is above last
     unsigned lastReset;
 };
 
@@ -111,7 +111,7 @@ tAbortCode CSimulatedNode::write(unsigned index, unsigned subIndex, const QByteA
     if (result != abortNone)
         return result;
     entry.value = data;
-    tell(nodeChanged);
+    notify(nodeChanged);
     return abortNone;
 }
 
@@ -145,7 +145,7 @@ void CSimulatedNode::command(tNmtCommand command)
                                   [command](const tNmtRow& each) { return each.command == command; });
     resetValues(row->firstReset, row->lastReset);
     m_state = row->state;
-    tell(row->event);
+    notify(row->event);
 }
 
 tAbortCode CSimulatedNode::findEntry(unsigned index, unsigned subIndex) const
@@ -164,17 +164,17 @@ tAbortCode CSimulatedNode::checkLimits(const tEntry& entry, const QByteArray& da
     return abortNone;
 }
 
-// True when the entry is one that stores or restores; `result` then tells how that went.
+// True when the entry is one that stores or restores; `result` is then the outcome.
 bool CSimulatedNode::storeOrRestore(unsigned index, unsigned subIndex, const QByteArray& data, tAbortCode* result)
 {
     const auto signature = std::find_if(std::begin(signatures), std::end(signatures),
                                         [index](const tSignature& each) { return each.index == index; });
     if (signature == std::end(signatures) || subIndex == 0)
         return false;
-    const bool signedRight = numberOf(data, { kindUnsigned, 4 }) == signature->signature;
-    *result = signedRight ? abortNone : abortNotStored;
+    const bool signatureMatches = numberOf(data, { kindUnsigned, 4 }) == signature->signature;
+    *result = signatureMatches ? abortNone : abortNotStored;
     for (const tParameterRange& range : parameterRanges) {
-        if (!signedRight || range.subIndex != subIndex)
+        if (!signatureMatches || range.subIndex != subIndex)
             continue;
         for (auto& [key, entry] : m_entries)
             if (entry.writable && key >> 8 >= range.first && key >> 8 <= range.last)
@@ -190,7 +190,7 @@ void CSimulatedNode::resetValues(unsigned first, unsigned last)
             entry.value = entry.storedValue.value_or(entry.defaultValue);
 }
 
-void CSimulatedNode::tell(tNodeEvent event) const
+void CSimulatedNode::notify(tNodeEvent event) const
 {
     if (m_listener)
         m_listener(event);

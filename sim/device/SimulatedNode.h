@@ -1,4 +1,4 @@
-// One simulated CANopen device: the object store behind its SDO server, and its NMT state.
+// One simulated CANopen device: the values of its objects and its NMT state.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -21,7 +21,8 @@ constexpr unsigned lastNodeId = 127;
 enum tNmtCommand { nmtStart, nmtStop, nmtPreOperational, nmtResetNode, nmtResetCommunication };
 enum tNmtState { statePreOperational, stateOperational, stateStopped };
 
-/// What a listener hears of: a reset of the node or its communication; a new state or value, whoever set it.
+/// What a listener is told. `nodeRestarted`: the node or its communication was reset. `nodeChanged`: its state or a
+/// value was set, by any front-end.
 enum tNodeEvent { nodeRestarted, nodeChanged };
 
 /// The outcome of an upload: `data` is valid when `abortCode` is `abortNone`.
@@ -30,8 +31,8 @@ struct tSdoData {
     QByteArray data;
 };
 
-/// Serves the dictionary of a data sheet. Values start as the data sheet's defaults and are kept for each device of its
-/// own; bytes are in bus order. Knows nothing of how a request arrives.
+/// Serves the dictionary of a data sheet to all front-ends. Values start as the data sheet's defaults, and each device
+/// has its own; their bytes are in the order of the bus (little-endian).
 class CSimulatedNode
 {
 public:
@@ -55,11 +56,11 @@ public:
     /// The layout of an entry; none when there is no such entry.
     std::optional<tValueType> typeOf(unsigned index, unsigned subIndex) const;
 
-    /// Carries out an NMT command. Resetting the node puts back all values, resetting the communication those of
-    /// 0x1000 to 0x1FFF: to the stored value (0x1010) or else to the default. Both lead to pre-operational.
+    /// Carries out an NMT command. A reset of the node resets all values, a reset of the communication those of 0x1000
+    /// to 0x1FFF: to the stored value (0x1010), otherwise to the default. Both lead to pre-operational.
     void command(tNmtCommand command);
 
-    /// Called with every event from now on, at its end. One listener at a time; an empty function for none.
+    /// `listener` is called after each event. One listener at a time; an empty function for none.
     void setListener(const std::function<void(tNodeEvent)>& listener) { m_listener = listener; }
 
     tNmtState state() const { return m_state; }
@@ -88,7 +89,7 @@ private:
     tAbortCode checkLimits(const tEntry& entry, const QByteArray& data) const;
     bool storeOrRestore(unsigned index, unsigned subIndex, const QByteArray& data, tAbortCode* result);
     void resetValues(unsigned firstIndex, unsigned lastIndex);
-    void tell(tNodeEvent event) const;
+    void notify(tNodeEvent event) const;
 
     std::set<unsigned> m_objects;
     std::map<tKey, tEntry> m_entries;

@@ -49,7 +49,7 @@ std::optional<QByteArray> encodeBase64(const QByteArray& text, tValueType)
     return *decoded;
 }
 
-// No data would leave the answer without a value: a lone padding character stands for it.
+// An answer needs a value: no data are written as one padding character.
 QByteArray decodeBase64(const QByteArray& bytes, tValueType)
 {
     return bytes.isEmpty() ? QByteArray("=") : bytes.toBase64();

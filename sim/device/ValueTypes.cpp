@@ -184,7 +184,7 @@ bool isBelow(const QByteArray& a, const QByteArray& b, tValueType type)
 {
     if (type.kind == kindReal)
         return realOf(a) < realOf(b);
-    // Turning the sign bit round puts two's complement numbers in the order of unsigned ones.
+    // With the sign bit inverted, two's complement numbers compare as unsigned ones.
     const quint64 bias = type.kind == kindSigned ? quint64{ 1 } << 63 : 0;
     return (numberOf(a, type) ^ bias) < (numberOf(b, type) ^ bias);
 }

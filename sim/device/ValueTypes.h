@@ -26,7 +26,7 @@ bool fits(const tNumber& number, tValueType type);
 /// The low `width` bytes (1 to 8) of `bits`, least significant byte first, as on the bus.
 QByteArray littleEndian(quint64 bits, int width);
 
-/// The number that up to 8 bytes hold, least significant byte first. Signed kinds are extended from their sign.
+/// The number that up to 8 bytes hold, least significant byte first. Signed kinds are sign-extended.
 quint64 numberOf(const QByteArray& bytes, tValueType type);
 
 /// The floating-point number in 4 or 8 bytes.
@@ -36,14 +36,13 @@ double realOf(const QByteArray& bytes);
 /// `width` is 4 or 8.
 std::optional<QByteArray> realFromText(const QString& text, int width);
 
-/// The bytes of a DefaultValue text. What is missing or does not read is zero, or empty for types of any length;
-/// numbers are cut to the width. Texts are Latin-1. Octets are pairs of hexadecimal digits ("01 2A FF") or, where they
-/// are not, the characters of the text. Dates and times are octets or "2026-01-31 12:00:00.000"; TIME_OF_DAY means
+/// The bytes of a DefaultValue text. A text that is missing or wrong gives zero, or nothing for types of any length;
+/// numbers are cut to the width. Texts are Latin-1. Octets are pairs of hexadecimal digits ("01 2A FF"), otherwise the
+/// characters of the text. Dates and times are octets or "2026-01-31 12:00:00.000"; TIME_OF_DAY means
 /// local time.
 QByteArray defaultFromText(const QString& text, tValueType type, unsigned nodeId);
 
-/// The bytes of a LowLimit or HighLimit text; empty when there is none or it is outside of the type, where it limits
-/// nothing.
+/// The bytes of a LowLimit or HighLimit text; empty when there is no limit, or none within the range of the type.
 QByteArray limitFromText(const QString& text, tValueType type, unsigned nodeId);
 
 /// Whether value `a` is below value `b`. Both have the width of the type, which is a numeric one.

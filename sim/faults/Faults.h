@@ -1,5 +1,5 @@
-// Faults on request: how they are written, and which SDO accesses they hit. What they do is in gateway/GatewayFaults and
-// can/CanFaults, which also have the rows of their kinds.
+// Faults on request: how they are written, and which SDO accesses they hit. The kinds and what each does are in
+// gateway/GatewayFaults.cpp and can/CanFaults.cpp.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -17,13 +17,13 @@
 /// Whether "=NUMBER" follows the kind.
 enum tFaultNumber { numberNone, numberOptional, numberNeeded };
 
-/// What can go wrong. Two kinds with the same name are one kind, which both front-ends know.
+/// What can go wrong. Kinds with the same name are equal: one kind that both front-ends know.
 struct tFaultKind {
     const char* name;
     const char* what; // for the help
     tFaultNumber number;
     quint32 argument; // the number when none is given
-    quint32 highest;  // number allowed
+    quint32 highest;  // the highest number allowed
 
     friend bool operator==(const tFaultKind& a, const tFaultKind& b)
     {
@@ -38,7 +38,7 @@ inline bool contains(tFaultKinds kinds, const tFaultKind& kind)
     return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
 }
 
-/// The kinds of a front-end's rows. Each row has a `kind` and what the front-end does then.
+/// The kinds of a front-end, taken from its rows: each row has a `kind` and what the front-end does then.
 template <typename Row, std::size_t count>
 constexpr std::array<tFaultKind, count> kindsOf(const Row (&rows)[count])
 {
@@ -47,7 +47,7 @@ constexpr std::array<tFaultKind, count> kindsOf(const Row (&rows)[count])
     return kinds;
 }
 
-/// The kinds that both front-ends know: each has rows of its own for what it does then.
+/// The kinds that both front-ends know. What they do is in the rows of each.
 namespace commonFaults
 {
 inline constexpr quint32 anyNumber = 0xFFFFFFFF;
@@ -72,8 +72,9 @@ struct tFault {
     bool hits(quint32 atIndex, quint32 atSubIndex) const;
 };
 
-/// Reads "KIND[=NUMBER][@INDEX[:SUB]]", where KIND is the name of one of `kinds`. INDEX and SUB are hexadecimal, with or
-/// without "0x": "silence", "delay=200@2000", "abort=0x06060000@0x2000:1". When the text is wrong, `message` says why.
+/// Reads "KIND[=NUMBER][@INDEX[:SUB]]", where KIND is the name of one of `kinds`. INDEX and SUB are hexadecimal, with
+/// or without "0x": "silence", "delay=200@2000", "abort=0x06060000@0x2000:1".
+/// @return no value when the text is wrong; `message` then says why
 std::optional<tFault> readFault(const QString& text, tFaultKinds kinds, QString* message);
 
 /// The first fault of one of these kinds that hits the entry; null when none does.

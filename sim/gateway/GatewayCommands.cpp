@@ -115,7 +115,7 @@ tGatewayAnswer CGatewayCommands::nmt(const tGatewayRequest& request)
     return okAnswer;
 }
 
-// Without a bus there is no bit rate to set; what clients have sent stays.
+// There is no bus and so no bit rate to set. Messages that wait are kept.
 tGatewayAnswer CGatewayCommands::init(const tGatewayRequest&)
 {
     return okAnswer;
@@ -148,7 +148,7 @@ tGatewayAnswer CGatewayCommands::send(const tGatewayRequest& request)
     return okAnswer;
 }
 
-// Answered with the message that was last sent with this identifier, as its producer would. Nobody sent one: time-out.
+// Answers with the last message sent with this identifier, as its producer would; time-out when there is none.
 tGatewayAnswer CGatewayCommands::remoteFrame(const tGatewayRequest& request)
 {
     if (request.identifier > lastIdentifier || request.number > longestMessage)

@@ -14,7 +14,7 @@
 /// The answer to one command, without sequence number and line end.
 struct tGatewayAnswer {
     QByteArray text;     // "OK", a value, or "ERROR: " and a number
-    QByteArray readable; // the value for the log, where the text says little
+    QByteArray readable; // the value for the log; empty: the text
     int delay = 0;       // milliseconds until it is sent
 };
 
@@ -27,14 +27,14 @@ tGatewayAnswer abortAnswer(tAbortCode code);
 class CGatewayCommands
 {
 public:
-    /// Messages that wait to be received; one more is refused.
+    /// The most messages that wait to be received; further ones are refused.
     static constexpr std::size_t queueLimit = 1000;
 
     /// `network` is borrowed and must outlive this.
     explicit CGatewayCommands(CSimulatedNetwork& network) : m_network(network) {}
 
-    /// Carries out a request, or answers its error. A device that is absent or stopped is a time-out, which comes after
-    /// the SDO time-out (500 ms unless a client has set another).
+    /// Carries out a request, or answers its error. When the device is absent or stopped, the answer is a time-out
+    /// error, delayed by the SDO time-out (500 ms unless a client has set another).
     tGatewayAnswer execute(const tGatewayRequest& request);
 
 private:
@@ -67,5 +67,5 @@ private:
 };
 
 /// A request and its answer as one line of the log: `node 5 read 0x2000 0x01 u16 = 0x1234`,
-/// `node 5 write 0x2010 0x00 d "text" = OK`, `node 5 read 0x5FFF 0x00 u8 = ERROR: 0x06020000`. Only for SDO requests.
+/// `node 5 write 0x2010 0x00 d "text" = OK`, `node 5 read 0x5FFF 0x00 u8 = ERROR: 0x06020000`. For SDO requests only.
 QByteArray describeSdo(const tGatewayRequest& request, const tGatewayAnswer& answer);

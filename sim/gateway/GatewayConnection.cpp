@@ -1,4 +1,4 @@
-// One client of the gateway: its lines in, the answers out, and the faults on the way.
+// One client of the gateway: reads its lines, sends the answers, and applies the faults.
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayConnection.h"
 
@@ -11,7 +11,7 @@ namespace
 
 constexpr qsizetype chunkSize = 65536;
 constexpr qint64 unreadLimit = 1 << 20; // bytes of answers that a client may leave unread
-constexpr qsizetype headSize = 32;      // characters kept of a line that is too long: its sequence number
+constexpr qsizetype headSize = 32;      // characters kept of a line that is too long, for its sequence number
 
 // A line as the log shows it: bytes that are no printable ASCII are written as \xFF.
 QByteArray escaped(const QByteArray& line)
@@ -59,7 +59,7 @@ void CGatewayConnection::process()
     }
 }
 
-// True: `line` is the next one, without its end. False: more input is needed, and m_input holds no more than a line.
+// True: `line` is the next line, without its end. False: more input is needed; m_input holds at most one line.
 bool CGatewayConnection::takeLine(QByteArray& line)
 {
     const qsizetype end = m_input.indexOf('\n', m_scanned);
@@ -142,7 +142,7 @@ void CGatewayConnection::deliver(const tFault* fault, const QByteArray& lines)
     if (delivery == deliverBytewise) {
         m_busy = true;
         m_output = lines;
-        trickle();
+        sendNextByte();
         return;
     }
     m_socket->write(lines);
@@ -150,8 +150,8 @@ void CGatewayConnection::deliver(const tFault* fault, const QByteArray& lines)
         m_socket->abort();
 }
 
-// Sends the next byte of m_output in a packet of its own, and goes on from the event loop until it is empty.
-void CGatewayConnection::trickle()
+// Sends the first byte of m_output in a packet of its own, then the next one from the event loop, until none is left.
+void CGatewayConnection::sendNextByte()
 {
     if (m_output.isEmpty()) {
         m_busy = false;
@@ -161,7 +161,7 @@ void CGatewayConnection::trickle()
     m_socket->write(m_output.left(1));
     m_socket->flush();
     m_output.remove(0, 1);
-    QTimer::singleShot(1, this, &CGatewayConnection::trickle);
+    QTimer::singleShot(1, this, &CGatewayConnection::sendNextByte);
 }
 
 void CGatewayConnection::log(const QByteArray& text) const

@@ -1,4 +1,4 @@
-// One client of the gateway: its lines in, the answers out, and the faults on the way.
+// One client of the gateway: reads its lines, sends the answers, and applies the faults.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -17,7 +17,7 @@ struct tGatewayContext {
     tLog log;
 };
 
-/// Commands of one client are answered in their order, one at a time; a late answer holds the next command back.
+/// Answers the commands of one client in order, one at a time: the next command waits until a delayed answer is sent.
 class CGatewayConnection : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
     /// Lines that are longer get an error and are skipped to their end.
     static constexpr qsizetype longestLine = 65536;
 
-    /// Takes over the connected `socket`. The connection deletes itself when the client is gone. `name` is for the log.
+    /// Takes over the connected `socket`, and deletes itself when the client disconnects. `name` is for the log.
     CGatewayConnection(QTcpSocket* socket, tGatewayContext& context, const QByteArray& name, QObject* parent);
 
 private:
@@ -35,18 +35,18 @@ private:
     void handleLine(const QByteArray& line);
     void execute(const tGatewayRequest& request);
     void deliver(const tFault* fault, const QByteArray& lines);
-    void trickle();
+    void sendNextByte();
     void log(const QByteArray& text) const;
 
     QTcpSocket* m_socket;
     tGatewayContext& m_context;
     QByteArray m_name;
     QByteArray m_input;
-    qsizetype m_taken = 0;        // characters of m_input that are done
-    qsizetype m_scanned = 0;      // characters of m_input that hold no line end that was not taken
+    qsizetype m_taken = 0;        // characters of m_input already handled
+    qsizetype m_scanned = 0;      // characters of m_input already searched for a line end
     QByteArray m_head;            // the beginning of a line that is too long
-    bool m_skipping = false;      // until the end of a line that is too long
-    bool m_busy = false;          // an answer is on its way
+    bool m_skipping = false;      // up to the end of a line that is too long
+    bool m_busy = false;          // an answer is delayed, or being sent byte by byte
     tGatewayRequest m_unfinished; // when it awaits data, its data line comes next
     QByteArray m_output;          // what is sent one byte at a time
 };

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr qsizetype overlongLine = 2000; // characters; clients keep 1023
+constexpr qsizetype overlongLine = 2000; // characters; the line buffer of the client holds 1023
 
 QByteArray lineOf(quint32 sequence, const QByteArray& answer)
 {
@@ -27,7 +27,7 @@ QByteArray garbageLine(quint32 sequence, const QByteArray&)
     return lineOf(sequence, "?%\x80\xFF\x01&*~");
 }
 
-// The number of the command before, as a late answer would carry it.
+// With the sequence number of the previous command, as a late answer would have it.
 QByteArray otherLine(quint32 sequence, const QByteArray& answer)
 {
     return lineOf(sequence - 1, answer);
@@ -38,7 +38,7 @@ QByteArray bothLines(quint32 sequence, const QByteArray& answer)
     return otherLine(sequence, answer) + lineOf(sequence, answer);
 }
 
-// The answer is right, the blanks behind it are too many.
+// The right answer, followed by blanks.
 QByteArray paddedLine(quint32 sequence, const QByteArray& answer)
 {
     return lineOf(sequence, answer.leftJustified(overlongLine, ' '));

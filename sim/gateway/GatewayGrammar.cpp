@@ -1,4 +1,4 @@
-// The command grammar of the ASCII gateway: one line to the rule that it follows and its arguments.
+// The command grammar of the ASCII gateway: reads a line as a command and its arguments.
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayGrammar.h"
 
@@ -12,7 +12,7 @@
 namespace
 {
 
-// Tried from top to bottom. The first rule that takes the whole line counts.
+// Tried from top to bottom: the first rule that matches the whole line applies.
 constexpr tGatewayRule rules[] = {
     { "read|r", commandRead, { argIndex, argSubIndex, argType }, 0, formNode },
     { "write|w", commandWrite, { argIndex, argSubIndex, argType, argValue }, 0, formNode },
@@ -109,11 +109,11 @@ bool takeArguments(CLineScanner& scanner, const tGatewayRule& rule, tGatewayRequ
     return scanner.atEnd();
 }
 
-// Whatever is wrong with its arguments, a message has a data line and a remote frame has none.
-bool hasDataLine(CLineScanner behindWords, const tGatewayRule& rule)
+// "send" has a data line, even with wrong arguments, unless it asks for a remote frame.
+bool hasDataLine(CLineScanner afterWords, const tGatewayRule& rule)
 {
-    behindWords.word(); // the identifier
-    return rule.form == formDataLine && !isWord(behindWords.word(), rtrWord);
+    afterWords.word(); // the identifier
+    return rule.form == formDataLine && !isWord(afterWords.word(), rtrWord);
 }
 
 // command = [ node ] words arguments

@@ -1,4 +1,4 @@
-// The command grammar of the ASCII gateway: one line to the rule that it follows and its arguments.
+// The command grammar of the ASCII gateway: reads a line as a command and its arguments.
 // SPDX-License-Identifier: MIT
 //
 //   line      = "[" sequence "]" command
@@ -6,18 +6,18 @@
 //             | node "write" index sub-index type value   node "stop"         "set" "sdo_timeout" milliseconds
 //             | "send" identifier length EOL data         node "preop..."     "info" topic
 //             | "send" identifier "rtr" length            node "reset" what   "receive"
-//   data      = one number for each byte, on the line that follows; the line is there also without data and when
-//               something else is wrong with the command
+//   data      = one number for each byte, on the next line; this line follows also when there are no data and when the
+//               command is wrong
 //
 // Words are written in upper or lower case; some have a short form ("r" for "read"). Numbers are decimal, "0x"
-// hexadecimal or "0" octal. Items stand apart by blanks or tabs.
+// hexadecimal or "0" octal. Items are separated by blanks or tabs.
 #pragma once
 
 #include "device/TypeWords.h"
 
 #include <QByteArray>
 
-/// The bytes that a CAN message carries at most.
+/// The most bytes that a CAN message carries.
 constexpr quint32 longestMessage = 8;
 
 /// Error numbers that the gateway answers with.
@@ -62,7 +62,7 @@ enum tArgument {
 enum tForm {
     formPlain,
     formNode,     // a node-id before the words
-    formDataLine, // the line that follows
+    formDataLine, // a data line after the command line
 };
 
 /// One rule: its words (alternatives divided by '|'), the command that they stand for, and what follows them.
@@ -74,9 +74,9 @@ struct tGatewayRule {
     tForm form;
 };
 
-/// One command line, read. The numbers stand in the order of the rule's arguments.
+/// One command line as read.
 struct tGatewayRequest {
-    const tGatewayRule* rule = nullptr; // null when the line follows none
+    const tGatewayRule* rule = nullptr; // null when the line is no command
     tGatewayError error = gatewayNoError;
     quint32 sequence = 0; // 0 also when the line has none
     quint32 node = 0;

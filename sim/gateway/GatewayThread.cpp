@@ -1,4 +1,4 @@
-// A gateway with its devices in a thread of its own, for clients that block theirs: tests and benchmarks.
+// A gateway and its devices in their own thread, for tests and benchmarks whose client blocks the calling thread.
 // SPDX-License-Identifier: MIT
 #include "gateway/GatewayThread.h"
 
@@ -17,16 +17,16 @@ QString CGatewayThread::start(quint16 port)
     m_context = std::make_unique<QObject>();
     m_context->moveToThread(&m_thread);
     m_thread.start();
-    QString trouble;
+    QString error;
     QMetaObject::invokeMethod(
         m_context.get(),
         [&] {
             m_gateway = std::make_unique<CSimulatedGateway>(m_network);
             m_gateway->setFaults(m_faults);
             m_gateway->setLog(m_log);
-            trouble = m_gateway->listen(port);
+            error = m_gateway->listen(port);
             m_port = m_gateway->port();
         },
         Qt::BlockingQueuedConnection);
-    return trouble;
+    return error;
 }

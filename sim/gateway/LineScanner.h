@@ -9,7 +9,7 @@
 
 #include <optional>
 
-/// Each rule either takes what it is named after and advances, or fails and stays where it was.
+/// Each function takes what it is named after and advances. One that fails returns false or no value.
 class CLineScanner
 {
 public:

@@ -16,13 +16,13 @@ class CSimulatedGateway : public QObject
 public:
     explicit CSimulatedGateway(CSimulatedNetwork& network, QObject* parent = nullptr);
 
-    /// Each hits the commands that none before it hits. Set before the first client connects.
+    /// Of several faults that hit a command, the first counts. Set before the first client connects.
     void setFaults(const QList<tFault>& faults) { m_context.faults = faults; }
 
     /// Called with every line of the log, in the gateway's thread. Set before the first client connects.
     void setLog(const tLog& log) { m_context.log = log; }
 
-    /// Starts to accept clients. Port 0 stands for any free one, which `port()` then tells.
+    /// Starts to accept clients. Port 0 takes any free one, which `port()` then returns.
     /// @return an empty text, or why it cannot ("The bound address is already in use")
     QString listen(quint16 port, const QHostAddress& address = QHostAddress::LocalHost);
 

@@ -39,10 +39,10 @@ void TestSimulatorFaults::kindsNeedAFrontEndThatKnowsThem()
     const QString missing = QStringLiteral("fault \"%1\": not without --%2").arg(text.section(u'=', 0, 0));
     const QStringList gateway{ "--gateway", "0" };
     const QStringList can{ "--can", "vcan0" };
-    QCOMPARE(readOptions(arguments + gateway).trouble, onGateway ? QString() : missing.arg("can"));
-    QCOMPARE(readOptions(arguments + can).trouble, onCan ? QString() : missing.arg("gateway"));
+    QCOMPARE(readOptions(arguments + gateway).error, onGateway ? QString() : missing.arg("can"));
+    QCOMPARE(readOptions(arguments + can).error, onCan ? QString() : missing.arg("gateway"));
     const tOptions options = readOptions(arguments + gateway + can);
-    QCOMPARE(options.trouble, QString());
+    QCOMPARE(options.error, QString());
     QCOMPARE(options.faults.size(), 1);
     QCOMPARE(contains(gatewayFaultKinds(), options.faults.first().kind), onGateway);
     QCOMPARE(contains(canFaultKinds(), options.faults.first().kind), onCan);
@@ -52,7 +52,7 @@ void TestSimulatorFaults::faultKnownToBothFrontEndsActsOnBoth()
 {
     const tOptions options = readOptions({ "velmora-sim", "--gateway", "0", "--can", "vcan0", "--node", "5=sheet.eds",
                                            "--fault", "abort=0x06060000", "--fault", "delay=20" });
-    QCOMPARE(options.trouble, QString());
+    QCOMPARE(options.error, QString());
     QCOMPARE(options.faults.size(), 2);
     QCOMPARE(faultAnswer(&options.faults[0]), QByteArray("ERROR: 0x06060000"));
     QCOMPARE(sdoDefects(&options.faults[0]).abortCode, 0x06060000U);

@@ -43,21 +43,21 @@ public:
     CSimulatedCanBus& bus() { return *m_bus; }
     QByteArrayList log() const { return m_log; }
 
-    /// As at the beginning: a reset brings the heartbeat of the sheet back.
+    /// Turns the heartbeat off, as at the start: a reset turns it on again.
     void stopHeartbeat(unsigned nodeId) { m_network.node(nodeId)->write(0x1017, 0, QByteArray(2, '\0')); }
 
     /// Puts "605 40 08 10 00 ..." on the bus.
     void put(const QByteArray& frame) { m_bus->receive({ frame.left(3).toUInt(nullptr, 16), bytes(frame.mid(3)) }); }
-    /// The frames that came since the last call.
+    /// The frames sent since the last call.
     QByteArrayList take() { return std::exchange(m_sent, {}); }
-    /// The frames that come at once.
+    /// The frames that the bus sends at once after this one.
     QByteArray ask(const QByteArray& frame)
     {
         take();
         put(frame);
         return take().join(" | ");
     }
-    /// Lets time pass until so many frames have come since the last `take`; false when they do not.
+    /// Waits until `count` frames have come since the last `take`; false after the time-out.
     bool await(qsizetype count)
     {
         return QTest::qWaitFor([&] { return m_sent.size() >= count; }, patience);

@@ -1,4 +1,4 @@
-// The way to an interface of this machine: what cannot be opened. The frames need one (tests/vcan).
+// Interfaces of this machine that cannot be opened. Frames are tested where there is a CAN interface (tests/vcan).
 // SPDX-License-Identifier: MIT
 #include "can/CanDevice.h"
 #include "DemoSheet.h"
@@ -33,7 +33,7 @@ void TestCanDevice::missingInterfaceIsNoSuchDevice()
     QCOMPARE(device.open(name), QStringLiteral("No such device"));
 }
 
-// What the system says depends on whether it knows CAN at all.
+// The text depends on whether the kernel supports CAN.
 void TestCanDevice::interfaceOfAnotherKindIsRefused()
 {
     CSimulatedNetwork network;

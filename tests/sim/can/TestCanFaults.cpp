@@ -1,4 +1,4 @@
-// Misbehaviour on CAN: what arrives in place of the right answers, and which transfers are hit.
+// Faults on CAN: which transfers they hit, and what arrives in place of the right answers.
 // SPDX-License-Identifier: MIT
 #include "CanBusProbe.h"
 
@@ -89,7 +89,7 @@ void TestCanFaults::clientGetsWhatTheFaultsMake_data()
              { "only the sub-index that is named",
                { "silence@2101:2" },
                { "605 40 01 21 02 00 00 00 00", "", "605 40 01 21 07 00 00 00 00", "585 4F 01 21 07 03 00 00 00" } },
-             { "the first that hits counts, those of the gateway left out",
+             { "the first that hits counts, those of the gateway are skipped",
                { "drop", "abort=0x06060000@2004", "silence" },
                { readBrightness, "585 80 04 20 00 00 00 06 06", readName, "" } },
              { "the fault ends with its transfer",
@@ -161,7 +161,7 @@ void TestCanFaults::clientGetsWhatTheFaultsMake_data()
                { "empty=1" },
                { readBrightness, "585 41 04 20 00 01 00 00 00", segment0, "585 0E 00 00 00 00 00 00 00", segment1,
                  "585 1D 32 00 00 00 00 00 00" } },
-             { "surplus=7 behind a short value",
+             { "surplus=7 after a short value",
                { "surplus=7" },
                { readBrightness, "585 41 04 20 00 01 00 00 00", segment0, "585 00 32 55 55 55 55 55 55", segment1,
                  "585 1D 55 00 00 00 00 00 00" } },
@@ -204,7 +204,7 @@ void TestCanFaults::delayedAnswersAreBounded()
     QVERIFY(probe.await(CCanNode::delayedLimit));
     QCOMPARE(probe.take().size(), CCanNode::delayedLimit);
     probe.put("605 40 05 20 00 00 00 00 00");
-    QVERIFY(probe.await(1)); // what was too much would have come before
+    QVERIFY(probe.await(1)); // an answer beyond the limit would have come before
     QCOMPARE(probe.take(), QByteArrayList{ "585 4B 05 20 00 F4 01 00 00" });
 }
 
@@ -221,7 +221,7 @@ void TestCanFaults::delayedAnswersMakeRoomForOthers()
     askOften();
     QVERIFY(probe.await(CCanNode::delayedLimit));
     askOften();
-    probe.put("000 82 05"); // the answers held back are lost
+    probe.put("000 82 05"); // the delayed answers are dropped
     probe.stopHeartbeat(5);
     probe.take();
     askOften();

@@ -32,7 +32,7 @@ private Q_SLOTS:
     void manyFramesTakeTheTimeOfABus();
     void laterFramesWaitForTheirTurn();
     void moreThanMayWaitAreLost();
-    void nothingRunsWhenNoneWaits();
+    void timerStopsWhenNoFrameWaits();
 
 private:
     QList<quint32> m_sent;
@@ -93,7 +93,7 @@ void TestCanSender::moreThanMayWaitAreLost()
     QCOMPARE(m_sent, (QList<quint32>{ 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17 })); // all others would have come before
 }
 
-void TestCanSender::nothingRunsWhenNoneWaits()
+void TestCanSender::timerStopsWhenNoFrameWaits()
 {
     m_sent.clear();
     CCanSender sender([this](const tCanFrame& frame) { m_sent += frame.cobId; });

@@ -66,7 +66,7 @@ void TestSdoServer::init()
     m_server->setReport([&](const tSdoTransfer& transfer) { m_log += describeTransfer(nodeId, node, transfer); });
 }
 
-// The bytes of a segmented upload; a text that begins with '?' when an answer is not the one awaited.
+// The bytes of a segmented upload; a text that begins with '?' when an answer is wrong.
 QByteArray TestSdoServer::upload(const QByteArray& multiplexor)
 {
     const QByteArray start = m_server->answer(bytes("40") + multiplexor + bytes("00 00 00 00"));
@@ -85,7 +85,7 @@ QByteArray TestSdoServer::upload(const QByteArray& multiplexor)
     }
 }
 
-// The last answer to a segmented download, as soon as one is no confirmation.
+// The first answer to a segmented download that is no confirmation, otherwise the last one.
 QByteArray TestSdoServer::download(const QByteArray& multiplexor, const QByteArray& data, bool sizeGiven)
 {
     const QByteArray size = littleEndian(sizeGiven ? static_cast<quint64>(data.size()) : 0, 4);
@@ -192,13 +192,13 @@ void TestSdoServer::transcripts_data()
              { "download segment in an upload",
                { "40 08 10 00 00 00 00 00", "41 08 10 00 10 00 00 00", "00 30 31 32 33 34 35 36",
                  "80 08 10 00 01 00 04 05" } },
-             { "segments out of a transfer",
+             { "segments outside of a transfer",
                { "60 01 02 03 04 05 06 07", "80 00 00 00 01 00 04 05", "00 01 02 03 04 05 06 07",
                  "80 00 00 00 01 00 04 05" } },
-             { "segment behind the last one",
+             { "segment after the last one",
                { "40 09 10 00 00 00 00 00", "41 09 10 00 06 00 00 00", "60 00 00 00 00 00 00 00",
                  "03 48 57 20 31 2E 32 00", "70 00 00 00 00 00 00 00", "80 09 10 00 01 00 04 05" } },
-             { "segment behind an expedited upload",
+             { "segment after an expedited upload",
                { "40 00 10 00 00 00 00 00", "43 00 10 00 91 01 0F 00", "60 00 00 00 00 00 00 00",
                  "80 00 10 00 01 00 04 05" } },
              { "block upload", { "A0 08 10 00 7F 00 00 00", "80 08 10 00 01 00 04 05" } },
@@ -213,12 +213,12 @@ void TestSdoServer::transcripts_data()
              { "abort by the client in a download",
                { "21 08 20 00 0A 00 00 00", "60 08 20 00 00 00 00 00", "80 08 20 00 00 00 04 05", "",
                  "00 30 31 32 33 34 35 36", "80 08 20 00 01 00 04 05" } },
-             { "abort by the client out of a transfer", { "80 08 10 00 00 00 04 05", "" } },
-             { "new upload in the midst of an upload",
+             { "abort by the client outside of a transfer", { "80 08 10 00 00 00 04 05", "" } },
+             { "new upload during an upload",
                { "40 08 10 00 00 00 00 00", "41 08 10 00 10 00 00 00", "60 00 00 00 00 00 00 00",
                  "00 56 65 6C 6D 6F 72 61", "40 08 10 00 00 00 00 00", "41 08 10 00 10 00 00 00",
                  "60 00 00 00 00 00 00 00", "00 56 65 6C 6D 6F 72 61" } },
-             { "new download in the midst of an upload",
+             { "new download during an upload",
                { "40 08 10 00 00 00 00 00", "41 08 10 00 10 00 00 00", "2F 04 20 00 0A 00 00 00",
                  "60 04 20 00 00 00 00 00", "60 00 00 00 00 00 00 00", "80 04 20 00 01 00 04 05" } },
          })
@@ -331,7 +331,7 @@ void TestSdoServer::finishedTransfersAreReported_data()
              { "segmented upload, once and at its end",
                { "40 09 10 00 00 00 00 00", "60 00 00 00 00 00 00 00" },
                { "node 5 read 0x1009 0x00 d = \"HW 1.2\"" } },
-             { "upload under way", { "40 09 10 00 00 00 00 00" }, {} },
+             { "upload that has not ended", { "40 09 10 00 00 00 00 00" }, {} },
              { "segmented download",
                { "21 08 20 00 02 00 00 00", "0B 48 69 00 00 00 00 00" },
                { "node 5 write 0x2008 0x00 d \"Hi\" = OK" } },
@@ -347,7 +347,7 @@ void TestSdoServer::finishedTransfersAreReported_data()
              { "aborted by the client without a code",
                { "40 09 10 00 00 00 00 00", "80 09 10 00 00 00 00 00" },
                { "node 5 read 0x1009 0x00 d = ERROR: 0x08000000" } },
-             { "abort, segment and unknown command out of a transfer",
+             { "abort, segment and unknown command outside of a transfer",
                { "80 09 10 00 00 00 04 05", "60 00 00 00 00 00 00 00", "E0 00 00 00 00 00 00 00" },
                {} },
              { "replaced transfers are not",

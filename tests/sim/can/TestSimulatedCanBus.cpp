@@ -12,9 +12,9 @@ class TestSimulatedCanBus : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void devicesSayThatTheyAreThere();
-    void framesForNobodyAreIgnored_data();
-    void framesForNobodyAreIgnored();
+    void devicesSendTheirBootUpMessage();
+    void framesForNoDeviceAreIgnored_data();
+    void framesForNoDeviceAreIgnored();
     void devicesHaveServersOfTheirOwn();
     void nmtCommandsChangeTheState_data();
     void nmtCommandsChangeTheState();
@@ -22,7 +22,7 @@ private Q_SLOTS:
     void stopEndsTheTransfer();
     void stoppedOrResetDeviceSendsNoLateAnswer_data();
     void stoppedOrResetDeviceSendsNoLateAnswer();
-    void resetEndsTheTransferAndSaysSo();
+    void resetEndsTheTransferAndSendsTheBootUpMessage();
     void resetBringsTheDefaultsBack();
     void heartbeatCarriesTheState();
     void heartbeatFollowsItsTimeAtOnce();
@@ -36,7 +36,7 @@ private Q_SLOTS:
     void anyFramesLeaveTheDevicesAnswering();
 };
 
-void TestSimulatedCanBus::devicesSayThatTheyAreThere()
+void TestSimulatedCanBus::devicesSendTheirBootUpMessage()
 {
     CCanBusProbe probe;
     QCOMPARE(probe.take(), QByteArrayList());
@@ -44,7 +44,7 @@ void TestSimulatedCanBus::devicesSayThatTheyAreThere()
     QCOMPARE(probe.take(), (QByteArrayList{ "705 00", "707 00" }));
 }
 
-void TestSimulatedCanBus::framesForNobodyAreIgnored_data()
+void TestSimulatedCanBus::framesForNoDeviceAreIgnored_data()
 {
     QTest::addColumn<QByteArray>("frame");
     for (const char* frame : {
@@ -64,7 +64,7 @@ void TestSimulatedCanBus::framesForNobodyAreIgnored_data()
         QTest::newRow(frame) << QByteArray(frame);
 }
 
-void TestSimulatedCanBus::framesForNobodyAreIgnored()
+void TestSimulatedCanBus::framesForNoDeviceAreIgnored()
 {
     QFETCH(QByteArray, frame);
     CCanBusProbe probe;
@@ -160,7 +160,7 @@ void TestSimulatedCanBus::stoppedOrResetDeviceSendsNoLateAnswer()
     QCOMPARE(probe.take(), QByteArrayList{ "585 43 00 10 00 91 01 0F 00" });
 }
 
-void TestSimulatedCanBus::resetEndsTheTransferAndSaysSo()
+void TestSimulatedCanBus::resetEndsTheTransferAndSendsTheBootUpMessage()
 {
     for (const char* reset : { "000 81 05", "000 82 00" }) {
         CCanBusProbe probe;

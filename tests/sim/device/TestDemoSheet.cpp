@@ -206,7 +206,7 @@ void TestDemoSheet::everyEntryIsServedWithItsAccess()
     QVERIFY(served > 100);
 }
 
-// Writing back what is read is refused nowhere, so each default respects its own limits. 0x1010 and 0x1011 want a signature.
+// Every value can be written back, so each default is within its limits. 0x1010 and 0x1011 need a signature.
 void TestDemoSheet::defaultsAreWithinTheLimits()
 {
     CSimulatedNetwork network;

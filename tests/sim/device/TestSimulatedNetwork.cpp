@@ -74,7 +74,7 @@ void TestSimulatedNetwork::commandToAllReachesEachDevice()
     network.command(7, nmtStop);
     QCOMPARE(network.node(5)->state(), stateOperational);
     QCOMPARE(network.node(7)->state(), stateStopped);
-    network.command(6, nmtStop); // nobody is there: nothing happens
+    network.command(6, nmtStop); // no such device: nothing happens
     QCOMPARE(network.node(5)->state(), stateOperational);
 }
 

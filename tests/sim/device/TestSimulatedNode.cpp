@@ -168,7 +168,7 @@ private Q_SLOTS:
     void stoppedDeviceAnswersNoSdo();
     void writesAreCheckedBeforeTheirDataCome();
     void entriesTellTheirType();
-    void listenerHearsOfResetsStatesAndValues();
+    void listenerIsToldOfResetsStatesAndValues();
 
 private:
     const CSheetFile m_sheet{ sheet };
@@ -387,7 +387,7 @@ void TestSimulatedNode::entriesTellTheirType()
     QVERIFY(!m_node->typeOf(0x5FFF, 0));
 }
 
-void TestSimulatedNode::listenerHearsOfResetsStatesAndValues()
+void TestSimulatedNode::listenerIsToldOfResetsStatesAndValues()
 {
     QList<tNodeEvent> events;
     m_node->setListener([&](tNodeEvent event) { events += event; });

@@ -24,8 +24,8 @@ private Q_SLOTS:
     void wrongValuesAreRefused_data();
     void wrongValuesAreRefused();
     void wordsAreFoundInAnyCase();
-    void wordsThatAreNotServedAreKnown_data();
-    void wordsThatAreNotServedAreKnown();
+    void unsupportedWordsAreKnown_data();
+    void unsupportedWordsAreKnown();
     void base64WithoutPaddingIsTaken();
     void bytesAreShownAsTextOrOctets();
     void entriesHaveTheTypeThatClientsAskFor_data();
@@ -131,14 +131,14 @@ void TestTypeWords::wordsAreFoundInAnyCase()
         QVERIFY(findTypeWord(word) == nullptr);
 }
 
-void TestTypeWords::wordsThatAreNotServedAreKnown_data()
+void TestTypeWords::unsupportedWordsAreKnown_data()
 {
     QTest::addColumn<QByteArray>("word");
     for (const char* word : { "os", "us", "t", "td" })
         QTest::newRow(word) << QByteArray(word);
 }
 
-void TestTypeWords::wordsThatAreNotServedAreKnown()
+void TestTypeWords::unsupportedWordsAreKnown()
 {
     QFETCH(QByteArray, word);
     const tTypeWord* type = findTypeWord(word);

@@ -1,4 +1,4 @@
-// Misbehaviour on request: how faults are written, what they hit and what arrives at the client.
+// Faults of the gateway: how they are written, which commands they hit, and what the client receives.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
 #include "FaultList.h"
@@ -169,7 +169,7 @@ void TestGatewayFaults::clientGetsWhatTheFaultsMake_data()
         QByteArrayList answers;
     };
     for (const tRow& row : std::initializer_list<tRow>{
-             { "first fault that hits counts, those of the bus left out",
+             { "first fault that hits counts, those of CAN are skipped",
                { "toggle", "error=104@2000", "error=105" },
                "[1] 5 read 0x2000 0x0 u8\r\n[2] 5 read 0x2001 0x0 u8\r\n",
                { "[1] ERROR: 104", "[2] ERROR: 105" } },

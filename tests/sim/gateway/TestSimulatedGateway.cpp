@@ -335,7 +335,7 @@ void TestSimulatedGateway::clientsSideBySideShareTheDevices()
     CLineClient other(m_gateway->port());
     QCOMPARE(m_client->ask("[2] 5 write 0x2005 0x0 u16 0x20"), QByteArray("[2] OK"));
     QCOMPARE(other.ask("[1] 5 read 0x2005 0x0 u16"), QByteArray("[1] 0x0020"));
-    other.send("[2] 5 read 0x2005"); // half a command holds nobody up
+    other.send("[2] 5 read 0x2005"); // half a command delays no other client
     QCOMPARE(m_client->ask("[3] 5 read 0x2005 0x0 u16"), QByteArray("[3] 0x0020"));
     other.send(" 0x0 u16\r\n");
     QCOMPARE(other.line(), QByteArray("[2] 0x0020"));
@@ -346,7 +346,7 @@ void TestSimulatedGateway::clientsComeAndGo()
     for (int i = 0; i < 20; ++i) {
         CLineClient other(m_gateway->port());
         QCOMPARE(other.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
-        other.send("[2] 6 read 0x1001 0x0 u8\r\n[3] 5 re"); // gone before the answer
+        other.send("[2] 6 read 0x1001 0x0 u8\r\n[3] 5 re"); // disconnects before the answer
     }
     QCOMPARE(m_client->ask("[2] 5 read 0x1001 0x0 u8"), QByteArray("[2] 0x00"));
 }
