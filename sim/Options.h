@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "faults/Faults.h"
+#include "Faults.h"
 
 #include <QHostAddress>
 #include <QList>

@@ -4,7 +4,7 @@
 
 #include "can/CanFrame.h"
 #include "can/SdoServer.h"
-#include "faults/Faults.h"
+#include "Faults.h"
 
 /// The right answer, and its place in the transfer.
 struct tSdoStep {

@@ -1,6 +1,6 @@
 // Faults on request: how they are written, and which SDO accesses they hit.
 // SPDX-License-Identifier: MIT
-#include "faults/Faults.h"
+#include "Faults.h"
 
 #include "device/NumberText.h"
 
