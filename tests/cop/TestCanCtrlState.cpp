@@ -1,4 +1,5 @@
-// The state inside the CAN controller, where calls do not show it. Includes the module itself instead of linking it.
+// What the CAN controller remembers over several calls: before the first init, after a failed one, in its objects, in
+// the places of its queue and in its timer.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 
@@ -6,7 +7,8 @@
 
 #include <cerrno>
 
-#include "cop/can_ctrl.cpp"
+constexpr int queueSize = 16382;   // messages that the queue holds
+constexpr int queuePlaces = 16384; // places in its ring
 
 class TestCanCtrlState : public QObject
 {
@@ -15,24 +17,14 @@ class TestCanCtrlState : public QObject
 private Q_SLOTS:
     void nothingIsOpenAtFirst() // has to run first
     {
-        QCOMPARE(fd, -1);
-        QCOMPARE(QByteArray(ifname, sizeof ifname), QByteArray(16, '\0'));
-        QCOMPARE(family, 29);
-        QCOMPARE(type, 3);
-        QCOMPARE(protocol, 1);
-        QCOMPARE(int(init), 0);
-        QCOMPARE(int(can_baudrate), 255);
+        CFakeBus bus;
         QCOMPARE(can_state.byte, 0x80);
-        QCOMPARE(int(std::size(msg_buf)), 15);
-        QCOMPARE(int(std::size(msg_que)), 16384);
-        QCOMPARE(int(sizeof hardware), 256);
-        QCOMPARE(int(sizeof software), 256);
-    }
-
-    void bitTimingsAreInTheOrderOfTheIndexes()
-    {
-        const QList<int> rates(std::begin(bit_timing), std::end(bit_timing));
-        QCOMPARE(rates, (QList<int>{ 1000, 0, 500, 250, 125, 100, 50, 20, 10 }));
+        QCOMPARE(can_hardware(), "interface=\"\", family=29, type=3, protocol=1");
+        QCOMPARE(can_queue_empty(), 1);
+        QCOMPARE(can_queue_status(), 0);
+        QCOMPARE(can_start(0), -95);
+        QCOMPARE(can_exit(), 0);
+        QCOMPARE(bus.calls(), QStringList()); // there is no socket to close
     }
 
     void stateBitsHaveTheirPlaces()
@@ -47,64 +39,20 @@ private Q_SLOTS:
         QCOMPARE(stateOf([](CAN_STATE& state) { state.b.can_stopped = 1; }), 0x80);
     }
 
-    void startNotesItsIndex()
-    {
-        CFakeBus bus;
-        QCOMPARE(can_init(-1, &bus.param), 0);
-        QCOMPARE(can_start(8), 0);
-        QCOMPARE(int(can_baudrate), 8);
-        QCOMPARE(can_start(2), -8);
-        can_reset();
-        QCOMPARE(can_start(9), -91);
-        QCOMPARE(can_start(1), -91);
-        QCOMPARE(int(can_baudrate), 8);
-    }
-
-    void resetRefusesIndex1WhileStarted()
-    {
-        CStartedBus bus;
-        can_baudrate = 1; // can_start refuses it
-        QCOMPARE(can_reset(), -91);
-        QCOMPARE(can_state.byte, 0x00);
-        can_state.byte = 0x80;
-        QCOMPARE(can_reset(), 0);
-        can_state.byte = 0x00;
-        can_baudrate = 0;
-        QCOMPARE(can_reset(), 0);
-        can_exit();
-        can_baudrate = 1;
-        QCOMPARE(can_reset(), -95);
-        can_baudrate = 255;
-    }
-
-    void exitForgetsTheInterface()
-    {
-        CFakeBus bus;
-        bus.param = { "can0", 30, 2, 7 };
-        QCOMPARE(can_init(-1, &bus.param), 0);
-        QVERIFY(fd >= 0);
-        QCOMPARE(int(init), 1);
-        QCOMPARE(can_exit(), 0);
-        QCOMPARE(fd, -1);
-        QCOMPARE(int(init), 0);
-        QCOMPARE(QByteArray(ifname, sizeof ifname), QByteArray(16, '\0'));
-        QCOMPARE(family, 29);
-        QCOMPARE(type, 3);
-        QCOMPARE(protocol, 1);
-    }
-
     void failedBindKeepsItsSocketButIsNotInitialised()
     {
         CFakeBus bus;
         bus.fail(CFakeBus::Bind, EADDRINUSE);
         QCOMPARE(can_init(-1, &bus.param), -10000);
-        QVERIFY(fd >= 0);
-        QCOMPARE(int(init), 0);
+        QCOMPARE(bus.descriptors(), 1);
+        QCOMPARE(can_start(0), -95);
         QCOMPARE(can_exit(), 0);
-        QCOMPARE(fd, -1);
+        QCOMPARE(bus.descriptors(), 0);
         bus.fail(CFakeBus::Socket, EMFILE);
         QCOMPARE(can_init(-1, &bus.param), -10000);
-        QCOMPARE(fd, -1);
+        QCOMPARE(can_start(0), -95);
+        QCOMPARE(can_exit(), 0);
+        QCOMPARE(bus.count(CFakeBus::Close), 1); // the second time nothing was open
     }
 
     void failedOpeningLeavesAllButTheSocketAlone_data()
@@ -132,26 +80,16 @@ private Q_SLOTS:
             bus.fail(CFakeBus::ECall(call), EPERM);
         QCOMPARE(can_init(board, &other), result);
         QCOMPARE(can_state.byte, 0x86);
-        QCOMPARE(object(3), "3 123: 0, 1 bytes 02 00 00 00 00 00 00 00");
-        QCOMPARE(object(4), "4 124: 1, 1 bytes 03 00 00 00 00 00 00 00");
-        QVERIFY(!queue_enabled);
         QCOMPARE(can_queue_empty(), 0); // enabling it would empty it
-        QCOMPARE(int(queue_error), -30);
+        QCOMPARE(can_queue_status(), -30);
         bus.heal();
         can_exit();
         QCOMPARE(can_init(-1, &bus.param), 0);
         QCOMPARE(can_state.byte, 0x80);
-        QCOMPARE(int(msg_buf[3].control), 0);
-        QCOMPARE(int(msg_buf[4].control), 0);
-        QCOMPARE(can_queue_empty(), 1);
-    }
-
-    void nameOf16CharactersFillsItsField()
-    {
-        CFakeBus bus;
-        bus.param.ifname = "abcdefghijklmnopq";
-        QCOMPARE(can_init(-1, &bus.param), -10000);
-        QCOMPARE(QByteArray(ifname, sizeof ifname), QByteArray("abcdefghijklmnop"));
+        QCOMPARE(can_queue_empty(), 1); // it was still disabled
+        QCOMPARE(can_start(0), 0);
+        QCOMPARE(received(3), "-93");
+        QCOMPARE(received(4), "-93");
     }
 
     void configurationSetsTheWholeObject()
@@ -159,84 +97,51 @@ private Q_SLOTS:
         CStartedBus bus;
         QCOMPARE(can_config(4, 0x7FF, 0x0803), 0);
         bus.inject(0x7FF, "01 02 03");
-        QCOMPARE(can_read_queue(100), 1);
-        QCOMPARE(object(4), "3 7FF: 1, 3 bytes 01 02 03 00 00 00 00 00");
-        QCOMPARE(msg_buf[4].time_stamp, 0xFFFFFFFFu);
-        QCOMPARE(can_config(4, 0x123, 0x0502), 0);
-        QCOMPARE(object(4), "2 123: 0, 5 bytes 00 00 00 00 00 00 00 00");
+        QCOMPARE(receivedId(4), "7FF 0: 01 02 03");
+        bus.inject(0x7FF, "04 05 06");
+        QCOMPARE(can_data(4), 1);
+        QCOMPARE(can_config(4, 0x123, 0x0501), 0); // kind, identifier, count and data are new
+        QCOMPARE(can_data(4), 0);
+        QCOMPARE(can_busy(4), 0);
+        QCOMPARE(can_transmit(4, 8, nullptr), 0);
+        QCOMPARE(bus.written(), QStringList{ "123: 00 00 00 00 00 00 00 00" });
         QCOMPARE(can_delete(4), 0);
-        QCOMPARE(int(msg_buf[4].control), 0);
-        QCOMPARE(int(msg_buf[4].count), 0);
-    }
-
-    void sendingKeepsTheLengthAndCounts()
-    {
-        CStartedBus bus;
-        const BYTE data[] = { 1, 2, 3 };
-        QCOMPARE(can_config(0, 0x123, 0x0801), 0);
-        msg_buf[0].time_stamp = 0;
-        bus.fail(CFakeBus::Write, ENOBUFS);
-        QCOMPARE(can_transmit(0, 3, data), -20);
-        QCOMPARE(int(msg_buf[0].length), 3);
-        QCOMPARE(int(msg_buf[0].count), 1);
-        QCOMPARE(msg_buf[0].time_stamp, 0xFFFFFFFFu);
-        QCOMPARE(can_transmit(0, 2, data), 0);
-        QCOMPARE(int(msg_buf[0].length), 2);
-        QCOMPARE(int(msg_buf[0].count), 0);
-        QCOMPARE(can_update(0, 8, data), -98);
-        QCOMPARE(int(msg_buf[0].length), 2);
-    }
-
-    void nullSendsWhatTheObjectHolds()
-    {
-        CStartedBus bus;
-        QCOMPARE(can_config(0, 0x123, 0x0801), 0);
-        msg_buf[0].data[0] = 0xAA;
-        msg_buf[0].data[2] = 0xBB;
-        QCOMPARE(can_transmit(0, 3, nullptr), 0);
-        QCOMPARE(bus.written(), QStringList{ "123: AA 00 BB" });
+        QCOMPARE(can_transmit(4, 8, nullptr), -93);
+        QCOMPARE(received(4), "-93");
     }
 
     void receivingCountsUntilTheRead()
     {
         CStartedBus bus;
         QCOMPARE(can_config(4, 0x123, 0x0804), 0);
-        for (short count = 1; count <= 3; ++count) {
+        for (int count = 1; count <= 3; ++count) {
             bus.inject(0x123, "01 02 03 04 05 06 07 08");
-            msg_buf[4].time_stamp = 0;
             QCOMPARE(can_data(4), 1);
-            QCOMPARE(msg_buf[4].count, count);
-            QCOMPARE(msg_buf[4].time_stamp, 0xFFFFFFFFu);
+            QCOMPARE(can_state.b.message_lost, 0);
         }
         QCOMPARE(received(4), "0: 01 02 03 04 05 06 07 08");
-        QCOMPARE(int(msg_buf[4].count), 0);
-    }
-
-    void queueEntryHasNoRealTimeStamp()
-    {
-        CStartedBus bus;
-        const int at = head;
-        msg_que[at].time_stamp = 0;
-        bus.inject(0x40000123, "01 02");
-        QCOMPARE(can_read_queue(100), 1);
-        QCOMPARE(msg_que[at].cob_id, 0x123u);
-        QCOMPARE(int(msg_que[at].length), 2);
-        QCOMPARE(int(msg_que[at].data[1]), 2);
-        QCOMPARE(msg_que[at].time_stamp, 0xFFFFFFFFu);
+        QCOMPARE(can_state.b.message_lost, 1);
+        QCOMPARE(can_data(4), 0);
+        QCOMPARE(received(4), "-30");
     }
 
     void headAndTailGoRound()
     {
         CStartedBus bus;
-        head = tail = 16383;
-        bus.inject(0x100, "");
+        QVERIFY(passMessages(bus, queuePlaces + 1));
+        bus.inject(0x200, "01");
         QCOMPARE(can_read_queue(100), 1);
-        QCOMPARE(head, 0);
-        QCOMPARE(tail, 16383);
-        QCOMPARE(queued(), "100 0:");
-        QCOMPARE(tail, 0);
+        for (int message = 0; message <= queuePlaces; ++message) { // the same with one more in the queue all the time
+            bus.inject(0x200, message % 2 == 0 ? "02" : "01");
+            QCOMPARE(can_read_queue(100), 1);
+            QCOMPARE(queued(), message % 2 == 0 ? "200 0: 01" : "200 0: 02");
+        }
+        QCOMPARE(can_queue_clear(), 0);
+        QCOMPARE(can_queue_status(), 0);
+        place = (place + queuePlaces + 1) % queuePlaces;
     }
 
+    // Also where the ring of the queue begins and ends. `first` is the place of the oldest message.
     void overrunDropsWhenOneSlotIsStillFree_data()
     {
         QTest::addColumn<int>("first");
@@ -247,55 +152,33 @@ private Q_SLOTS:
     {
         QFETCH(int, first);
         CStartedBus bus;
-        tail = first;
-        head = (first + 16381) % 16384;
-        bus.inject(0x100, "");
-        QCOMPARE(can_read_queue(100), 1);
-        QCOMPARE(head, (first + 16382) % 16384);
-        QCOMPARE(tail, first);
+        QVERIFY(passMessages(bus, (first - place + queuePlaces) % queuePlaces));
+        QCOMPARE(place, first);
+        fill(bus, queueSize);
+        QCOMPARE(can_read_queue(0), queueSize);
         QCOMPARE(can_queue_status(), 0);
-        bus.inject(0x100, "");
+        bus.inject(0x101, "");
         QCOMPARE(can_read_queue(100), 1);
-        QCOMPARE(head, (first + 16383) % 16384);
-        QCOMPARE(tail, (first + 1) % 16384);
         QCOMPARE(can_queue_status(), -40);
-    }
-
-    void loadIsTheShareOfTheLimit_data()
-    {
-        QTest::addColumn<int>("waiting");
-        QTest::addColumn<int>("limit");
-        QTest::addColumn<int>("load");
-        struct {
-            int waiting;
-            int limit;
-            int load;
-        } const rows[] = { { 0, 100, 0 }, { 37, 100, 37 }, { 100, 100, 100 }, { 150, 100, 100 }, { 2, 8, 25 },
-                           { 1, 3, 33 },  { 0, 0, 0 },     { 655, 0, 0 },     { 656, 0, 1 },     { 1311, 0, 2 } };
-        for (const auto& row : rows)
-            QTest::addRow("%d of %d", row.waiting, row.limit) << row.waiting << row.limit << row.load;
-    }
-    void loadIsTheShareOfTheLimit()
-    {
-        QFETCH(int, waiting);
-        QFETCH(int, limit);
-        QFETCH(int, load);
-        CStartedBus bus;
-        que_load = 77;
-        for (int message = 0; message < waiting; ++message)
-            bus.inject(message % 2 == 0 ? 0x100 : 0x80000100, ""); // those that are dropped count as well
-        can_read_queue(limit);
-        QCOMPARE(int(que_load), load);
+        for (int message = 1; message < queueSize; ++message)
+            QCOMPARE(queued(), numbered(message));
+        QCOMPARE(queued(), "101 0:");
+        QCOMPARE(queued(), "-30");
+        place = (place + queueSize + 1) % queuePlaces;
     }
 
     void timerIsAnAbsoluteTimeInMicroseconds()
     {
         CFakeBus bus;
-        QCOMPARE(can_start_timer(0), 0);
-        const auto now = llUntilStop;
-        QVERIFY(now > 0xFFFFFFFFu);
-        QCOMPARE(can_start_timer(65535), 0);
-        QCOMPARE(llUntilStop, now + 65535000u + unsigned(bus.step));
+        bus.step = 1; // each look at the clock
+        QCOMPARE(can_start_timer(1), 0);
+        for (int microsecond = 1; microsecond < 1000; ++microsecond)
+            QCOMPARE(can_is_timeout(), 0);
+        QCOMPARE(can_is_timeout(), 1);
+        for (int quarter = 0; quarter < 8; ++quarter) { // of an hour: longer than 32 bits of microseconds
+            bus.advance(900'000);
+            QCOMPARE(can_is_timeout(), 1);
+        }
     }
 
     void clockThatFailsOnceHoldsNobodyUp()
@@ -337,13 +220,19 @@ private:
         return state.byte;
     }
 
-    static QString object(int number)
+    // Sends so many messages through the queue, one after the other.
+    static bool passMessages(CFakeBus& bus, int count)
     {
-        const auto& entry = msg_buf[number];
-        const QByteArray data(reinterpret_cast<const char*>(entry.data), sizeof entry.data);
-        return QString::asprintf("%d %03X: %d, %d bytes ", entry.control, entry.cob_id, entry.count, entry.length) +
-               data.toHex(' ').toUpper();
+        for (int message = 0; message < count; ++message) {
+            fill(bus, 1);
+            if (queued() != numbered(0))
+                return false;
+        }
+        place = (place + count) % queuePlaces;
+        return true;
     }
+
+    static inline int place = 0; // of the oldest message in the ring: counts those that have left the queue
 };
 
 QTEST_GUILESS_MAIN(TestCanCtrlState)

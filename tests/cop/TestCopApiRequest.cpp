@@ -15,6 +15,35 @@ class TestCopApiRequest : public QObject
 private Q_SLOTS:
     void cleanup() { can_queue_clear(); }
 
+    // A start that fails does not set the index, nor does the CAN controller.
+    void indexIs7AtFirst() // has to run first
+    {
+        CFakeBus bus;
+        QCOMPARE(cop_init(-1, &bus.param, 1), -91);
+        bus.param.ifname = "can1";
+        QCOMPARE(cop_init(-1, &bus.param, 2), -10000);
+        QCOMPARE(cop_reset(2), -95);
+        bus.param.ifname = "can0";
+        can_exit();
+        QCOMPARE(can_init(-1, &bus.param), 0);
+        QCOMPARE(can_start(0), 0);
+        QCOMPARE(waited(bus), 100);
+    }
+
+    void successKeepsTheIndex()
+    {
+        CFakeBus bus;
+        QCOMPARE(cop_init(-1, &bus.param, 7), 0);
+        QCOMPARE(waited(bus), 100);
+        QCOMPARE(cop_reset(6), 0);
+        QCOMPARE(waited(bus), 50);
+        QCOMPARE(cop_reset(1), -91);
+        QCOMPARE(cop_exit(), 0);
+        QCOMPARE(can_init(-1, &bus.param), 0);
+        QCOMPARE(can_start(0), 0);
+        QCOMPARE(waited(bus), 50);
+    }
+
     void waitsByTheIndexOfTheBaudRate_data()
     {
         QTest::addColumn<int>("index");
