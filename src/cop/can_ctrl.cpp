@@ -1,6 +1,8 @@
-// The CAN controller of the master: one raw SocketCAN socket, 15 message objects and a queue of received messages.
+// The CAN controller of the master: one raw SocketCAN socket, 15 message objects and a timer.
 // SPDX-License-Identifier: MIT
 #include "cop/can_ctrl.h"
+
+#include "cop/can_internal.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -26,21 +28,10 @@ struct _msg_obj {
 };
 using MSG_OBJ = _msg_obj;
 
-struct _can_que {
-    uint32_t cob_id;
-    short length;
-    BYTE data[8];
-    uint32_t time_stamp;
-};
-using MSG_QUE = _can_que;
-
 static constexpr short can_open_failed = -10000;
 static constexpr short can_objects = 15;
-static constexpr short can_queue_object = 14; // stands for the queue while that is enabled
-static constexpr int can_queue_size = 16384;  // it holds two less
+static constexpr short can_queue_object = 14; // cannot be read while the queue is enabled
 static constexpr uint32_t can_identifiers = CAN_SFF_MASK + 1;
-static constexpr uint32_t can_no_time_stamp = 0xFFFFFFFF;
-static constexpr int can_read_limit = 100; // messages in one go: a busy bus shall not hold a caller for long
 static constexpr int can_read_unlimited = 65536;
 static constexpr socklen_t can_address_size = 16; // the family, the interface index and an unused rest
 static constexpr BYTE can_state_stopped = 0x80;
@@ -58,13 +49,8 @@ static char software[256];      // text of can_software
 static int init = 0;            // 1 after a successful can_init
 static BYTE can_baudrate = 255; // index noted by can_start
 CAN_STATE can_state = { .byte = can_state_stopped };
-static uint64_t llUntilStop = 0;         // when the timer runs out, in microseconds since the epoch
-static MSG_OBJ msg_buf[can_objects];     // the message objects
-static MSG_QUE msg_que[can_queue_size];  // the queue, a ring from tail to head
-static int head = 0;                     // where the next message is put
-static int tail = 0;                     // the oldest message, unless it is head
-static short queue_error = ERR_NO_ERROR; // what went wrong with the queue last
-static bool queue_enabled = false;
+static uint64_t llUntilStop = 0;           // when the timer runs out, in microseconds since the epoch
+static MSG_OBJ msg_buf[can_objects];       // the message objects
 [[maybe_unused]] static BYTE que_load = 0; // per cent of its limit that the last reading of the socket has taken
 
 static bool can_is_transmit(const MSG_OBJ& object)
@@ -82,8 +68,7 @@ static void can_count_up(MSG_OBJ& object)
     object.count = static_cast<short>(std::min(object.count + 1, int{ INT16_MAX }));
 }
 
-/// What stands in the way of sending and reading.
-static short can_check_started()
+short can_check_started()
 {
     if (init == 0)
         return ERR_NOT_INITIALIZED;
@@ -264,7 +249,7 @@ short can_busy(short object)
 /// Whether the object is one that messages are read from, which object 14 is only without the queue.
 static bool can_is_readable(short object)
 {
-    return can_is_between(object, 0, can_objects - 1) && !(object == can_queue_object && queue_enabled) &&
+    return can_is_between(object, 0, can_objects - 1) && !(object == can_queue_object && can_queue_is_enabled()) &&
            can_is_receive(msg_buf[object]);
 }
 
@@ -305,61 +290,6 @@ short can_data(short object)
         return 0;
     can_read_queue(can_read_limit);
     return msg_buf[object].count > 0 ? 1 : 0;
-}
-
-short can_queue_get_message(uint32_t* cob_id, short* length, BYTE* data)
-{
-    const short error = can_check_started();
-    if (error != ERR_NO_ERROR)
-        return error;
-    if (cob_id == nullptr || length == nullptr || data == nullptr)
-        return ERR_NULL_POINTER;
-    can_read_queue(can_read_limit);
-    queue_error = can_queue_empty() != 0 ? ERR_RECEIVER_EMPTY : ERR_NO_ERROR;
-    if (queue_error != ERR_NO_ERROR)
-        return queue_error;
-    const MSG_QUE& message = msg_que[tail];
-    *cob_id = message.cob_id;
-    *length = message.length;
-    std::memcpy(data, message.data, static_cast<std::size_t>(message.length));
-    tail = (tail + 1) % can_queue_size;
-    return ERR_NO_ERROR;
-}
-
-short can_queue_enable()
-{
-    if (!queue_enabled) {
-        head = tail;
-        queue_error = ERR_NO_ERROR;
-        queue_enabled = true;
-    }
-    return ERR_NO_ERROR;
-}
-
-short can_queue_disable()
-{
-    queue_enabled = false;
-    return ERR_NO_ERROR;
-}
-
-short can_queue_empty()
-{
-    return head == tail ? 1 : 0;
-}
-
-short can_queue_clear()
-{
-    if (head == tail)
-        return ERR_RECEIVER_EMPTY;
-    head = tail;
-    return ERR_NO_ERROR;
-}
-
-short can_queue_status()
-{
-    const short error = queue_error;
-    queue_error = ERR_NO_ERROR;
-    return error;
 }
 
 /// Kept: by the clock of the wall, so that time-outs fit the time stamps of users' traces; setting it back lengthens a
@@ -431,20 +361,6 @@ static bool can_store(uint32_t cob_id, short length, const BYTE* data)
     return true;
 }
 
-static void can_enqueue(uint32_t cob_id, short length, const BYTE* data)
-{
-    MSG_QUE& message = msg_que[head];
-    message = { cob_id, length, {}, can_no_time_stamp };
-    std::memcpy(message.data, data, static_cast<std::size_t>(length));
-    head = (head + 1) % can_queue_size;
-    // Kept: the oldest message goes one place before the ring is full; programs rely on its 16382 places.
-    if ((head + 1) % can_queue_size == tail) {
-        tail = (tail + 1) % can_queue_size;
-        queue_error = ERR_QUEUE_OVERRUN;
-    }
-    can_state.b.queue_overrun = queue_error == ERR_QUEUE_OVERRUN ? 1 : 0;
-}
-
 int can_read_queue(int max)
 {
     if (init == 0)
@@ -458,8 +374,8 @@ int can_read_queue(int max)
         // Kept: a remote frame is a message like any other; programs see in the queue who asks for what.
         const uint32_t cob_id = frame.can_id & CAN_SFF_MASK;
         const short length = std::min<short>(frame.len, can_length_max);
-        if (!can_store(cob_id, length, frame.data) && queue_enabled)
-            can_enqueue(cob_id, length, frame.data);
+        if (!can_store(cob_id, length, frame.data) && can_queue_is_enabled())
+            can_queue_put(cob_id, length, frame.data);
     }
     que_load = static_cast<BYTE>(int64_t{ frames } * 100 / (max != 0 ? max : can_read_unlimited));
     return frames;
