@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "tcp/tcp_scan.h"
 
+#include "base/Digits.h"
 #include "tcp/base64.h"
 
 #include <algorithm>
@@ -175,15 +176,6 @@ int compare(const char* text, const char* keyword)
     return text != nullptr && keyword != nullptr && tcp_scan_begins(text, keyword) ? 1 : 0;
 }
 
-/// The value of a digit, or `base` and above when the character is none.
-static constexpr uint32_t tcp_scan_digit(char digit)
-{
-    if (digit >= '0' && digit <= '9')
-        return static_cast<uint32_t>(digit - '0');
-    const char letter = tcp_scan_lower(digit);
-    return letter >= 'a' && letter <= 'f' ? static_cast<uint32_t>(letter - 'a' + 10) : 16;
-}
-
 /// The digits taken: their value modulo 2^32, and whether it stayed within the limit.
 struct tcp_scan_digits {
     uint32_t value;
@@ -193,7 +185,7 @@ struct tcp_scan_digits {
 static tcp_scan_digits tcp_scan_take_digits(const char* text, uint32_t* cursor, uint32_t base, uint32_t limit)
 {
     tcp_scan_digits taken = { 0, true };
-    for (uint32_t digit = tcp_scan_digit(text[*cursor]); digit < base; digit = tcp_scan_digit(text[*cursor])) {
+    for (uint32_t digit = digitOf(text[*cursor]); digit < base; digit = digitOf(text[*cursor])) {
         taken.fits = taken.fits && taken.value <= (limit - digit) / base;
         taken.value = taken.value * base + digit;
         ++*cursor;
@@ -212,7 +204,7 @@ static tcp_scan_digits tcp_scan_take_pattern(const char* text, uint32_t* cursor,
 
 static tcp_scan_digits tcp_scan_take_decimal(const char* text, uint32_t* cursor, uint32_t limit)
 {
-    if (tcp_scan_digit(text[*cursor]) >= 10)
+    if (digitOf(text[*cursor]) >= 10)
         return { 0, false };
     return tcp_scan_take_digits(text, cursor, 10, limit);
 }
@@ -220,7 +212,7 @@ static tcp_scan_digits tcp_scan_take_decimal(const char* text, uint32_t* cursor,
 /// A minus sign counts only in front of a digit.
 static tcp_scan_digits tcp_scan_take_signed(const char* text, uint32_t* cursor, uint32_t limit)
 {
-    if (text[*cursor] == '-' && tcp_scan_digit(text[*cursor + 1]) < 10) {
+    if (text[*cursor] == '-' && digitOf(text[*cursor + 1]) < 10) {
         ++*cursor;
         const tcp_scan_digits magnitude = tcp_scan_take_decimal(text, cursor, limit + 1);
         return { 0U - magnitude.value, magnitude.fits };
