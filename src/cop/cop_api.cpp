@@ -3,6 +3,7 @@
 #include "cop/cop_api.h"
 
 #include "cop/can_ctrl.h"
+#include "cop/cop_internal.h"
 
 #include <algorithm>
 

@@ -8,16 +8,6 @@
 /// abort code. Every function that returns a status sets it.
 extern int32_t cop_error;
 
-// For the master's own modules.
-
-inline constexpr BYTE cop_node_last = 127; ///< node-ids are 1 to this
-
-/// The data of the message that is being sent or has arrived.
-extern BYTE cop_buffer[8];
-// Message objects that the services use in turns; each service frees its objects before it returns.
-inline constexpr short cop_transmit_object = 0;
-inline constexpr short cop_receive_object = 1;
-
 // Error codes come unchanged from the CAN controller (cop/can_ctrl.h) unless something else is said here.
 
 /// Starts the CAN controller on the interface that `param`, a `_can_param`, names. What was open before is closed, and

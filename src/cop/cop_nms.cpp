@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "cop/cop_nms.h"
 
+#include "base/NodeId.h"
 #include "cop/cop_api.h"
+#include "cop/cop_internal.h"
 
 static constexpr uint32_t nmt_cob_id = 0x000;
 
 static int32_t nmt_command(BYTE specifier, BYTE node)
 {
-    if (node > cop_node_last)
+    if (node > highestNodeId)
         return cop_error = ERR_NODE_ID;
     cop_buffer[0] = specifier;
     cop_buffer[1] = node;

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "cop/cop_sdo.h"
 
+#include "base/NodeId.h"
 #include "cop/can_ctrl.h"
 #include "cop/cop_api.h"
+#include "cop/cop_internal.h"
 
 #include <algorithm>
 #include <iterator>
@@ -243,7 +245,7 @@ static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& r
 /// Checks the arguments of a transfer; `complete` tells that no pointer is null. @return `cop_error`, which it sets
 static int32_t sdo_check(BYTE node, bool complete)
 {
-    if (node == 0 || node > cop_node_last)
+    if (node == 0 || node > highestNodeId)
         return cop_error = ERR_NODE_ID;
     return cop_error = complete ? ERR_NO_ERROR : ERR_FATAL;
 }

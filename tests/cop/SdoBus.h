@@ -8,6 +8,10 @@
 
 #include <QTest>
 
+// The message objects that the SDO client uses.
+constexpr short transmitObject = 0;
+constexpr short receiveObject = 1;
+
 /// The master is started, its queue is empty and the SDO time-out is 500 ms. All transfers here are about the object
 /// 2008, sub-index 1, of node 5: multiplexor 08 20 01.
 struct CSdoBus : CFakeBus {
@@ -77,8 +81,8 @@ inline QString ended(int32_t result)
     short length = 0;
     BYTE data[8];
     if (state.b.can_stopped == 0) {
-        const short transmitter = can_transmit(cop_transmit_object, 0, nullptr);
-        const short receiver = can_receive(cop_receive_object, &length, data);
+        const short transmitter = can_transmit(transmitObject, 0, nullptr);
+        const short receiver = can_receive(receiveObject, &length, data);
         if (transmitter != -93 || receiver != -93)
             text += QString(", objects %1 %2").arg(transmitter).arg(receiver);
     }

@@ -208,7 +208,7 @@ void TestCopSdoFailures::receiveErrorsAreReportedAfterAnAbort()
     CPhaseBus bus(phase);
     bus.request->after(10).answer(0x585, phase.answer());
     bus.CSdoBus::talk("80 08 20 01 00 00 00 08");
-    whileWaiting(bus, phase, [] { can_delete(cop_receive_object); });
+    whileWaiting(bus, phase, [] { can_delete(receiveObject); });
     QCOMPARE(phase.transfer.run(), QString("-93"));
     QVERIFY(bus.finished());
     bus.advance(20);
