@@ -21,10 +21,10 @@
 struct _msg_obj {
     BYTE control;        // 0 free, or one of can_object_...
     uint32_t cob_id;     // 11-bit identifier
-    short count;         // messages that wait to be sent, or that were stored since the last read
+    short count;         // messages that could not be sent, or that were received since the last read
     short length;        // of the data
-    BYTE data[8];        // of the message received last
-    uint32_t time_stamp; // none is kept: always can_no_time_stamp
+    BYTE data[8];        // of the last message received
+    uint32_t time_stamp; // always can_no_time_stamp
 };
 using MSG_OBJ = _msg_obj;
 
@@ -33,10 +33,10 @@ static constexpr short can_objects = 15;
 static constexpr short can_queue_object = 14; // cannot be read while the queue is enabled
 static constexpr uint32_t can_identifiers = CAN_SFF_MASK + 1;
 static constexpr int can_read_unlimited = 65536;
-static constexpr socklen_t can_address_size = 16; // the family, the interface index and an unused rest
+static constexpr socklen_t can_address_size = 16; // family, interface index and unused bytes
 static constexpr BYTE can_state_stopped = 0x80;
 
-// The bit rates by index, in kbit/s. Index 1, 800 kbit/s by its place, has no timing.
+// Bit rates in kbit/s by their index. Index 1, 800 kbit/s, has no bit timing.
 static constexpr WORD bit_timing[] = { 1000, 0, 500, 250, 125, 100, 50, 20, 10 };
 
 static int fd = -1;           // the socket; may be open without `init` after a failed can_init
@@ -49,9 +49,9 @@ static char software[256];      // text of can_software
 static int init = 0;            // 1 after a successful can_init
 static BYTE can_baudrate = 255; // index noted by can_start
 CAN_STATE can_state = { .byte = can_state_stopped };
-static uint64_t llUntilStop = 0;           // when the timer runs out, in microseconds since the epoch
+static uint64_t llUntilStop = 0;           // end of the timer, in microseconds since the epoch
 static MSG_OBJ msg_buf[can_objects];       // the message objects
-[[maybe_unused]] static BYTE que_load = 0; // per cent of its limit that the last reading of the socket has taken
+[[maybe_unused]] static BYTE que_load = 0; // messages that the last can_read_queue took, in per cent of its limit
 
 static bool can_is_transmit(const MSG_OBJ& object)
 {
@@ -86,12 +86,12 @@ static bool can_open_socket()
     fd = socket(family, type, protocol);
     if (!can_is_between(fd, 0, FD_SETSIZE - 1))
         return false;
-    // A bus that nobody acknowledges fills the socket; sending then has to fail at once.
+    // When no other node acknowledges, the send buffer fills up; sending must then fail and not block.
     fcntl(fd, F_SETFL, O_NONBLOCK);
 
     ifreq request = {};
     std::memcpy(request.ifr_name, ifname, sizeof ifname);
-    request.ifr_ifindex = -1; // stays when there is no such interface: 0 would stand for all
+    request.ifr_ifindex = -1; // stays when there is no such interface; binding to 0 would mean all interfaces
     ioctl(fd, SIOCGIFINDEX, &request);
 
     sockaddr_can address = {};
@@ -110,19 +110,20 @@ short can_init(int board, void* param)
     if (interface == nullptr || interface->ifname == nullptr)
         return ERR_NULL_POINTER;
 
-    // Kept: 16 characters of a name count, though the kernel knows 15; longer ones in users' histories go on working.
+    // Kept: the first 16 characters are used and shown. The kernel compares 15 of them, so that a longer name finds the
+    // interface that its first 15 characters name.
     std::memset(ifname, 0, sizeof ifname);
     std::memcpy(ifname, interface->ifname, strnlen(interface->ifname, sizeof ifname));
     family = interface->family;
     type = interface->type;
     protocol = interface->protocol;
-    // Kept: users know this failure by its number, which has no text of its own. can_exit closes the socket.
+    // Kept: a code that has no name and no text of its own. The socket stays open until can_exit.
     if (!can_open_socket())
         return can_open_failed;
 
     for (MSG_OBJ& object : msg_buf)
         object.control = 0;
-    can_queue_enable(); // Kept: a queue that is enabled keeps its messages, which programs read after a new start
+    can_queue_enable(); // Kept: a queue that is enabled already keeps its messages; they can be read after the start
     can_state.byte = can_state_stopped;
     init = 1;
     return ERR_NO_ERROR;
@@ -159,7 +160,7 @@ short can_reset()
 {
     if (init == 0)
         return ERR_NOT_INITIALIZED;
-    // Kept: index 1 has no bit timing; programs that ask for it expect to be refused here, too.
+    // Kept: index 1 has no bit timing; can_start refuses it, too.
     if (can_state.b.can_stopped == 0 && can_baudrate == 1)
         return ERR_BAUDRATE;
     can_state.b.can_stopped = 1;
@@ -246,7 +247,7 @@ short can_busy(short object)
     return readable && msg_buf[object].control == can_object_transmit ? msg_buf[object].count : 0;
 }
 
-/// Whether the object is one that messages are read from, which object 14 is only without the queue.
+/// True for a receive object; object 14 can be read only while the queue is disabled.
 static bool can_is_readable(short object)
 {
     return can_is_between(object, 0, can_objects - 1) && !(object == can_queue_object && can_queue_is_enabled()) &&
@@ -279,7 +280,7 @@ short can_receive_id(short object, short* length, BYTE* data, uint32_t* cob_id)
     std::memcpy(data, message.data, static_cast<std::size_t>(message.length));
     *cob_id = message.cob_id;
     if (message.count > 1)
-        can_state.b.message_lost = 1; // Kept: until can_init, so that users see any loss
+        can_state.b.message_lost = 1; // Kept: stays set until can_init, also after good reads
     message.count = 0;
     return ERR_NO_ERROR;
 }
@@ -292,8 +293,7 @@ short can_data(short object)
     return msg_buf[object].count > 0 ? 1 : 0;
 }
 
-/// Kept: by the clock of the wall, so that time-outs fit the time stamps of users' traces; setting it back lengthens a
-/// wait.
+/// Wall-clock time. Kept: when the clock is set back, a time-out takes that much longer.
 static uint64_t can_microseconds()
 {
     timeval now = {};
@@ -353,7 +353,7 @@ static bool can_store(uint32_t cob_id, short length, const BYTE* data)
     });
     if (object == last)
         return false;
-    // Kept: the newest message counts, as devices expect of a mailbox; one that was not read in time is lost.
+    // Kept: the newest message replaces one that has not been read.
     object->length = length;
     std::memcpy(object->data, data, static_cast<std::size_t>(length));
     can_count_up(*object);
@@ -371,7 +371,7 @@ int can_read_queue(int max)
         ++frames;
         if ((frame.can_id & (CAN_EFF_FLAG | CAN_ERR_FLAG)) != 0)
             continue;
-        // Kept: a remote frame is a message like any other; programs see in the queue who asks for what.
+        // Kept: a remote frame is received like a data frame; its flag is dropped.
         const uint32_t cob_id = frame.can_id & CAN_SFF_MASK;
         const short length = std::min<short>(frame.len, can_length_max);
         if (!can_store(cob_id, length, frame.data) && can_queue_is_enabled())

@@ -9,7 +9,7 @@ struct _can_que {
     uint32_t cob_id;
     short length;
     BYTE data[8];
-    uint32_t time_stamp; // none is kept: always can_no_time_stamp
+    uint32_t time_stamp; // always can_no_time_stamp
 };
 using MSG_QUE = _can_que;
 

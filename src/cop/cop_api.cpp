@@ -9,11 +9,11 @@
 
 #include <unistd.h>
 
-// How long a requested message is waited for, in milliseconds, by the index of the baud rate.
+// How long cop_request waits for its message, in milliseconds, by the index of the bit rate.
 static constexpr WORD cop_request_timeout[] = { 20, 20, 20, 20, 20, 20, 50, 100, 200 };
 static constexpr useconds_t cop_reset_pause = 100000; // microseconds
 
-static BYTE cop_baudrate = 7; // index in use; always one of cop_request_timeout
+static BYTE cop_baudrate = 7; // index of the last successful start
 int32_t cop_error = 0;
 BYTE cop_buffer[8];
 
@@ -61,7 +61,7 @@ int32_t cop_transmit(uint32_t cob_id, short length, const BYTE* data)
     return cop_error;
 }
 
-/// Waits for the receive object until the timer has run out.
+/// Waits until the receive object has a message or the time has passed.
 static int32_t cop_await(short* length, BYTE* data)
 {
     can_start_timer(cop_request_timeout[cop_baudrate]);
@@ -76,8 +76,9 @@ static int32_t cop_await(short* length, BYTE* data)
 
 int32_t cop_request(uint32_t cob_id, short* length, BYTE* data)
 {
-    // Kept: nothing is sent. Devices that send by themselves are heard; most answer no remote frames, or wrongly.
-    // can_config and can_receive find what is wrong with the arguments; a length must not wrap into its range.
+    // Kept: no remote frame is sent; the message arrives only if the node sends it by itself.
+    // can_config and can_receive check the arguments. The length is clamped so that cutting it to its eight bits cannot
+    // make it valid.
     const int expected = length != nullptr ? std::clamp<int>(*length, -1, can_length_max + 1) : 0;
     const auto control = static_cast<WORD>(can_object_receive_remote | expected << can_object_length_shift);
     cop_error = can_config(cop_receive_object, cob_id, control);
@@ -102,9 +103,8 @@ int32_t cop_queue_clear()
     return cop_error = can_queue_clear();
 }
 
-int32_t cop_queue_status(BYTE* status, BYTE* load)
+int32_t cop_queue_status(BYTE*, BYTE*)
 {
-    cop_error = can_busload(load, status); // never available: what counts is the queue
     return cop_error = can_queue_status();
 }
 

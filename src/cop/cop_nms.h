@@ -5,7 +5,7 @@
 #include "base/CANopenErrors.h"
 
 // Each sends one message on the identifier 0x000: a command specifier and the node-id, 1 to 127 or 0 for all nodes. No
-// answer is awaited. They return what cop_transmit returns, or -90 for a node-id above 127, which sends nothing.
+// answer is awaited. They return what cop_transmit returns, or ERR_NODE_ID for a node-id above 127: nothing is sent.
 // Example: nmt_start_remote_node(5) sends 01 05.
 
 int32_t nmt_start_remote_node(BYTE node);    ///< 01: to operational

@@ -11,7 +11,7 @@
 #include <iterator>
 
 // The first byte of a message (CiA 301, SDO protocols).
-static constexpr BYTE sdo_download_expedited = 0x23; // initiate, with the data; unused bytes in bits 2 and 3
+static constexpr BYTE sdo_download_expedited = 0x23; // initiate, with the data; number of unused bytes in bits 2 and 3
 static constexpr BYTE sdo_download_segmented = 0x21; // initiate, with the size in bytes 4 to 7
 static constexpr BYTE sdo_upload = 0x40;             // initiate
 static constexpr BYTE sdo_upload_next = 0x60;        // request of a segment, with the toggle
@@ -19,10 +19,10 @@ static constexpr BYTE sdo_abort = 0x80;
 static constexpr BYTE sdo_toggle = 0x10;
 static constexpr BYTE sdo_last = 0x01;            // no more segments
 static constexpr BYTE sdo_expedited = 0x02;       // upload: the answer has the data in bytes 4 to 7
-static constexpr BYTE sdo_size_indicated = 0x01;  // upload: the answer counts its unused bytes
+static constexpr BYTE sdo_size_indicated = 0x01;  // upload: the answer gives the number of its unused bytes
 static constexpr BYTE sdo_command_mask = 0xE0;    // the command specifier
-static constexpr BYTE sdo_initiate_unused = 0x0C; // unused bytes of an expedited answer
-static constexpr BYTE sdo_segment_unused = 0x0E;  // unused bytes of a segment
+static constexpr BYTE sdo_initiate_unused = 0x0C; // number of unused bytes in an expedited answer
+static constexpr BYTE sdo_segment_unused = 0x0E;  // number of unused bytes in a segment
 static constexpr int sdo_initiate_unused_shift = 2;
 static constexpr int sdo_segment_unused_shift = 1;
 
@@ -34,22 +34,22 @@ static constexpr uint32_t sdo_answer_cob_id = 0x580;  // plus the node-id
 static WORD cop_timeout = 500;  // milliseconds, for each awaited answer
 static BYTE sdo_multiplexor[3]; // index and sub-index of the transfer, as in bytes 1 to 3 of its messages
 
-/// What is awaited in one phase of a transfer.
+/// The answer that one phase of a transfer expects.
 struct sdo_phase {
-    BYTE abort_mask; // byte 0 & abort_mask == sdo_abort: the server aborts
-    BYTE reply_mask; // byte 0 & reply_mask == reply: the answer awaited
+    BYTE abort_mask; // abort of the server: byte 0 & abort_mask == sdo_abort
+    BYTE reply_mask; // expected answer: byte 0 & reply_mask == reply
     BYTE reply;
-    bool multiplexed; // an answer with another index or sub-index is not ours: wait on
+    bool multiplexed; // ignore answers with another index or sub-index
     bool toggled;     // bit 4 must repeat the toggle of the request
 };
-// Kept: the first answer to a download counts by all of its bits, those of the other phases by their command; devices
-// set what is unused there as they like.
+// Kept: all bits of the answer to a download initiate must match; in the other phases only the command is compared, so
+// that unused bits may have any value.
 static constexpr sdo_phase sdo_download_initiate = { 0xFF, 0xFF, 0x60, true, false };
 static constexpr sdo_phase sdo_download_segment = { sdo_command_mask, sdo_command_mask, 0x20, false, true };
 static constexpr sdo_phase sdo_upload_initiate = { sdo_command_mask, sdo_command_mask, 0x40, true, false };
 static constexpr sdo_phase sdo_upload_segment = { sdo_command_mask, sdo_command_mask, 0x00, false, true };
 
-/// Puts the low `count` bytes of `value`, least significant byte first.
+/// Stores the low `count` bytes of `value`, least significant byte first.
 static void sdo_put_le(BYTE* bytes, int count, uint32_t value)
 {
     for (int n = 0; n < count; ++n)
@@ -65,8 +65,8 @@ static uint32_t sdo_get_le(const BYTE* bytes, int count)
     return value;
 }
 
-/// Starts and ends a transfer: sets up the message objects for a node, and frees them. `cop_error` tells whether it
-/// could.
+/// Sets up the message objects for a transfer with a node and frees them at its end. `cop_error` is the result of the
+/// set-up.
 class sdo_objects
 {
 public:
@@ -87,21 +87,21 @@ public:
     sdo_objects& operator=(const sdo_objects&) = delete;
 };
 
-/// Starts a message with its first byte and zeroes.
+/// Fills the buffer with a message: its first byte, then zeroes.
 static void sdo_build(int command)
 {
     std::fill(std::begin(cop_buffer), std::end(cop_buffer), BYTE{ 0 });
     cop_buffer[0] = static_cast<BYTE>(command);
 }
 
-/// The same with the multiplexor.
+/// The same with index and sub-index.
 static void sdo_build_multiplexed(int command)
 {
     sdo_build(command);
     std::copy(std::begin(sdo_multiplexor), std::end(sdo_multiplexor), cop_buffer + 1);
 }
 
-/// Aborts the transfer at the server. @return false always, with our error as the result
+/// Sends an abort to the server; `error` becomes the result of the transfer. @return false always
 static bool sdo_fail(uint32_t abort_code, int32_t error)
 {
     sdo_build_multiplexed(sdo_abort);
@@ -111,17 +111,17 @@ static bool sdo_fail(uint32_t abort_code, int32_t error)
     return false;
 }
 
-/// True while the timer runs; otherwise the transfer has ended.
+/// True while the time has not passed; otherwise aborts the transfer.
 static bool sdo_in_time()
 {
     return can_is_timeout() == 0 || sdo_fail(ABORT_TIMEOUT, ERR_TIMEOUT);
 }
 
-/// Checks an answer. True: it is the one awaited. False: the transfer has ended.
+/// Checks an answer. @return true when it is the expected one; false when the transfer has ended
 static bool sdo_accept(const sdo_phase& phase, BYTE toggle)
 {
     if ((cop_buffer[0] & phase.abort_mask) == sdo_abort) {
-        // Kept: as it reads, 0 and negative numbers included; devices send what they like.
+        // Kept: the abort code as it is; a node that sends 0 or a code above 0x7FFFFFFF gives 0 or a negative result.
         cop_error = static_cast<int32_t>(sdo_get_le(cop_buffer + 4, 4));
         return false;
     }
@@ -132,8 +132,8 @@ static bool sdo_accept(const sdo_phase& phase, BYTE toggle)
     return true;
 }
 
-/// True: the answer is in cop_buffer and cop_error is 0. False: the transfer has ended and cop_error holds the result,
-/// which is whatever the server's abort code reads as or our error; our abort has been sent.
+/// Waits for the expected answer. @return true when it is in cop_buffer, with a cop_error of 0; false when the transfer
+/// has ended: cop_error is then the server's abort code, or an error code after an abort has been sent
 static bool sdo_await(const sdo_phase& phase, BYTE toggle)
 {
     can_start_timer(cop_timeout);
@@ -141,7 +141,7 @@ static bool sdo_await(const sdo_phase& phase, BYTE toggle)
         short length = 0;
         cop_error = can_receive(cop_receive_object, &length, cop_buffer);
         if (cop_error == ERR_RECEIVER_EMPTY)
-            continue; // while there is time
+            continue; // checks the time first
         if (cop_error != ERR_NO_ERROR)
             return sdo_fail(ABORT_GENERAL, cop_error);
         if (length != can_length_max)
@@ -153,7 +153,7 @@ static bool sdo_await(const sdo_phase& phase, BYTE toggle)
     return false;
 }
 
-/// Sends the message in cop_buffer and waits for its answer, as sdo_await. What cannot be sent ends the transfer, too.
+/// Sends the message in cop_buffer, then as sdo_await. If it cannot be sent, the transfer ends without an abort.
 static bool sdo_exchange(const sdo_phase& phase, BYTE toggle = 0)
 {
     cop_error = can_transmit(cop_transmit_object, can_length_max, cop_buffer);
@@ -162,7 +162,7 @@ static bool sdo_exchange(const sdo_phase& phase, BYTE toggle = 0)
 
 static void sdo_send_expedited(short length, const BYTE* data)
 {
-    // Kept: a length of 0 is sent as well, as 0x33; its four zero bytes clear texts in devices.
+    // Kept: a length of 0 sends 0x33 and four zero bytes: its four unused bytes overflow the two bits for them.
     sdo_build_multiplexed(sdo_download_expedited | (sdo_initiate_data - length) * (1 << sdo_initiate_unused_shift));
     std::copy_n(data, length, cop_buffer + 4);
     sdo_exchange(sdo_download_initiate);
@@ -176,7 +176,7 @@ static void sdo_send_segmented(short length, const BYTE* data)
         return;
     BYTE toggle = 0;
     for (int position = 0; position < length; position += sdo_segment_data) {
-        // Kept: here a good answer may come too late, too; a device that is that slow shall not get half of the data.
+        // Kept: checked again: a timely answer may leave no time for the next segment.
         if (!sdo_in_time())
             return;
         const int count = std::min(length - position, sdo_segment_data);
@@ -189,7 +189,7 @@ static void sdo_send_segmented(short length, const BYTE* data)
     }
 }
 
-/// The room that an upload has, and what has come: more than fits is counted and dropped.
+/// The buffer of an upload and the number of bytes received; those that do not fit are only counted.
 struct sdo_received {
     BYTE* data;
     int room;
@@ -210,7 +210,7 @@ static void sdo_receive_segments(sdo_received& received)
     do {
         sdo_build(sdo_upload_next | toggle);
         if (!sdo_exchange(sdo_upload_segment, toggle)) {
-            received.count = 0; // also after an abort whose code reads as success
+            received.count = 0; // an abort code of 0 reads as success
             return;
         }
         header = cop_buffer[0];
@@ -221,8 +221,8 @@ static void sdo_receive_segments(sdo_received& received)
         received.data[received.count] = 0;
 }
 
-/// Reads an entry into `received`. Kept: the size that announces segments is not looked at, since devices say nothing
-/// or something else than they send.
+/// Reads an entry into `received`. Kept: the size that an answer announces for segments is not used; the last segment
+/// ends the data.
 static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& received)
 {
     const sdo_objects guard(node, index, subindex);
@@ -242,7 +242,7 @@ static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& r
     return cop_error;
 }
 
-/// Checks the arguments of a transfer; `complete` tells that no pointer is null. @return `cop_error`, which it sets
+/// Checks the arguments of a transfer; `complete` means that no pointer is null. @return `cop_error`, which it sets
 static int32_t sdo_check(BYTE node, bool complete)
 {
     if (node == 0 || node > highestNodeId)
@@ -305,7 +305,7 @@ int32_t sdo_write_32bit(BYTE node, WORD index, BYTE subindex, uint32_t value)
     return sdo_write_number(node, index, subindex, 4, value);
 }
 
-/// Reads into `data`, which has room for the `size` bytes that the server has to deliver.
+/// Reads an entry that must have `size` bytes into `data`, which has room for them.
 static int32_t sdo_read_exactly(BYTE node, WORD index, BYTE subindex, BYTE* data, int size)
 {
     if (sdo_check(node, data != nullptr) != ERR_NO_ERROR)
