@@ -1,4 +1,4 @@
-// Forwarding to the device-access libraries: one row of functions a library, two endings for all operations.
+// Forwarding to the device-access libraries: one row of functions for each library, and how results are stored.
 // SPDX-License-Identifier: MIT
 #include "CANopenAccess.h"
 
@@ -43,7 +43,7 @@ struct CCANopenAccess::tLibrary {
 namespace
 {
 
-/// Copies at most `size` characters of the text, with its terminator where that fits.
+/// Copies at most `size` characters of the text, the terminating zero included.
 std::int32_t copyText(const char* text, char* buffer, short size)
 {
     if (buffer == nullptr)
@@ -57,7 +57,7 @@ std::int32_t copyText(const char* text, char* buffer, short size)
 
 std::int32_t initMaster(long board, void* param, BYTE baudrate)
 {
-    return cop_init(board == -1 ? -1 : 0, param, baudrate); // all boards but -1 are alike, however wide their number
+    return cop_init(board == -1 ? -1 : 0, param, baudrate); // any board but -1 is refused; `long` may not fit into int
 }
 
 std::int32_t setMasterTimeout(WORD timeout, WORD* previous)
@@ -84,7 +84,7 @@ std::int32_t readMasterQueue(WORD* cob_id, short* length, BYTE* data)
         return cop_queue_read(nullptr, length, data);
     std::uint32_t identifier = 0;
     const std::int32_t result = cop_queue_read(&identifier, length, data);
-    // Kept: 32 bits go through the pointer, for which its users have room.
+    // Kept: 32 bits are written through a pointer to 16, for which the caller must have room.
     if (result == ERR_NO_ERROR)
         std::memcpy(cob_id, &identifier, sizeof identifier);
     return result;
@@ -135,9 +135,9 @@ CCANopenAccess::~CCANopenAccess()
 bool CCANopenAccess::initialize(short library, long board, void* param, BYTE baudrate)
 {
     if (m_library != libraryNone)
-        return finished(ERR_ALREADY_INITIALIZED);
+        return storeResult(ERR_ALREADY_INITIALIZED);
     const tLibrary* row = libraryOf(library);
-    if (!finished(row != nullptr ? row->init(board, param, baudrate) : ERR_NOT_SUPPORTED))
+    if (!storeResult(row != nullptr ? row->init(board, param, baudrate) : ERR_NOT_SUPPORTED))
         return false;
     m_library = library;
     return true;
@@ -145,7 +145,7 @@ bool CCANopenAccess::initialize(short library, long board, void* param, BYTE bau
 
 bool CCANopenAccess::terminate()
 {
-    if (!finished(call(&tLibrary::exit)))
+    if (!storeResult(call(&tLibrary::exit)))
         return false;
     m_library = libraryNone;
     return true;
@@ -153,47 +153,47 @@ bool CCANopenAccess::terminate()
 
 bool CCANopenAccess::reset(BYTE baudrate)
 {
-    return finished(call(&tLibrary::reset, baudrate));
+    return storeResult(call(&tLibrary::reset, baudrate));
 }
 
 bool CCANopenAccess::write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data)
 {
-    return transferred(call(&tLibrary::write, node, index, subindex, length, data));
+    return storeSdoResult(call(&tLibrary::write, node, index, subindex, length, data));
 }
 
 bool CCANopenAccess::read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size)
 {
-    return transferred(call(&tLibrary::read, node, index, subindex, length, data, size));
+    return storeSdoResult(call(&tLibrary::read, node, index, subindex, length, data, size));
 }
 
 bool CCANopenAccess::writeUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t value)
 {
-    return transferred(call(&tLibrary::write8, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::write8, node, index, subindex, value));
 }
 
 bool CCANopenAccess::writeUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t value)
 {
-    return transferred(call(&tLibrary::write16, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::write16, node, index, subindex, value));
 }
 
 bool CCANopenAccess::writeUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t value)
 {
-    return transferred(call(&tLibrary::write32, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::write32, node, index, subindex, value));
 }
 
 bool CCANopenAccess::readUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t* value)
 {
-    return transferred(call(&tLibrary::read8, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::read8, node, index, subindex, value));
 }
 
 bool CCANopenAccess::readUnsigned16(BYTE node, WORD index, BYTE subindex, std::uint16_t* value)
 {
-    return transferred(call(&tLibrary::read16, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::read16, node, index, subindex, value));
 }
 
 bool CCANopenAccess::readUnsigned32(BYTE node, WORD index, BYTE subindex, std::uint32_t* value)
 {
-    return transferred(call(&tLibrary::read32, node, index, subindex, value));
+    return storeSdoResult(call(&tLibrary::read32, node, index, subindex, value));
 }
 
 bool CCANopenAccess::writeInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t value)
@@ -229,62 +229,62 @@ bool CCANopenAccess::readInteger32(BYTE node, WORD index, BYTE subindex, std::in
 
 bool CCANopenAccess::setSDOTimeout(WORD timeout, WORD* previous)
 {
-    return answered(call(&tLibrary::timeout, timeout, previous));
+    return storeLocalResult(call(&tLibrary::timeout, timeout, previous));
 }
 
 bool CCANopenAccess::startRemoteNode(BYTE node)
 {
-    return finished(call(&tLibrary::startNode, node));
+    return storeResult(call(&tLibrary::startNode, node));
 }
 
 bool CCANopenAccess::stopRemoteNode(BYTE node)
 {
-    return finished(call(&tLibrary::stopNode, node));
+    return storeResult(call(&tLibrary::stopNode, node));
 }
 
 bool CCANopenAccess::enterPreOperationalState(BYTE node)
 {
-    return finished(call(&tLibrary::enterPreOperational, node));
+    return storeResult(call(&tLibrary::enterPreOperational, node));
 }
 
 bool CCANopenAccess::resetNode(BYTE node)
 {
-    return finished(call(&tLibrary::resetNode, node));
+    return storeResult(call(&tLibrary::resetNode, node));
 }
 
 bool CCANopenAccess::resetCommunication(BYTE node)
 {
-    return finished(call(&tLibrary::resetCommunication, node));
+    return storeResult(call(&tLibrary::resetCommunication, node));
 }
 
 bool CCANopenAccess::transmitMessage(WORD cob_id, short length, const BYTE* data)
 {
-    return finished(call(&tLibrary::transmit, cob_id, length, data));
+    return storeResult(call(&tLibrary::transmit, cob_id, length, data));
 }
 
 bool CCANopenAccess::requestMessage(WORD cob_id, short* length, BYTE* data)
 {
-    return finished(call(&tLibrary::request, cob_id, length, data));
+    return storeResult(call(&tLibrary::request, cob_id, length, data));
 }
 
 bool CCANopenAccess::readQueue(WORD* cob_id, short* length, BYTE* data)
 {
-    return finished(call(&tLibrary::readQueue, cob_id, length, data));
+    return storeResult(call(&tLibrary::readQueue, cob_id, length, data));
 }
 
 bool CCANopenAccess::clearQueue()
 {
-    return finished(call(&tLibrary::clearQueue));
+    return storeResult(call(&tLibrary::clearQueue));
 }
 
 bool CCANopenAccess::getHardwareVersion(char* buffer, short size)
 {
-    return answered(call(&tLibrary::hardware, buffer, size));
+    return storeLocalResult(call(&tLibrary::hardware, buffer, size));
 }
 
 bool CCANopenAccess::getFirmwareVersion(char* buffer, short size)
 {
-    return answered(call(&tLibrary::software, buffer, size));
+    return storeLocalResult(call(&tLibrary::software, buffer, size));
 }
 
 const char* CCANopenAccess::getAPIVersion()
@@ -292,14 +292,14 @@ const char* CCANopenAccess::getAPIVersion()
     const tLibrary* library = libraryOf(m_library);
     if (library != nullptr)
         return library->version();
-    finished(ERR_NOT_INITIALIZED);
+    storeResult(ERR_NOT_INITIALIZED);
     return nullptr;
 }
 
 bool CCANopenAccess::getCopyright(char* buffer, short size)
 {
     const std::int32_t result = copyText(product::copyright, buffer, size);
-    return result == ERR_NO_ERROR || finished(result);
+    return result == ERR_NO_ERROR || storeResult(result);
 }
 
 const char* CCANopenAccess::version()
@@ -332,28 +332,28 @@ std::int32_t CCANopenAccess::call(std::int32_t (*tLibrary::*operation)(Parameter
     return library != nullptr ? (library->*operation)(arguments...) : ERR_NOT_INITIALIZED;
 }
 
-// The ending of SDO reads and writes, which know aborts.
-bool CCANopenAccess::transferred(std::int32_t result)
+// For SDO reads and writes: a positive result is the abort code of the node.
+bool CCANopenAccess::storeSdoResult(std::int32_t result)
 {
     if (result > 0) {
         m_lastAbort = result;
-        return finished(ERR_SDO_ABORTED);
+        return storeResult(ERR_SDO_ABORTED);
     }
     if (result == 0)
         m_lastAbort = 0;
-    return finished(result);
+    return storeResult(result);
 }
 
-// The ending of everything else: the result as it is, which may be an abort code of a text query.
-bool CCANopenAccess::finished(std::int32_t result)
+// For everything else: the result becomes the last error as it is. A text query may make it an abort code.
+bool CCANopenAccess::storeResult(std::int32_t result)
 {
     m_lastError = result;
     return result == 0;
 }
 
-// The ending of what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so
-// that looking at the interface does not hide what has failed on it.
-bool CCANopenAccess::answered(std::int32_t result)
+// For what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so that a query
+// of the interface does not hide an earlier failure.
+bool CCANopenAccess::storeLocalResult(std::int32_t result)
 {
-    return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || finished(result);
+    return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || storeResult(result);
 }

@@ -1,5 +1,5 @@
-// The one object through which the program reaches a CANopen network: binds one of the device-access libraries,
-// forwards every operation to it and keeps how the last one ended.
+// The object through which the program reaches a CANopen network: binds one of the device-access libraries, forwards
+// every operation to it and keeps the result of the last one.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -22,8 +22,8 @@ struct _top_param {
     _top_settings settings; ///< network number, node-id and master used towards it
 };
 
-/// Every operation that returns `bool` is true on success; after a failure `getLastError` tells why. Without a bound
-/// library each operation that needs one fails with -95. Each blocks until it is answered or has timed out.
+/// Every operation that returns `bool` is true on success; after a failure `getLastError` is its error. Without a bound
+/// library operations fail with ERR_NOT_INITIALIZED. Each blocks until it is answered or has timed out.
 class CCANopenAccess
 {
 public:
@@ -32,19 +32,20 @@ public:
     CCANopenAccess(const CCANopenAccess&) = delete;
     CCANopenAccess& operator=(const CCANopenAccess&) = delete;
 
-    /// Opens the interface and binds its library. 0 is the SocketCAN master: `param` is a `_can_param`, `board` must be
-    /// -1 (else -93). 700 is the gateway client: `param` is a `_top_param`, `board` is not used. `baudrate` is an index
-    /// 0 to 8 (1000, 800, 500, 250, 125, 100, 50, 20, 10 kbit/s). Fails with -96 while a library is bound, -98 for any
-    /// other library, -94 without `param`, -91 with the SocketCAN master for index 1 and above 8, -10000 or -20000 when
-    /// the interface or the gateway cannot be opened.
+    /// Opens the interface and binds its library. `librarySocketCAN`: `param` is a `_can_param`, `board` must be -1.
+    /// `libraryGateway`: `param` is a `_top_param`, `board` is not used. `baudrate` is an index 0 to 8 (1000, 800, 500,
+    /// 250, 125, 100, 50, 20, 10 kbit/s). Fails with ERR_ALREADY_INITIALIZED while a library is bound,
+    /// ERR_NOT_SUPPORTED for other libraries, ERR_PARAMETER for other boards, ERR_NULL_POINTER without `param`,
+    /// ERR_BAUDRATE with the SocketCAN master for index 1 and above 8. Two codes have no name: -10000 when the CAN
+    /// interface, -20000 when the gateway cannot be opened.
     bool initialize(short library, long board, void* param, BYTE baudrate);
     /// Closes the interface; the object can then be initialised again.
     bool terminate();
     bool reset(BYTE baudrate);
 
-    /// SDO transfers to and from a parameter of a node. `size` is the room at `data`, in bytes; `length` counts bytes.
-    /// Data handed to `write` need one readable byte behind them. When the node aborts the transfer, the last error is
-    /// 4 and the last abort its code; a success clears the last abort, any other failure leaves it as it was.
+    /// SDO transfers to and from an object of a node. `size` is the room at `data`, in bytes; `length` counts bytes.
+    /// One more byte after the data of `write` must be readable. When the node aborts the transfer, the last error is
+    /// ERR_SDO_ABORTED and the last abort its code; success clears the last abort, other failures leave it unchanged.
     bool write(BYTE node, WORD index, BYTE subindex, short length, const BYTE* data);
     bool read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size);
     bool writeUnsigned8(BYTE node, WORD index, BYTE subindex, std::uint8_t value);
@@ -60,8 +61,8 @@ public:
     bool readInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t* value);
     bool readInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t* value);
     bool readInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t* value);
-    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null. Leaves the last error alone with the
-    /// SocketCAN master, as its version texts do.
+    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null. With the SocketCAN master success
+    /// leaves the last error unchanged, also for its version texts.
     bool setSDOTimeout(WORD timeout, WORD* previous);
 
     /// Network management of one node.
@@ -74,41 +75,42 @@ public:
     /// CAN messages of at most eight bytes.
     bool transmitMessage(WORD cob_id, short length, const BYTE* data);
     bool requestMessage(WORD cob_id, short* length, BYTE* data);
-    /// The oldest message received; fails with -30 when there is none. `cob_id` needs room for 32 bits: that many are
-    /// written by the SocketCAN master.
+    /// Takes the oldest message received; fails with ERR_RECEIVER_EMPTY when there is none. `cob_id` needs room for 32
+    /// bits: the SocketCAN master writes that many.
     bool readQueue(WORD* cob_id, short* length, BYTE* data);
     bool clearQueue();
 
-    /// Texts about the opened interface, at most `size` characters, terminated only when shorter. A null buffer is -94.
+    /// Texts about the opened interface: at most `size` characters, terminated only when shorter. Fails with
+    /// ERR_NULL_POINTER for a null buffer.
     bool getHardwareVersion(char* buffer, short size);
     bool getFirmwareVersion(char* buffer, short size);
     /// The revision line of the bound library; null without one.
     const char* getAPIVersion();
-    /// The copyright notice, at most `size` characters of it, terminated only when it is shorter. Needs no library and
-    /// leaves the last error alone, unless `buffer` is null (-94).
+    /// The copyright notice: at most `size` characters, terminated only when shorter. Needs no library. Success leaves
+    /// the last error unchanged; fails with ERR_NULL_POINTER for a null buffer.
     bool getCopyright(char* buffer, short size);
     static const char* version();
 
     bool isSDOAborted() const { return m_lastError == ERR_SDO_ABORTED; }
     int getLastError() const { return m_lastError; }
     long getLastAbort() const { return m_lastAbort; }
-    /// Texts for people; never null. A code of 0 stands for the last error or the last abort.
+    /// Text of an error or an abort code; never null. A code of 0 stands for the last error or the last abort.
     const char* getErrorText(int error) const;
     const char* getAbortText(long code) const;
 
 private:
-    struct tLibrary; // what a library offers, as a row of functions
+    struct tLibrary; // the functions of a library
     static const tLibrary libraries[];
     static const tLibrary* libraryOf(int number);
 
     template <typename... Parameters>
     std::int32_t call(std::int32_t (*tLibrary::*operation)(Parameters...),
                       std::type_identity_t<Parameters>... arguments) const;
-    bool transferred(std::int32_t result);
-    bool finished(std::int32_t result);
-    bool answered(std::int32_t result);
+    bool storeSdoResult(std::int32_t result);
+    bool storeResult(std::int32_t result);
+    bool storeLocalResult(std::int32_t result);
 
-    int m_library = libraryNone; // number of the bound library
+    int m_library = libraryNone; // the bound library
     int m_lastError = 0;
     long m_lastAbort = 0;
 };

@@ -1,4 +1,4 @@
-// The texts of the error codes and SDO abort codes: two tables and their one look-up.
+// The texts of the error codes and SDO abort codes: two tables and the function that searches them.
 // SPDX-License-Identifier: MIT
 #include "access/ErrorTexts.h"
 
@@ -17,7 +17,7 @@ struct tCodeText {
 };
 
 // clang-format off
-// Both tables are searched in this order. The last row ends every search: its text stands for codes without a row.
+// Both tables are searched from top to bottom. The text of the last row is that of all codes without a row.
 constexpr tCodeText<int> errorTable[] = {
     { ERR_NO_ERROR,            "No error occurred." },
     { ERR_BUS_OFF,             "Bus-off status." },
@@ -48,7 +48,7 @@ constexpr tCodeText<int> errorTable[] = {
     { ERR_NOT_SUPPORTED,       "Function not supported!" },
     { ERR_FATAL,               "Fatal error!" },
     { ERR_SDO_ABORTED,         "Transfer aborted." },
-    // Kept: users know this text as the one for codes without a name.
+    // Kept: the text of every code without a row, for example -10000. It does not tell what has failed.
     { -32768,                  "Resistance is futile, prepare to assimilate!" },
 };
 

@@ -7,11 +7,12 @@
 namespace errorTexts
 {
 
-/// Text of an error code: "Time-out error." for -50. A value that is no error code has the table's fallback text.
-/// The text is constant and never null.
+/// Text of an error code, for example "Time-out error." for ERR_TIMEOUT. All other values share one text. Constant and
+/// never null.
 const char* ofError(int error);
 
-/// Text of an SDO abort code: "Sub-index does not exist." for 0x06090011; "Unknown SDO abort code." for other values.
+/// Text of an SDO abort code, for example "Sub-index does not exist." for ABORT_NO_SUBINDEX; "Unknown SDO abort code."
+/// for other values. Constant and never null.
 const char* ofAbort(std::uint32_t code);
 
 } // namespace errorTexts

@@ -18,7 +18,7 @@ tInterface classifyInterface(const char* text)
     if (text == nullptr)
         return interface;
 
-    // Numbers beyond the width of long are cut to its limits by the C library that this program is built for.
+    // sscanf limits a number that does not fit into long to the range of long (glibc).
     long parts[4] = { 127, 0, 0, 1 };
     long port = 0;
     const bool dotted =

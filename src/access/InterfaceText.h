@@ -4,7 +4,7 @@
 
 #include "CANopenAccess.h"
 
-/// The library to bind and the parameter records of both libraries; only the one of `library` is set from the text.
+/// The library to bind and the parameter records of both libraries; only the record of `library` is set from the text.
 struct tInterface {
     short library = libraryNone;
     _can_param can = { "nul", 29, 3, 1 };                    // PF_CAN, SOCK_RAW, CAN_RAW
@@ -14,9 +14,10 @@ struct tInterface {
     void* record();
 };
 
-/// Classifies an interface text; null leaves everything at its defaults. `text` must outlive the result, whose
-/// `can.ifname` may point to it. Numbers are decimal, hexadecimal (0x) or octal (0), and anything may follow the last
-/// one. They are not checked: the parts of an address are added as they are and cut to 32 bits, a port to 16 bits.
+/// Finds the library for an interface text; null leaves everything at its defaults. `text` must outlive the result,
+/// whose `can.ifname` may point to it. Numbers are decimal, hexadecimal (0x) or octal (0), and anything may follow the
+/// last one. They are not checked: a part of an address above 255 carries into the one before; the address is cut to 32
+/// bits, a port to 16 bits.
 ///
 ///     "192.168.1.10:5000"   gateway 0xC0A8010A, port 5000
 ///     "localhost:4000"      gateway 127.0.0.1, port 4000
