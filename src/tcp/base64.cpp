@@ -5,7 +5,8 @@
 static constexpr char base64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 static constexpr char base64_padding = '=';
 
-/// Six bits for a character of the alphabet; others yield what their range of codes gives, which may be more bits.
+/// Six bits for a character of the alphabet. Other characters are calculated by the same ranges; the result may have
+/// more bits.
 static constexpr int base64_value(char character)
 {
     const int code = static_cast<unsigned char>(character);
@@ -35,12 +36,12 @@ bool base64_belongs(char character)
            (character >= 'A' && character <= 'Z') || character == '+' || character == '/';
 }
 
-/// Whether the character at `position` belongs to the alphabet. A position behind the group is looked at too, as long
-/// as no terminating zero stands between.
+/// True when the character at `position` belongs to the alphabet. The position may be after the group, but not after a
+/// terminating zero.
 static bool base64_belongs_at(const char* input, int length, int position)
 {
-    for (int behind = length > 0 ? length : 0; behind < position; ++behind)
-        if (input[behind] == '\0')
+    for (int before = length > 0 ? length : 0; before < position; ++before)
+        if (input[before] == '\0')
             return false;
     return base64_belongs(input[position]);
 }
@@ -54,7 +55,7 @@ int base64_encode(const unsigned char* input, int length, char* output, int room
             result = 3;
     }
     if (room > 2) {
-        // Kept: a group of two takes the upper bits of the byte behind it along; writers put a zero byte there.
+        // Kept: a group of two includes the upper two bits of the byte after it; zero there gives standard base64.
         output[2] = length < 2 ? base64_padding : base64[(input[1] & 0x0F) << 2 | input[2] >> 6];
         if (length < 2)
             result = 2;
@@ -74,7 +75,7 @@ int base64_decode(const char* input, int length, unsigned char* output, int room
     const auto value = [=](int position) { return position < length ? base64_value(input[position]) : 0; };
     int counted = 0;
     if (room >= 1) {
-        // Kept: a single character gives one byte; gateways may end their data in the middle of a group.
+        // Kept: a single character gives one byte, though it carries only six bits; it is no error.
         output[0] = static_cast<unsigned char>(value(0) * 4 + (value(1) >> 4));
         counted += base64_belongs_at(input, length, 0);
     }

@@ -8,18 +8,18 @@ bool base64_belongs(char character);
 /// Encodes one group of `length` bytes, padded with "=" to four characters. Writes the first `room` of them and no
 /// terminating zero.
 ///
-/// The byte behind a group of two is looked at and must be readable; its upper two bits enter the third character, so
-/// callers keep a zero byte there. `"ABC"` gives `"QUJD"`, `"A"` gives `"QQ=="`.
-/// @return the characters that carry data: 4, 3 or 2 for a group of 3, 2 or 1 bytes with room for all four, 0 for an
-/// empty group, and `room` when no padding was written
+/// The byte after a group of two must be readable: its upper two bits become part of the third character, so that it
+/// should be zero. `"ABC"` gives `"QUJD"`, `"A"` gives `"QQ=="`.
+/// @return the number of characters that carry data: 4, 3 or 2 for a group of 3, 2 or 1 bytes with room for all four, 0
+/// for an empty group, and `room` when no padding was written
 int base64_encode(const unsigned char* input, int length, char* output, int room);
 
 /// Decodes one group of `length` characters (up to four) into at most `room` bytes (up to three).
 ///
-/// A character outside the alphabet gives the value of its range, and its byte does not count. A group shorter than the
-/// room asks for ends with such a character, which is looked at. `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a
-/// single character gives one byte, its six bits shifted left by two. There are no errors.
-/// @return the bytes that count; bytes are written as far as the room allows, counted or not
+/// There are no errors: a byte whose character is outside the alphabet is written but not counted. When `length` is
+/// smaller than the room needs, the character after the group must be readable and outside the alphabet. `"QUJD"` gives
+/// `"ABC"`, `"QQ"` gives `"A"`, and a single character gives one byte, its six bits shifted left by two.
+/// @return the number of bytes counted; `room` bytes are written, counted or not
 int base64_decode(const char* input, int length, unsigned char* output, int room);
 
 /// The revision text of this module.

@@ -4,7 +4,7 @@
 
 #include "tcp/tcp_scan.h"
 
-// The grammar of a line; each evaluator accepts one kind of value, or the ones that it names:
+// The grammar of a line; each evaluator accepts only its own kinds of value:
 //
 //   line     = "[" number "]" ( "OK" | error | value )
 //   error    = ( "Error" | any other word with "e" ) ":" signed number
@@ -12,7 +12,7 @@
 //   message  = identifier length { byte }        at most eight bytes are read
 //   rtr      = length { byte }
 
-/// Error numbers from here on are abort codes of a device, those below belong to the gateway.
+/// Error numbers from here on are abort codes of a device, smaller ones are errors of the gateway.
 static constexpr int32_t tcp_eval_first_abort = 0x05000000;
 static constexpr int32_t tcp_eval_gateway_error = -600;
 static constexpr short tcp_eval_data_size = 8;
@@ -29,7 +29,7 @@ static bool tcp_eval_head(const char* line, uint32_t* cursor)
            ascii2unsigned32(line, cursor, &sequence) && tcp_eval_take(line, cursor, ']');
 }
 
-/// The last resort of every evaluator: `word` is the token found, and an error number follows if it says so.
+/// Reads the error number after `word`, a token. @return false when there is none
 static bool tcp_eval_error_number(int word, const char* line, uint32_t* cursor, int32_t* number)
 {
     return word == tcp_token_error && tcp_eval_take(line, cursor, ':') && lookahead(line, cursor) != -1 &&
@@ -157,8 +157,7 @@ int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short
     return tcp_eval_sdo_text(line, length, buffer, size, abort, ascii2string);
 }
 
-/// The length of a message and its bytes, as far as there is room for them. Without a buffer the bytes are only
-/// checked.
+/// Reads the length of a message and at most eight bytes. Without a buffer the bytes are only checked.
 static int32_t tcp_eval_data(const char* line, uint32_t* cursor, short* length, BYTE* data)
 {
     if (!ascii2integer16(line, cursor, length))

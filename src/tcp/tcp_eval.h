@@ -4,18 +4,17 @@
 
 #include "base/CANopenErrors.h"
 
-// Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items, what
-// follows the last expected one is not looked at, and the sequence number in brackets may be any. The line is never
-// modified.
+// Every evaluator takes one zero-terminated line such as "[12] OK\r\n". Blanks and tabs separate the items. Text after
+// the last expected item is ignored; the sequence number in brackets may be any number. The line is never modified.
 //
 // They share these results:
-//   0          success
-//   -70        format error: any other grammar, an unexpected word, a number out of range
-//   -94        a value has arrived and a pointer for it is null
-//   -600 - n   the gateway answered "Error: n" (computed modulo 2^32)
-// The SDO evaluators (`tcp_eval_sdo_...`) know one more:
-//   4          n is 0x05000000 or above: a device aborted the transfer and n, stored in `abort`, is its abort code
-// `abort` may be null everywhere. It is cleared when a value arrives.
+//   0                 success
+//   ERR_FORMAT        another grammar, an unexpected word, a number out of range
+//   ERR_NULL_POINTER  the line has a value and a pointer for it is null
+//   -600 - n          the gateway answered "Error: n" (calculated modulo 2^32); a code without a name
+// The SDO evaluators (`tcp_eval_sdo_...`) have one more:
+//   ERR_SDO_ABORTED   n is 0x05000000 or above: a device aborted the transfer; n, its abort code, is stored in `abort`
+// `abort` may always be null. It is cleared when the line has a value.
 
 /// "OK": the answer to commands without a result.
 int32_t tcp_eval_response(const char* line);
@@ -23,8 +22,8 @@ int32_t tcp_eval_response(const char* line);
 /// "OK": the answer to SDO writes.
 int32_t tcp_eval_sdo_response(const char* line, uint32_t* abort);
 
-/// An unsigned number that fits the width, for example "[12] 0x1F": the answer to typed reads. A number out of range is
-/// stored cut to the width, together with the result -70.
+/// An unsigned number that fits the width, for example "[12] 0x1F": the answer to typed reads. A number out of range
+/// gives ERR_FORMAT and is stored cut to the width.
 int32_t tcp_eval_sdo_unsigned8(const char* line, uint8_t* value, uint32_t* abort);
 int32_t tcp_eval_sdo_unsigned16(const char* line, uint16_t* value, uint32_t* abort);
 int32_t tcp_eval_sdo_unsigned32(const char* line, uint32_t* value, uint32_t* abort);
@@ -45,7 +44,7 @@ int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short
 
 /// Identifier, length and data bytes of a CAN message, for example "[3] 0x181 2 0x11 0x22". At most eight bytes are
 /// read into `data`, also when `length` says more.
-/// @return -30 on "OK", which means that the gateway holds no message
+/// @return ERR_RECEIVER_EMPTY for "OK": the gateway has no message
 int32_t tcp_eval_can_message(const char* line, uint16_t* cob_id, short* length, BYTE* data);
 
 /// Length and data bytes in answer to a remote frame, at most eight. `data` may be null when `length` points to 0.

@@ -30,9 +30,9 @@ static constexpr int top_group_characters = 4;
 static constexpr _top_settings top_default_settings = { 1, 1, 255 };
 
 static int top_client = -1;            // the connected socket, always below FD_SETSIZE; -1 when not connected
-static long top_sequence = 1;          // number of the next command; lives as long as the process
+static long top_sequence = 1;          // number of the next command; never reset
 static char top_buffer[top_line_size]; // the command, overwritten by the answer
-static _top_settings top_settings = top_default_settings; // kept for the application, no command carries them
+static _top_settings top_settings = top_default_settings; // stored, but no command carries them
 
 /// Starts a command in the line buffer: the next sequence number in brackets, a blank, then the text.
 [[gnu::format(printf, 1, 2)]] static void top_format(const char* format, ...)
@@ -55,7 +55,7 @@ static void top_append(const char* text)
     top_buffer[length + appended] = '\0';
 }
 
-/// Appends data in base64. Kept: what does not fit is cut off without notice, since a gateway's lines end there.
+/// Appends data in base64. Kept: data that do not fit into the line are cut off without notice, and the line end, too.
 static void top_append_base64(short length, const BYTE* data)
 {
     constexpr int last = top_line_size - 1;
@@ -75,7 +75,7 @@ static long top_sequence_of(const char* line)
     return line[0] == '[' ? std::strtol(line + 1, nullptr, 0) : 0;
 }
 
-/// Seconds of a clock that nobody sets.
+/// The time of the monotonic clock in seconds.
 static time_t top_seconds()
 {
     timespec now = {};
@@ -83,11 +83,10 @@ static time_t top_seconds()
     return now.tv_sec;
 }
 
-/// Reads one response line into `buffer`, at most `size` - 1 characters. `buffer` stays untouched until the first byte
-/// arrives and is terminated from then on. Waits up to 66 s for the whole line: `select` writes back what is left of
-/// the time that it waits, and a deadline ends a line whose bytes never stop. Longer lines are cut and the rest is
-/// dropped.
-/// @return the characters kept, CR LF included; fewer when the peer closes; 0 on time-out, whatever is kept
+/// Reads one response line into `buffer`, at most `size` - 1 characters; the rest is dropped. `buffer` stays unchanged
+/// until the first byte arrives and is zero-terminated from then on. Waits up to 66 s for the whole line: `select`
+/// stores the remaining time in `rest`, and the deadline ends a line whose bytes never stop.
+/// @return the number of characters stored, CR LF included, fewer when the peer closes; 0 after a time-out
 static int top_readline(int socket, char* buffer, int size)
 {
     int count = 0;
@@ -102,11 +101,11 @@ static int top_readline(int socket, char* buffer, int size)
         const ssize_t received = recv(socket, &byte, 1, 0);
         if (received == 0)
             return count;
-        // A socket that fails for good stays readable, and a time of zero makes `select` poll: stop with the time.
+        // A socket with a permanent error stays readable, and with no time left `select` does not block.
         if (received < 0 && rest.tv_sec == 0 && rest.tv_usec == 0)
             return 0;
-        // Kept: a failed receive stores the byte before it again. A broken connection reports its error once and the
-        // end of the stream from then on, so that gateways which reset the connection end the line.
+        // Kept: after a failed receive the previous byte is stored again. A broken connection fails once and then
+        // reports its end, which ends the line.
         if (count + 1 < size) {
             buffer[count++] = byte;
             buffer[count] = '\0';
@@ -119,16 +118,16 @@ static int top_readline(int socket, char* buffer, int size)
     return 0;
 }
 
-/// Waits for the line with the number; others answer commands that timed out before, or nobody's.
+/// Waits for the line with the number; others are late or unsolicited.
 static void top_await(long sequence)
 {
     while (top_readline(top_client, top_buffer, top_line_size) != 0 && top_sequence_of(top_buffer) != sequence) {
     }
 }
 
-/// One exchange: sends the command in the line buffer, waits for its answer and evaluates it with
-/// `evaluator(line, out..., &abort)`, or without `abort` when the evaluator knows none.
-/// @return the evaluator's result or the abort code that it delivered; -793 when the command cannot be sent
+/// Sends the command in the line buffer, waits for its answer and evaluates it with `evaluator(line, out..., &abort)`,
+/// or without `abort` when the evaluator does not take it.
+/// @return the result of the evaluator, or the abort code that it stored; top_send_failed
 template <typename Evaluator, typename... Out>
 static int32_t top_exchange(Evaluator evaluator, Out... out)
 {
@@ -136,8 +135,8 @@ static int32_t top_exchange(Evaluator evaluator, Out... out)
         return top_send_failed;
     top_await(top_sequence_of(top_buffer));
 
-    // Kept: without an answer this is the command itself, or the last line that had another number; reads then succeed
-    // with its first word, as callers expect from gateways that stay silent or count for themselves.
+    // Kept: after a time-out the buffer holds the command itself, or the last line with another number. It is evaluated
+    // like an answer, so that a read may succeed with a value that nobody sent, and there is no ERR_TIMEOUT.
     if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>) {
         uint32_t abort = 0;
         const int32_t result = evaluator(top_buffer, out..., &abort);
@@ -156,11 +155,11 @@ int32_t top_init(unsigned long addr, unsigned short port, _top_settings* setting
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(static_cast<uint32_t>(addr));
 
-    // Kept: an open connection is left alone; a caller that holds several ends each with top_exit before the next.
+    // Kept: an open connection is not closed; without top_exit before, its socket stays open.
     top_client = socket(AF_INET, SOCK_STREAM, 0);
     if (top_client < 0)
         return top_connect_failed;
-    // The socket must fit into the set that `select` waits for.
+    // `select` cannot wait for larger descriptors.
     if (top_client >= FD_SETSIZE ||
         connect(top_client, reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0) {
         close(top_client);
@@ -185,7 +184,7 @@ int32_t top_exit()
 int32_t top_reset(BYTE baudrate)
 {
     top_format("init %u\r\n", baudrate);
-    // Kept: the answer is awaited but not looked at; gateways without this command refuse it.
+    // Kept: any answer is success, also an error; a gateway without this command can be used as well.
     return top_exchange([](const char*) -> int32_t { return ERR_NO_ERROR; });
 }
 
@@ -284,7 +283,7 @@ int32_t top_transmit(int32_t cob_id, short length, const BYTE* data)
 {
     if (length != 0 && data == nullptr)
         return ERR_NULL_POINTER;
-    // Kept: the data stand behind the first line end, on a line of their own; gateways read them there.
+    // Kept: the data follow after the first line end, on a line of their own.
     top_format("send 0x%03lX %i\r\n", static_cast<unsigned long>(static_cast<uint32_t>(cob_id)), length);
     for (short position = 0; position < length; ++position) {
         char piece[sizeof " 0xFF"];
@@ -297,7 +296,7 @@ int32_t top_transmit(int32_t cob_id, short length, const BYTE* data)
 
 int32_t top_request([[maybe_unused]] int32_t cob_id, [[maybe_unused]] short* length, [[maybe_unused]] BYTE* data)
 {
-    // Kept: a valid length is refused, and without one there is nothing to ask for; programs do without remote frames.
+    // Kept: refused with ERR_NULL_POINTER, also with valid pointers, and not with ERR_NOT_SUPPORTED.
     return ERR_NULL_POINTER;
 }
 

@@ -17,7 +17,7 @@
 //   number    = hexadecimal | octal | decimal
 //   hex       = "0" ( "x" | "X" ) { "0"-"9" | "a"-"f" | "A"-"F" }
 //   octal     = "0" { "0"-"7" }
-//   decimal   = [ "+" | "-" ] digit { digit }          the sign in signed numbers only
+//   decimal   = [ "+" | "-" ] digit { digit }          a sign only in signed numbers
 //   domain    = { alphabet } { "=" }                   base64
 //   string    = { 33-127 } | quote { 32-127 but quote | quote quote } quote
 //
@@ -28,7 +28,7 @@ struct tcp_scan_keyword {
     int token;
 };
 
-// Tried from top to bottom: a word stands before the words that begin it, single letters take what is left.
+// Searched from top to bottom: "communication" stands before "comm", with which it begins, and so on.
 static constexpr tcp_scan_keyword tcp_scan_keywords[] = {
     { "b", 0 },
     { "communication", 1 },
@@ -129,7 +129,7 @@ static constexpr const tcp_scan_keyword& tcp_scan_find(const char* text)
     return tcp_scan_no_keyword;
 }
 
-/// No row may be hidden by one above it that begins its word.
+/// No row may be hidden by a row above it.
 static constexpr bool tcp_scan_all_found()
 {
     for (const tcp_scan_keyword& row : tcp_scan_keywords)
@@ -176,7 +176,7 @@ int compare(const char* text, const char* keyword)
     return text != nullptr && keyword != nullptr && tcp_scan_begins(text, keyword) ? 1 : 0;
 }
 
-/// The digits taken: their value modulo 2^32, and whether it stayed within the limit.
+/// The value of the digits modulo 2^32, and whether it is within the limit.
 struct tcp_scan_digits {
     uint32_t value;
     bool fits;
@@ -193,7 +193,7 @@ static tcp_scan_digits tcp_scan_take_digits(const char* text, uint32_t* cursor, 
     return taken;
 }
 
-/// A number that begins with "0", which has been taken: the whole bit pattern of the width is in range.
+/// The rest of a number after its first "0": hexadecimal or octal, a bit pattern of the width.
 static tcp_scan_digits tcp_scan_take_pattern(const char* text, uint32_t* cursor, uint32_t limit)
 {
     if (tcp_scan_lower(text[*cursor]) != 'x')
@@ -209,7 +209,7 @@ static tcp_scan_digits tcp_scan_take_decimal(const char* text, uint32_t* cursor,
     return tcp_scan_take_digits(text, cursor, 10, limit);
 }
 
-/// A minus sign counts only in front of a digit.
+/// A minus sign is taken only before a digit.
 static tcp_scan_digits tcp_scan_take_signed(const char* text, uint32_t* cursor, uint32_t limit)
 {
     if (text[*cursor] == '-' && digitOf(text[*cursor + 1]) < 10) {
@@ -289,7 +289,7 @@ int ascii2domain(const char* text, uint32_t* cursor, BYTE* buffer, short* length
     tcp_scan_skip_blanks(text, cursor);
     *length = 0;
 
-    int count = 0; // characters in front of the cursor that wait to be decoded, at most a group
+    int count = 0; // characters before the cursor that are not decoded yet, at most a group
     for (; base64_belongs(text[*cursor]); ++*cursor, ++count) {
         if (count < 4)
             continue;
