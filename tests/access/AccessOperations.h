@@ -23,13 +23,13 @@ struct tBound {
     }
 };
 
-/// How an operation ends.
+/// How the result of an operation is stored.
 enum tEnding { transfer, plain };
 
 struct tOperation {
     const char* name;
-    const char* line;   // sent for it; null: nothing is
-    const char* answer; // of a gateway with which it succeeds
+    const char* line;   // the command sent; null: none
+    const char* answer; // with which it succeeds
     tEnding ending;
     bool (*run)(CCANopenAccess&);
 };

@@ -28,12 +28,12 @@ struct tBoundMaster {
     }
 };
 
-/// What the operations of the same name exchange.
+/// The frames of the operation of the same name.
 struct tFrames {
     const char* name;
     uint32_t id;
     const char* request;
-    const char* answer; // of node 5; null: none is awaited
+    const char* answer; // of node 5; null: none is expected
 };
 
 inline constexpr tFrames exchanges[] = {
@@ -59,7 +59,7 @@ inline constexpr tFrames exchanges[] = {
     { "transmitMessage", 0x181, "41 42 43", nullptr },
 };
 
-/// A test's rows: one for each, or for each that awaits an answer.
+/// A test's rows: one for each operation, or for each that expects an answer.
 inline void addExchanges(bool answeredOnly = false)
 {
     QTest::addColumn<int>("place");
@@ -68,7 +68,7 @@ inline void addExchanges(bool answeredOnly = false)
             QTest::newRow(frames.name) << int(&frames - exchanges);
 }
 
-/// Those of the row that is being tested.
+/// The exchange of the row that is being tested.
 inline const tFrames& fetchedFrames()
 {
     QFETCH(int, place);

@@ -1,4 +1,4 @@
-// Tests of the access facade: binding a library and letting go of it, and the texts for what went wrong.
+// The access facade: binding and releasing a library, and the texts of errors.
 // SPDX-License-Identifier: MIT
 #include "AccessOperations.h"
 
@@ -112,7 +112,7 @@ void TestCANopenAccess::gatewayNeedsAParameter()
     QVERIFY(!access.terminate());
 }
 
-// On this machine's own CAN, if it has any. TestCANopenAccessSocketCAN has one of its own.
+// With the real CAN of this machine, if it has any. TestCANopenAccessSocketCAN uses a fake bus.
 void TestCANopenAccess::masterNeedsAParameterAndAnInterface()
 {
     CCANopenAccess access;
@@ -190,7 +190,7 @@ void TestCANopenAccess::destructorClosesTheConnection()
         CCANopenAccess bound;
         QVERIFY(bound.initialize(gatewayLibrary, 0, &param, 0));
         {
-            CCANopenAccess unbound; // leaves the connection of the other alone
+            CCANopenAccess unbound; // does not close the connection of the other one
         }
         gateway.expect("[#] 5 start\r\n", "[#] OK\r\n");
         QVERIFY(bound.startRemoteNode(5));
@@ -208,7 +208,7 @@ void TestCANopenAccess::copyrightIsCopiedUpToTheSize()
     for (const qsizetype size : { qsizetype(0), qsizetype(1), qsizetype(5), notice.size() }) {
         std::memset(text, '~', sizeof text);
         QVERIFY(access.getCopyright(text, static_cast<short>(size)));
-        QCOMPARE(QByteArray(text, size + 5), notice.left(size) + "~~~~~"); // full: no terminator
+        QCOMPARE(QByteArray(text, size + 5), notice.left(size) + "~~~~~"); // a full buffer has no terminator
     }
     std::memset(text, '~', sizeof text);
     QVERIFY(access.getCopyright(text, static_cast<short>(notice.size() + 1)));

@@ -1,4 +1,4 @@
-// Tests of the facade's operations over the SocketCAN master on a fake bus: what they send, and how each of them ends.
+// The facade's operations over the SocketCAN master on a fake bus: what they send, and their results.
 // SPDX-License-Identifier: MIT
 #include "MasterExchanges.h"
 
@@ -96,7 +96,7 @@ void TestCANopenAccessMaster::timeoutKeepsTheLastAbortAndSuccessClearsIt()
     QVERIFY(on.bus.finished());
 }
 
-// An abort code of zero or with the highest bit reads as a success or as an error code.
+// An abort code of 0 reads as success, one with the highest bit set as an error code.
 void TestCANopenAccessMaster::oddAbortCodesAreResultsAsTheyAre()
 {
     tBoundMaster on;
@@ -195,7 +195,7 @@ void TestCANopenAccessMaster::otherNumbersOfBytesAreRefused()
 void TestCANopenAccessMaster::sdoTimeoutIsSetAndThePreviousOneTold()
 {
     tBoundMaster on;
-    on.abortOnce(); // an error that stays
+    on.abortOnce(); // sets an error, which stays
     WORD previous = 1;
     QVERIFY(on.access.setSDOTimeout(70, &previous));
     QCOMPARE(previous, WORD(500));
@@ -236,7 +236,7 @@ void TestCANopenAccessMaster::queueWritesThirtyTwoBitsOnSuccessOnly()
     QCOMPARE(on.access.getLastError(), -94);
     QVERIFY(!on.access.readQueue(id, &length, nullptr));
     QCOMPARE(on.access.getLastError(), -94);
-    QVERIFY(on.access.readQueue(id, &length, data)); // and it is still there
+    QVERIFY(on.access.readQueue(id, &length, data)); // the message is still in the queue
 }
 
 void TestCANopenAccessMaster::queueIsCleared()

@@ -1,4 +1,4 @@
-// Tests of the facade's operations over a scripted gateway: what they send, and how each of them ends.
+// The facade's operations over a scripted gateway: what they send, and their results.
 // SPDX-License-Identifier: MIT
 #include "AccessOperations.h"
 
@@ -36,7 +36,7 @@ void TestCANopenAccessOperations::everyOperationSucceeds()
 {
     const tOperation& operation = fetched();
     tBound on;
-    QVERIFY(!on.access.clearQueue()); // an error that the success replaces
+    QVERIFY(!on.access.clearQueue()); // sets an error, which success replaces
     on.gateway.expect(operation.line, operation.answer);
     QVERIFY(operation.run(on.access));
     QCOMPARE(on.access.getLastError(), 0);
@@ -48,7 +48,7 @@ void TestCANopenAccessOperations::errorNumberIsTheLastError()
     const tOperation& operation = fetched();
     tBound on;
     on.gateway.expect(operation.line, "[#] Error: 103\r\n");
-    const bool reset = QByteArray(operation.name) == "reset"; // never looks at its answer
+    const bool reset = QByteArray(operation.name) == "reset"; // any answer is success
     QCOMPARE(operation.run(on.access), reset);
     QCOMPARE(on.access.getLastError(), reset ? 0 : -703);
     QCOMPARE(on.access.getLastAbort(), 0L);
@@ -67,7 +67,7 @@ void TestCANopenAccessOperations::abortOfATransferIsErrorFour()
         QCOMPARE(on.access.getLastError(), ERR_SDO_ABORTED);
         QCOMPARE(on.access.getLastAbort(), readOnly);
         QVERIFY(on.access.isSDOAborted());
-    } else { // the others know no aborts: the result is stored as it is
+    } else { // for the others the result is stored as it is
         QCOMPARE(on.access.getLastError(), reset ? 0 : version ? int(readOnly) : int(-600 - readOnly));
         QCOMPARE(on.access.getLastAbort(), 0L);
         QVERIFY(!on.access.isSDOAborted());
@@ -94,7 +94,7 @@ void TestCANopenAccessOperations::successClearsTheLastAbort()
         QVERIFY(!readDomain(on.access));
         QVERIFY(operation.run(on.access));
         QCOMPARE(on.access.getLastError(), 0);
-        QCOMPARE(on.access.getLastAbort(), operation.ending == transfer ? 0L : readOnly); // the others leave it
+        QCOMPARE(on.access.getLastAbort(), operation.ending == transfer ? 0L : readOnly); // the others do not change it
     }
 }
 
@@ -145,7 +145,8 @@ void TestCANopenAccessOperations::valuesArriveInEveryWidth()
     QCOMPARE(integer8, int8_t(-2));
     QCOMPARE(integer16, int16_t(-292));
     QCOMPARE(integer32, int32_t(-19088744));
-    on.gateway.answerWith([](const std::string&) { return "[#] -2\r\n"; }); // read with the unsigned form
+    on.gateway.answerWith(
+        [](const std::string&) { return "[#] -2\r\n"; }); // refused: signed values are read as unsigned
     QVERIFY(!on.access.readInteger8(5, 0x2000, 1, &integer8));
     QCOMPARE(on.access.getLastError(), ERR_FORMAT);
 }
@@ -192,7 +193,7 @@ void TestCANopenAccessOperations::domainArrivesInTheBuffer()
     short length = 0;
     QVERIFY(on.access.read(127, 0x1008, 0, &length, data, 8));
     QCOMPARE(length, short(5));
-    QCOMPARE(buffer.left(5), QByteArray("ABCDE")); // a zero of the last group may follow
+    QCOMPARE(buffer.left(5), QByteArray("ABCDE")); // a zero byte of the last group may follow
     QCOMPARE(buffer.right(2), QByteArray("~~"));
     buffer.fill('~');
     QVERIFY(on.access.read(127, 0x1008, 0, &length, data, 2));

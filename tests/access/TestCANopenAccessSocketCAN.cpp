@@ -1,4 +1,4 @@
-// Tests of the facade over the SocketCAN master: opening and closing it, and its texts.
+// The facade over the SocketCAN master: opening and closing it, and its texts.
 // SPDX-License-Identifier: MIT
 #include "MasterExchanges.h"
 #include "cop/cop_api.h"
@@ -128,7 +128,7 @@ void TestCANopenAccessSocketCAN::versionsAreCopiedUpToTheSize()
 {
     QFETCH(bool, hardware);
     tBoundMaster on;
-    on.abortOnce(); // an error that stays
+    on.abortOnce(); // sets an error, which stays
     const QByteArray text = hardware ? cop_hardware() : cop_software();
     if (hardware)
         QCOMPARE(text, QByteArray("interface=\"can0\", family=29, type=3, protocol=1"));
@@ -139,7 +139,7 @@ void TestCANopenAccessSocketCAN::versionsAreCopiedUpToTheSize()
         const bool done = (on.access.*version)(buffer.data(), short(size));
         return done && on.access.getLastError() == 4 ? buffer : QByteArray("failed");
     };
-    for (const int size : { 1, 5, int(text.size()) - 1, int(text.size()) }) // full: no terminator
+    for (const int size : { 1, 5, int(text.size()) - 1, int(text.size()) }) // a full buffer has no terminator
         QCOMPARE(read(size), text.left(size).leftJustified(220, '~'));
     for (const int size : { 0, -1, -32768 })
         QCOMPARE(read(size), QByteArray(220, '~'));
@@ -191,7 +191,7 @@ void TestCANopenAccessSocketCAN::terminateAndDestructorClose()
         CCANopenAccess bound;
         QVERIFY(bound.initialize(0, -1, &bus.param, 0));
         {
-            CCANopenAccess unbound; // leaves the interface of the other alone
+            CCANopenAccess unbound; // does not close the interface of the other one
         }
         QCOMPARE(bus.descriptors(), 1);
     }

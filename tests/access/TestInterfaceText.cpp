@@ -41,7 +41,7 @@ void TestInterfaceText::gatewayTexts_data()
              { "localhost:65537", 0x7F000001, 1 },
              { "localhost:-2", 0x7F000001, 65534 },
              { "localhost:131071", 0x7F000001, 65535 },
-             // Parts are added as they are, and the sum is cut to 32 bits.
+             // Parts above 255 carry into the part before; the address is cut to 32 bits.
              { "256.0.0.1:1", 0x00000001, 1 },
              { "1.2.3.400:80", 0x01020490, 80 },
              { "1.2.300.4:80", 0x01032C04, 80 },
@@ -56,7 +56,7 @@ void TestInterfaceText::gatewayTexts_data()
              { "+10.+0.+0.+1:+80", 0x0A000001, 80 },
              { "localhost:0x1F40", 0x7F000001, 8000 },
              { "localhost:017", 0x7F000001, 15 },
-             { "localhost:08", 0x7F000001, 0 }, // an octal 0, and an 8 behind it
+             { "localhost:08", 0x7F000001, 0 }, // an octal 0, followed by an 8
              // Anything may follow the port.
              { "1.2.3.4:5000abc", 0x01020304, 5000 },
              { "1.2.3.4:5000 ", 0x01020304, 5000 },
@@ -68,7 +68,7 @@ void TestInterfaceText::gatewayTexts_data()
              { "1. 2. 3. 4: 80", 0x01020304, 80 },
              { "\t1.2.3.4:\t80", 0x01020304, 80 },
              { "localhost: 80", 0x7F000001, 80 },
-             // Numbers beyond 64 bits stay at the limit.
+             // Numbers beyond 64 bits are limited to the range of long.
              { "1.2.3.4:99999999999999999999", 0x01020304, 65535 },
              { "1.2.3.4:-99999999999999999999", 0x01020304, 0 },
              { "0.0.0.99999999999999999999:1", 0xFFFFFFFF, 1 },

@@ -1,4 +1,4 @@
-// A fake bus with the master started on it, its talk with the SDO server of node 5, and how transfers end.
+// A fake bus with the master started on it, its exchanges with the SDO server of node 5, and results of transfers.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -23,14 +23,14 @@ struct CSdoBus : CFakeBus {
         sdo_timeout(500);
     }
 
-    /// The client's next frame, and the server's answer to it if there is one.
+    /// Expects the client's next frame and gives the server's answer, if there is one.
     CFakeBusRequest& talk(const char* request, const char* answer = nullptr)
     {
         CFakeBusRequest& sent = expect(0x605, request);
         return answer != nullptr ? sent.answer(0x585, answer) : sent;
     }
 
-    /// The talk of a segmented download of `data`, its initiate apart.
+    /// The segments of a download of `data`, without its initiate.
     void talkDownloadSegments(const QByteArray& data)
     {
         BYTE toggle = 0;
@@ -38,7 +38,7 @@ struct CSdoBus : CFakeBus {
             talk(segment(data, at, toggle), toggle != 0 ? "30 00 00 00 00 00 00 00" : "20 00 00 00 00 00 00 00");
     }
 
-    /// The talk of a segmented upload of `data`, its initiate apart: one empty segment when there is none.
+    /// The segments of an upload of `data`, without its initiate: one empty segment when there are no data.
     void talkUploadSegments(const QByteArray& data)
     {
         BYTE toggle = 0;
@@ -46,7 +46,7 @@ struct CSdoBus : CFakeBus {
             talk(toggle != 0 ? "70 00 00 00 00 00 00 00" : "60 00 00 00 00 00 00 00", segment(data, at, toggle));
     }
 
-    // The segment of seven bytes of `data` at the place `at`, the last one shorter and marked; in hexadecimal.
+    // The segment with the seven bytes of `data` from `at` on, fewer and marked if it is the last; in hexadecimal.
     static QByteArray segment(const QByteArray& data, qsizetype at, BYTE toggle)
     {
         const QByteArray bytes = data.mid(at, 7);
@@ -70,8 +70,8 @@ inline QString hexText(const QByteArray& bytes)
     return bytes.toHex(' ').toUpper();
 }
 
-/// A result as "0", "-50" or, for an abort code, "06010002". What else each transfer owes is added if it is missing:
-/// cop_error holds the result, and the two message objects are free.
+/// A result as "0", "-50" or, for an abort code, "06010002". Adds what is wrong after the transfer: cop_error must hold
+/// the result, and the two message objects must be free.
 inline QString ended(int32_t result)
 {
     QString text = result > 0 ? QString::asprintf("%08X", unsigned(result)) : QString::number(result);
@@ -96,8 +96,8 @@ inline QString written(int count)
     return ended(sdo_write(5, 0x2008, 1, short(count), reinterpret_cast<const BYTE*>(data.constData())));
 }
 
-/// Reads into room for `size` bytes: "0: 01 02 03", with " | 00" when a byte of zero has been put behind the data. A
-/// failure is its result alone: "-50". The length of a failure that is not 0, and bytes changed elsewhere, are added.
+/// Reads into a buffer of `size` bytes: "0: 01 02 03", with " | 00" when a zero byte has been stored after the data. A
+/// failure is its result alone: "-50". Adds the length after a failure if it is not 0, and bytes changed elsewhere.
 inline QString readInto(int size)
 {
     constexpr int guard = 32;
@@ -114,7 +114,7 @@ inline QString readInto(int size)
             data[length] = 0xA5;
         }
         if (memory.mid(guard + length, room - length).count(char(0xA5)) != room - length)
-            text += ", bytes behind changed";
+            text += ", bytes after the data changed";
     } else if (length != 0) {
         text += QString(", length %1").arg(length);
     }
@@ -123,7 +123,7 @@ inline QString readInto(int size)
     return text;
 }
 
-/// Rows with places in dictionaries: the node, the index and the sub-index of a call, and their bytes in its frames.
+/// Rows of node, index and sub-index for a call, and the bytes of index and sub-index in its frames.
 inline void addPlaces()
 {
     QTest::addColumn<int>("node");

@@ -1,4 +1,4 @@
-// Each place of a transfer at which the client awaits an answer, and what it makes of the first byte of that answer.
+// The phases of transfers in which the client awaits an answer, and how it treats the first byte of that answer.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,10 +8,10 @@
 
 #include <vector>
 
-/// What an answer is, by its first byte.
+/// How an answer is treated, by its first byte.
 enum tVerdict { good, unexpected, wrongToggle, aborted };
 struct tVerdicts {
-    int last; // of the bytes from the row before up to this one
+    int last; // of the bytes of this row, which follow those of the row before
     tVerdict verdict;
 };
 using tVerdictTable = std::vector<tVerdicts>;
@@ -63,7 +63,7 @@ inline const tSdoTalk readSegments = { [] { return readInto(20); },
 
 struct tSdoPhase {
     const char* name;
-    bool multiplexed; // answers about other objects are passed over
+    bool multiplexed; // answers about other objects are ignored
     const tVerdictTable& verdicts;
     const tSdoTalk& transfer;
     size_t place; // of its exchange
@@ -100,14 +100,14 @@ inline const tSdoPhase& fetchedPhase()
     return sdoPhases[place];
 }
 
-/// A bus on which the transfer gets as far as the request of the phase, whose answers are up to the test.
+/// A bus on which the transfer gets as far as the request of the phase. The test gives the answers to it.
 struct CPhaseBus : CSdoBus {
     explicit CPhaseBus(const tSdoPhase& phase) : transfer(phase.transfer)
     {
         talk(0, phase.place);
         request = &CSdoBus::talk(transfer.exchanges[phase.place].first);
     }
-    /// The exchanges of the transfer from one to before another.
+    /// The exchanges of the transfer from `from` to the one before `to`.
     void talk(size_t from, size_t to)
     {
         for (size_t at = from; at < to; ++at)
@@ -116,5 +116,5 @@ struct CPhaseBus : CSdoBus {
     void talkFrom(size_t from) { talk(from, transfer.exchanges.size()); }
     void talkAll() { talkFrom(0); }
     const tSdoTalk& transfer;
-    CFakeBusRequest* request; // the script only grows: stays where it is
+    CFakeBusRequest* request; // stays valid: the script only grows
 };

@@ -1,4 +1,4 @@
-// A fake bus with the controller started on it, and what the controller's tests compare.
+// A fake bus with the controller started on it, and texts of received messages for comparison.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -15,8 +15,8 @@ struct CStartedBus : CFakeBus {
     }
 };
 
-/// What a read from the controller has delivered: its result alone or with the data, "0: 11 22", "-30". The length and
-/// the data of a read that fails, and the bytes behind the data, have to stay as they were: else "... touched".
+/// The result of a read from the controller, with the data after success: "0: 11 22", "-30". Adds " touched" when a
+/// failed read has changed length or data, or a good one the bytes after the data.
 struct CReceived {
     short length = 77;
     BYTE data[10] = { 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5 };

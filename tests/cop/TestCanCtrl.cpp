@@ -1,4 +1,4 @@
-// The CAN controller's life: opening and closing the socket, starting and stopping, texts, the timer.
+// The CAN controller: opening and closing the socket, starting and stopping, its texts and its timer.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 
@@ -25,16 +25,16 @@ private Q_SLOTS:
         QCOMPARE(can_state.byte, 0x80);
     }
 
-    void socketDoesNotBlock() // neither sending nor reading
+    void socketDoesNotBlock() // for sending and reading
     {
         CStartedBus bus;
         QCOMPARE(can_config(0, 0x123, 0x0001), 0);
         bus.expect(0x123, "").answer(0x456, "01");
         QCOMPARE(can_transmit(0, 0, nullptr), 0);
         QCOMPARE(queued(), "456 0: 01");
-        QVERIFY(bus.finished()); // looks at the descriptor in each write and read
+        QVERIFY(bus.finished()); // the fake bus checks this in each write and read
         can_exit();
-        bus.lowestDescriptor = 100; // with any descriptor
+        bus.lowestDescriptor = 100; // also with a larger descriptor
         QCOMPARE(can_init(-1, &bus.param), 0);
         QVERIFY((fcntl(100, F_GETFL) & O_NONBLOCK) != 0);
     }
@@ -62,7 +62,7 @@ private Q_SLOTS:
         QCOMPARE(can_start(0), 0);
         QCOMPARE(can_init(0, nullptr), -96);
         QCOMPARE(can_init(-1, &bus.param), -96);
-        QCOMPARE(can_state.byte, 0x00); // and it runs on
+        QCOMPARE(can_state.byte, 0x00); // still started
         QCOMPARE(bus.descriptors(), 1);
     }
 
@@ -82,7 +82,8 @@ private Q_SLOTS:
         const int before = CFakeBus::descriptorsOfProcess();
         rlimit limit = {};
         QCOMPARE(getrlimit(RLIMIT_NOFILE, &limit), 0);
-        const rlimit wider = { limit.rlim_max, limit.rlim_max }; // should it be 1024, opening fails all the same
+        const rlimit wider = { limit.rlim_max,
+                               limit.rlim_max }; // with a limit of 1024 the socket cannot be opened at all
         QCOMPARE(setrlimit(RLIMIT_NOFILE, &wider), 0);
         bus.lowestDescriptor = FD_SETSIZE;
         QCOMPARE(can_init(-1, &bus.param), -10000);
@@ -156,7 +157,7 @@ private Q_SLOTS:
         QCOMPARE(can_hardware(), QString("interface=\"%1\", family=29, type=3, protocol=1").arg(kept));
         QVERIFY2(bus.calls().at(1).startsWith("ioctl(\"" + kept.left(15)), qPrintable(bus.calls().at(1)));
         QCOMPARE(can_exit(), 0);
-        bus.param.ifname = "can0"; // nothing of the long name is left behind the short one
+        bus.param.ifname = "can0"; // nothing of the long name is left after the short one
         QCOMPARE(can_init(-1, &bus.param), 0);
         QCOMPARE(can_hardware(), "interface=\"can0\", family=29, type=3, protocol=1");
     }
@@ -235,7 +236,7 @@ private Q_SLOTS:
         QCOMPARE(can_state.byte, result == 0 ? 0 : 0x80);
         QCOMPARE(can_reset(), 0);
         QCOMPARE(can_state.byte, 0x80);
-        QCOMPARE(bus.calls().size(), 3); // the bit rate is not the program's business
+        QCOMPARE(bus.calls().size(), 3); // those of can_init; the bit rate is not set
     }
 
     void secondStartIsRefusedWhateverTheIndex()

@@ -1,4 +1,4 @@
-// The dispatcher of the CAN controller: how many messages it takes from the socket, and where each goes.
+// How many messages the CAN controller takes from the socket, and to which object or the queue each goes.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 
@@ -15,7 +15,7 @@ private Q_SLOTS:
     void lowestMatchingObjectTakesTheMessage()
     {
         CStartedBus bus;
-        QCOMPARE(can_config(0, 0x100, 0x0801), 0); // sends: does not take it
+        QCOMPARE(can_config(0, 0x100, 0x0801), 0); // a transmit object does not receive
         QCOMPARE(can_config(3, 0x100, 0x0804), 0);
         QCOMPARE(can_config(13, 0x100, 0x0803), 0);
         bus.inject(0x100, "01");
@@ -23,7 +23,7 @@ private Q_SLOTS:
         QCOMPARE(can_read_queue(100), 2);
         QCOMPARE(can_data(13), 0);
         QCOMPARE(received(3), "0: 01");
-        QCOMPARE(queued(), "101 0: 02"); // what an object takes is not queued, too
+        QCOMPARE(queued(), "101 0: 02"); // only this one is queued
         QCOMPARE(queued(), "-30");
         can_delete(3);
         bus.inject(0x100, "03");
@@ -65,7 +65,7 @@ private Q_SLOTS:
         QFETCH(QString, queue);
         CStartedBus bus;
         bus.inject(id, "01 02");
-        QCOMPARE(can_read_queue(100), 1); // counted all the same
+        QCOMPARE(can_read_queue(100), 1); // the frame is counted, also when it is dropped
         QCOMPARE(queued(), queue);
         QCOMPARE(can_config(2, 0x123, 0x0803), 0);
         bus.inject(id, "01 02");
@@ -110,7 +110,7 @@ private Q_SLOTS:
         fill(bus, 250);
         QCOMPARE(can_read_queue(0), 250);
         QCOMPARE(can_read_queue(0), 0);
-        QCOMPARE(bus.count(CFakeBus::Read), 500); // never without a message
+        QCOMPARE(bus.count(CFakeBus::Read), 500); // no read without a message
     }
 
     void takesNothingUnlessInitialised()
@@ -121,7 +121,7 @@ private Q_SLOTS:
         QCOMPARE(bus.count(CFakeBus::Select), 0);
         QCOMPARE(can_init(-1, &bus.param), 0);
         fill(bus, 3);
-        QCOMPARE(can_read_queue(100), 3); // stopped is enough
+        QCOMPARE(can_read_queue(100), 3); // also while stopped
         QCOMPARE(can_queue_clear(), 0);
     }
 

@@ -61,7 +61,7 @@ private Q_SLOTS:
         QFETCH(int, result);
         CFakeBus bus;
         QCOMPARE(can_config(short(object), id, WORD(control)), -95);
-        QCOMPARE(can_init(-1, &bus.param), 0); // stopped is enough
+        QCOMPARE(can_init(-1, &bus.param), 0); // also while stopped
         QCOMPARE(can_config(short(object), id, WORD(control)), result);
         QCOMPARE(bus.written(), QStringList());
     }
@@ -76,7 +76,7 @@ private Q_SLOTS:
         QCOMPARE(bus.waiting(), 0);
         QCOMPARE(received(2), "-30");
         QCOMPARE(queued(), "222 0: 02");
-        QCOMPARE(queued(), "-30"); // 111 went to the object before it was set up anew
+        QCOMPARE(queued(), "-30"); // 111 went to the object with its old identifier
     }
 
     void refusedConfigurationLeavesTheObjectAndTheSocketAlone()
@@ -145,7 +145,7 @@ private Q_SLOTS:
         for (const int mode : { 1, 2 }) {
             CStartedBus bus;
             QCOMPARE(can_config(13, 0x555, WORD(0x0300 + mode)), 0); // the configured length does not matter
-            QCOMPARE(can_transmit(13, 8, bytes), 0);                 // longer data before leave nothing behind
+            QCOMPARE(can_transmit(13, 8, bytes), 0);                 // no byte of longer data is sent again
             QCOMPARE(can_transmit(13, short(length), bytes), 0);
             QCOMPARE(bus.written().last(), frame);
             QCOMPARE(bus.written().size(), 2);
@@ -231,7 +231,7 @@ private Q_SLOTS:
             int error;
             int written;
         } const rows[] = { { "interface down", ENETDOWN, -1 }, { "no buffer space", ENOBUFS, -1 },
-                           { "interface gone", ENXIO, -1 },    { "would block", EAGAIN, -1 },
+                           { "interface removed", ENXIO, -1 }, { "would block", EAGAIN, -1 },
                            { "interrupted", EINTR, -1 },       { "nothing written", 0, 0 },
                            { "half written", 0, 8 },           { "all but one byte", 0, 15 } };
         for (const auto& row : rows)
@@ -256,7 +256,7 @@ private Q_SLOTS:
         QCOMPARE(can_state.byte, 0x00);
         QCOMPARE(can_busy(0), 0);
         QCOMPARE(bus.written(), QStringList{ "123: 11 22" });
-        QCOMPARE(bus.count(CFakeBus::Write), 4); // one write a call
+        QCOMPARE(bus.count(CFakeBus::Write), 4); // one write per call
     }
 
     void pendingSendsStayAtTheirHighestNumber()

@@ -20,7 +20,7 @@ private Q_SLOTS:
         bus.inject(0x000, "");
         bus.inject(0x7FF, "01 02 03 04 05 06 07 08");
         bus.inject(0x123, "AA");
-        QCOMPARE(can_queue_empty(), 1); // nothing is taken from the socket by asking
+        QCOMPARE(can_queue_empty(), 1); // takes nothing from the socket
         QCOMPARE(queued(), "000 0:");
         QCOMPARE(can_queue_empty(), 0);
         QCOMPARE(queued(), "7FF 0: 01 02 03 04 05 06 07 08");
@@ -49,7 +49,7 @@ private Q_SLOTS:
         CStartedBus bus;
         QCOMPARE(can_queue_status(), 0);
         QCOMPARE(queued(), "-30");
-        QCOMPARE(can_state.b.receiver_empty, 0); // that of the objects
+        QCOMPARE(can_state.b.receiver_empty, 0); // this bit is about the objects
         QCOMPARE(can_queue_status(), -30);
         QCOMPARE(can_queue_status(), 0);
         QCOMPARE(queued(), "-30");
@@ -58,7 +58,7 @@ private Q_SLOTS:
         QCOMPARE(can_queue_status(), 0);
     }
 
-    // A call that does not get as far as the queue leaves its error alone, whatever that is.
+    // A call that is refused before the queue is read does not change the error of the queue.
     void refusedReadingIsNoErrorOfTheQueue()
     {
         for (const short error : { short(-30), short(0) }) {
@@ -162,8 +162,8 @@ private Q_SLOTS:
         QCOMPARE(can_queue_clear(), 0);
         bus.inject(0x100, "");
         can_read_queue(100);
-        QCOMPARE(can_state.b.queue_overrun, 1); // nobody has fetched the error yet
-        QCOMPARE(queued(), "100 0:");           // a good read resets it as well
+        QCOMPARE(can_state.b.queue_overrun, 1); // the error has not been read yet
+        QCOMPARE(queued(), "100 0:");           // reading a message clears the error, too
         QCOMPARE(can_queue_status(), 0);
         QCOMPARE(can_state.b.queue_overrun, 1);
         bus.inject(0x100, "");
@@ -188,15 +188,15 @@ private Q_SLOTS:
     {
         CStartedBus bus;
         QCOMPARE(can_queue_clear(), -30);
-        QCOMPARE(can_queue_status(), 0); // clearing is no reading
+        QCOMPARE(can_queue_status(), 0); // clearing an empty queue sets no error
         QCOMPARE(queued(), "-30");
         fill(bus, 3);
         can_read_queue(2);
         QCOMPARE(can_queue_clear(), 0);
-        QCOMPARE(can_queue_status(), -30); // and leaves the error
+        QCOMPARE(can_queue_status(), -30); // the error stays
         QCOMPARE(can_queue_empty(), 1);
         QCOMPARE(can_queue_clear(), -30);
-        QCOMPARE(queued(), numbered(2)); // what waited in the socket is still there
+        QCOMPARE(queued(), numbered(2)); // the message that waited in the socket is still there
     }
 
     void disabledQueueDropsButKeepsWhatItHas()
@@ -234,7 +234,7 @@ private Q_SLOTS:
         QCOMPARE(can_queue_status(), 0);
     }
 
-    // The queue stays enabled over the exit, and enabling an enabled queue does not empty it.
+    // The exit does not disable the queue, and enabling an enabled queue does not empty it.
     void enabledQueueKeepsItsMessagesOverExitAndInit()
     {
         CStartedBus bus;

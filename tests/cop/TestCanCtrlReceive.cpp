@@ -29,7 +29,7 @@ private Q_SLOTS:
         QCOMPARE(can_config(14, 0x127, 0x0803), 0);
         for (const int object : { -32768, -1, 15, 32767 })
             QCOMPARE(receive(short(object), nullptr, nullptr), -93);
-        for (const int object : { 0, 2, 5, 14 }) { // the pointers before the kind of the object
+        for (const int object : { 0, 2, 5, 14 }) { // the pointers are checked before the kind of the object
             QCOMPARE(receive(short(object), nullptr, read.data), -94);
             QCOMPARE(receive(short(object), &read.length, nullptr), -94);
         }
@@ -87,13 +87,13 @@ private Q_SLOTS:
         bus.inject(0x100, "01 02 03");
         bus.inject(0x100, "04");
         QCOMPARE(can_data(5), 1);
-        QCOMPARE(can_state.byte, 0x00); // not before it is read
+        QCOMPARE(can_state.byte, 0x00); // set only by the read
         QCOMPARE(received(5), "0: 04");
         QCOMPARE(can_state.byte, 0x02);
         QCOMPARE(received(5), "-30");
         QCOMPARE(can_state.byte, 0x06);
         bus.inject(0x100, "05");
-        QCOMPARE(received(5), "0: 05"); // one is enough again, but what was lost stays lost
+        QCOMPARE(received(5), "0: 05"); // not lost, but the bit of the lost one stays set
         QCOMPARE(can_state.byte, 0x02);
         can_reset();
         QCOMPARE(can_state.byte, 0x82);
@@ -153,7 +153,7 @@ private Q_SLOTS:
         can_queue_disable();
         QCOMPARE(received(14), "-30");
         QCOMPARE(receivedId(14), "-30");
-        bus.inject(0x100, "02"); // and it is never filled
+        bus.inject(0x100, "02"); // object 14 never receives
         QCOMPARE(can_data(14), 0);
         QCOMPARE(received(14), "-30");
         can_queue_enable();

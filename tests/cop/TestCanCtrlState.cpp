@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(passMessages(bus, queuePlaces + 1));
         bus.inject(0x200, "01");
         QCOMPARE(can_read_queue(100), 1);
-        for (int message = 0; message <= queuePlaces; ++message) { // the same with one more in the queue all the time
+        for (int message = 0; message <= queuePlaces; ++message) { // with one more message in the queue
             bus.inject(0x200, message % 2 == 0 ? "02" : "01");
             QCOMPARE(can_read_queue(100), 1);
             QCOMPARE(queued(), message % 2 == 0 ? "200 0: 01" : "200 0: 02");
@@ -170,12 +170,12 @@ private Q_SLOTS:
     void timerIsAnAbsoluteTimeInMicroseconds()
     {
         CFakeBus bus;
-        bus.step = 1; // each look at the clock
+        bus.step = 1; // each reading of the clock takes 1 µs
         QCOMPARE(can_start_timer(1), 0);
         for (int microsecond = 1; microsecond < 1000; ++microsecond)
             QCOMPARE(can_is_timeout(), 0);
         QCOMPARE(can_is_timeout(), 1);
-        for (int quarter = 0; quarter < 8; ++quarter) { // of an hour: longer than 32 bits of microseconds
+        for (int quarter = 0; quarter < 8; ++quarter) { // of an hour; 32 bits of microseconds are 72 minutes
             bus.advance(900'000);
             QCOMPARE(can_is_timeout(), 1);
         }
@@ -196,7 +196,7 @@ private Q_SLOTS:
     }
 
 private:
-    // Closes the controller with a message in an object and another in the queue, an error of the queue and state bits.
+    // Closes the controller with messages in an object and the queue, an error of the queue and state bits.
     static void leaveTraces(CFakeBus& bus)
     {
         QCOMPARE(queued(), "-30");

@@ -1,4 +1,4 @@
-// The CANopen master: opening, closing, restarting, single messages, the queue, and cop_error, which keeps each result.
+// The CANopen master: opening, closing, restarting, single messages, the queue, and what cop_error holds.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 #include "cop/cop_api.h"
@@ -10,7 +10,7 @@
 static const BYTE bytes[9] = { 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99 };
 static const QStringList opening = { "socket(29, 3, 1)", "ioctl(\"can0\", -1)", "bind(29, 7, 16)" };
 
-// The result of a call, provided that cop_error holds it, too.
+// The result of a call if cop_error holds it, too; else another number.
 static int32_t kept(int32_t result)
 {
     return result == cop_error ? result : 1'000'000'000 + result;
@@ -136,7 +136,7 @@ private Q_SLOTS:
             session(bus);
             const bool failed = bus.count(CFakeBus::ECall(call)) >= nth;
             QCOMPARE(CFakeBus::descriptorsOfProcess(), descriptors);
-            QVERIFY(bus.count(CFakeBus::Select) < 20'000); // nothing waits longer for it
+            QVERIFY(bus.count(CFakeBus::Select) < 20'000); // no wait gets longer
             bus.heal();
             QCOMPARE(cop_init(-1, &bus.param, 0), 0);
             QCOMPARE(cop_transmit(0x100, 1, bytes), 0);
@@ -185,7 +185,7 @@ private Q_SLOTS:
         QCOMPARE(can_state.byte, 0x80);
         QCOMPARE(bus.descriptors(), 1);
         QCOMPARE(kept(cop_transmit(0x100, 1, bytes)), -9);
-        QCOMPARE(kept(cop_reset(0)), 0); // it starts again from there
+        QCOMPARE(kept(cop_reset(0)), 0); // can be started again
         QCOMPARE(kept(cop_transmit(0x100, 1, bytes)), 0);
     }
 
@@ -233,14 +233,14 @@ private Q_SLOTS:
         CFakeBus bus;
         QCOMPARE(kept(cop_transmit(2048, 9, nullptr)), -95);
         QCOMPARE(can_init(-1, &bus.param), 0);
-        QCOMPARE(kept(cop_transmit(2048, 1, bytes)), -93); // the identifier belongs to the configuration
+        QCOMPARE(kept(cop_transmit(2048, 1, bytes)), -93); // checked before the controller has to be started
         QCOMPARE(kept(cop_transmit(2047, 9, bytes)), -9);
         QCOMPARE(can_start(0), 0);
         for (const uint32_t id : { 2048u, 0x80000001u, 0x40000001u, 0xFFFFFFFFu })
             QCOMPARE(kept(cop_transmit(id, 1, bytes)), -93);
         for (const int length : { -32768, -1, 9, 256, 32767 }) {
             QCOMPARE(kept(cop_transmit(0x100, short(length), bytes)), -93);
-            QCOMPARE(can_transmit(0, 1, bytes), -93); // free all the same
+            QCOMPARE(can_transmit(0, 1, bytes), -93); // the object is free again
         }
         QCOMPARE(bus.written(), QStringList());
     }
@@ -312,7 +312,7 @@ private Q_SLOTS:
         BYTE status = 0x5A;
         BYTE load = 0x5A;
         cop_error = 1;
-        QCOMPARE(kept(cop_queue_status(&status, &load)), 0); // not that of the bus load
+        QCOMPARE(kept(cop_queue_status(&status, &load)), 0); // not ERR_NOT_SUPPORTED as for the bus load
         QCOMPARE(queued(), "-30");
         QCOMPARE(kept(cop_queue_status(&status, &load)), -30);
         QCOMPARE(kept(cop_queue_status(nullptr, nullptr)), 0);
@@ -339,7 +339,7 @@ private Q_SLOTS:
     }
 
 private:
-    // Every service once. What it returns depends on the call that fails, but is always one of the stated codes.
+    // Every service once. The result depends on the call that fails, but is always one of these codes.
     static void session(CFakeBus& bus)
     {
         const QList<int> codes = { 0, -9, -20, -30, -50, -95, -10000 };

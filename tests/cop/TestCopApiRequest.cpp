@@ -1,4 +1,4 @@
-// The remote-request service of the CANopen master: what it waits for, how long, and that it frees its object.
+// cop_request: what it waits for, how long, and that it frees its object.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
 #include "cop/cop_api.h"
@@ -15,7 +15,7 @@ class TestCopApiRequest : public QObject
 private Q_SLOTS:
     void cleanup() { can_queue_clear(); }
 
-    // A start that fails does not set the index, nor does the CAN controller.
+    // Neither a failed start of the master nor a start of the CAN controller alone sets the index.
     void indexIs7AtFirst() // has to run first
     {
         CFakeBus bus;
@@ -62,13 +62,13 @@ private Q_SLOTS:
         QCOMPARE(waited(bus), milliseconds);
         QCOMPARE(cop_reset(0), 0);
         QCOMPARE(waited(bus), 20);
-        QCOMPARE(cop_reset(BYTE(index)), 0); // a reset counts as well
+        QCOMPARE(cop_reset(BYTE(index)), 0); // a reset sets the index, too
         QCOMPARE(waited(bus), milliseconds);
         QVERIFY(bus.finished());
         QCOMPARE(bus.written(), QStringList()); // no remote frame is sent
     }
 
-    // Setting up the object may take its time, too.
+    // The time that can_config takes is not part of the time-out.
     void timeStartsWhenTheObjectIsSetUp()
     {
         CFakeBus bus;
@@ -154,7 +154,7 @@ private Q_SLOTS:
             bus.injectAfter(1, 0x181, "00");
         bus.injectAfter(1, 0x705, "05");
         bus.injectAfter(1, 0x705, "06");
-        QCOMPARE(request(0x705, 1), "0: 06"); // the newest
+        QCOMPARE(request(0x705, 1), "0: 06"); // the newest one
         QCOMPARE(can_state.b.message_lost, 1);
         QVERIFY(isFree(bus));
     }
@@ -178,7 +178,7 @@ private Q_SLOTS:
         CFakeBus bus;
         QCOMPARE(request(id, length), "-95");
         QCOMPARE(cop_init(-1, &bus.param, 0), 0);
-        QCOMPARE(can_config(1, 0x700, 0x0803), 0); // freed even where it was somebody else's
+        QCOMPARE(can_config(1, 0x700, 0x0803), 0); // freed even when it was set up elsewhere
         QCOMPARE(request(id, length), "-93");
         QCOMPARE(cop_error, -93);
         QVERIFY(isFree(bus));
@@ -228,7 +228,7 @@ private Q_SLOTS:
         bus.injectAfter(5, 0x705, "01");
         bus.injectAfter(5, 0x706, "02");
         QCOMPARE(request(0x705, 1), "0: 01");
-        bus.fail(CFakeBus::ECall(call), ENETDOWN, 1, 1'000'000); // the interface is gone
+        bus.fail(CFakeBus::ECall(call), ENETDOWN, 1, 1'000'000); // the interface has been removed
         const qint64 before = bus.milliseconds();
         QCOMPARE(request(0x705, 1), "-50");
         QCOMPARE(bus.milliseconds() - before, 20);

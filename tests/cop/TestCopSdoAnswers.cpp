@@ -1,4 +1,4 @@
-// Tests of what the SDO client makes of each answer: the same questions to every phase of every kind of transfer.
+// How the SDO client treats each answer, in every phase of every kind of transfer.
 // SPDX-License-Identifier: MIT
 #include "SdoPhases.h"
 
@@ -37,7 +37,7 @@ void TestCopSdoAnswers::transferSucceeds()
     QVERIFY(bus.finished());
 }
 
-// All 256 first bytes. The abort frame names the object also where the answers do not.
+// All 256 first bytes. Our abort has index and sub-index also in phases whose answers have none.
 void TestCopSdoAnswers::firstByteDecides()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -98,14 +98,14 @@ void TestCopSdoAnswers::abortCodeIsTheResult()
     CPhaseBus bus(phase);
     bus.request->answer(0x585, "80 08 20 01 " + code);
     const QString end = phase.transfer.run();
-    if (result == "0" && QString(phase.name).contains("upload")) // a success without data, whatever came before
+    if (result == "0" && QString(phase.name).contains("upload")) // success without data, also after segments
         QCOMPARE(end.section(',', 0, 0), QString("0:"));
     else
         QCOMPARE(end, result);
-    QVERIFY(bus.finished()); // nothing is sent back
+    QVERIFY(bus.finished()); // no abort is sent
 }
 
-// Segments carry no multiplexor: there the same bytes are data or of no meaning.
+// Segments carry no index: there the same bytes are data or unused.
 void TestCopSdoAnswers::everyBitOfTheMultiplexorIsCompared()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -174,7 +174,7 @@ void TestCopSdoAnswers::answerOfAnotherLengthIsRefused_data()
     }
 }
 
-// Before anything else: also an abort, an answer about another object, one that is unexpected.
+// The length is checked first: also of aborts, of answers about another object and of unexpected ones.
 void TestCopSdoAnswers::answerOfAnotherLengthIsRefused()
 {
     const tSdoPhase& phase = fetchedPhase();

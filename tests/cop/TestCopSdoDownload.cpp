@@ -46,7 +46,7 @@ void TestCopSdoDownload::fewBytesGoInOneFrame()
     QFETCH(int, count);
     QFETCH(QByteArray, frame);
     CSdoBus bus;
-    for (int turn = 0; turn < 2; ++turn) { // nothing of the answer, which is in the same buffer, is sent again
+    for (int turn = 0; turn < 2; ++turn) { // no byte of the answer, which is in the same buffer, is sent
         bus.talk(frame, "60 08 20 01 EE EE EE EE");
         QCOMPARE(written(count), QString("0"));
     }
@@ -158,7 +158,7 @@ void TestCopSdoDownload::segmentAnswersMayCarryAnything()
 {
     CSdoBus bus;
     bus.talk("21 08 20 01 0F 00 00 00", "60 08 20 01 FF FF FF FF");
-    bus.talk("00 01 02 03 04 05 06 07", "2F FF FF FF FF FF FF FF"); // the lower four bits count as little
+    bus.talk("00 01 02 03 04 05 06 07", "2F FF FF FF FF FF FF FF"); // the lower four bits and the rest are ignored
     bus.talk("10 08 09 0A 0B 0C 0D 0E", "31 09 20 01 00 00 00 00");
     bus.talk("0D 0F 00 00 00 00 00 00", "28 08 20 02 80 00 00 00");
     QCOMPARE(written(15), QString("0"));
@@ -212,7 +212,7 @@ void TestCopSdoDownload::controllerHasToBeStarted()
         QCOMPARE(written(count), QString("-9"));
         QCOMPARE(can_start(0), 0);
         cop_error = -9;
-        QCOMPARE(ended(-9), QString("-9")); // and the objects are free
+        QCOMPARE(ended(-9), QString("-9")); // the objects are free
         QCOMPARE(cop_exit(), 0);
         QCOMPARE(written(count), QString("-95"));
     }

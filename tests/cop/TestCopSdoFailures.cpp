@@ -1,4 +1,4 @@
-// Tests of the SDO client when the controller fails: each system call once in each place, and for good.
+// The SDO client when the controller fails: each system call fails once in each place, or permanently.
 // SPDX-License-Identifier: MIT
 #include "SdoPhases.h"
 
@@ -79,7 +79,7 @@ void TestCopSdoFailures::requestThatCannotBeSentEndsTheTransfer()
         bus.before = nullptr;
         for (const auto& [request, answer] : phase.transfer.exchanges)
             bus.talk(request, answer);
-        QCOMPARE(phase.transfer.run(), QString(phase.transfer.success)); // a later try works
+        QCOMPARE(phase.transfer.run(), QString(phase.transfer.success)); // a later transfer works
         QVERIFY(bus.finished());
     }
 }
@@ -137,7 +137,7 @@ void TestCopSdoFailures::failingPollsAreRepeated()
     QVERIFY(calls >= int(phase.transfer.exchanges.size()));
 }
 
-// Without the time a transfer that is answered succeeds or times out; the one after it has the time again.
+// While the clock fails, a transfer that is answered succeeds or times out; the next one works.
 void TestCopSdoFailures::failingClockEndsInOneOfTwoWays()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -165,7 +165,7 @@ void TestCopSdoFailures::failingClockEndsInOneOfTwoWays()
     }
 }
 
-// After the request nothing works any more: no answer comes, and the abort cannot be sent.
+// After the request every call fails: no answer comes, and the abort cannot be sent.
 void TestCopSdoFailures::interfaceThatVanishesIsATimeout()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -180,7 +180,7 @@ void TestCopSdoFailures::interfaceThatVanishesIsATimeout()
         QVERIFY(bus.finished());
         QCOMPARE(bus.milliseconds(), 500);
         bus.before = nullptr;
-        QCOMPARE(phase.transfer.run(), QString("-20")); // still gone
+        QCOMPARE(phase.transfer.run(), QString("-20")); // still failing
         QCOMPARE(bus.descriptors(), 1);
     }
 }
@@ -201,7 +201,7 @@ void TestCopSdoFailures::bytesThatAreNoFrameArePassedOver()
     }
 }
 
-// Somebody takes the object away while an answer is awaited.
+// The receive object is freed while an answer is awaited.
 void TestCopSdoFailures::receiveErrorsAreReportedAfterAnAbort()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -215,7 +215,7 @@ void TestCopSdoFailures::receiveErrorsAreReportedAfterAnAbort()
     QVERIFY(succeedsNow(bus));
 }
 
-// Then the abort cannot be sent either.
+// The abort cannot be sent then.
 void TestCopSdoFailures::controllerThatStopsInTheMidstIsReported()
 {
     const tSdoPhase& phase = fetchedPhase();

@@ -1,4 +1,4 @@
-// Tests of the SDO client against servers that answer late, twice, too much or not at all, and on a bus at full load.
+// The SDO client with servers that answer late, twice, too much or not at all, and on a bus at full load.
 // SPDX-License-Identifier: MIT
 #include "SdoPhases.h"
 
@@ -51,12 +51,12 @@ void TestCopSdoHostilePeers::lateAnswersDoNotDisturbTheNextTransfer()
     bus.talkAll();
     QCOMPARE(phase.transfer.run(), QString(phase.transfer.success));
     QVERIFY(bus.finished());
-    QVERIFY(queued(0x585, phase.answer())); // nobody has waited for them
+    QVERIFY(queued(0x585, phase.answer())); // they were not taken as answers
     QVERIFY(queued(0x585, "80 08 20 01 00 00 04 05"));
     QCOMPARE(can_queue_empty(), 1);
 }
 
-// What is late comes while the next transfer, about another object, awaits its first answer.
+// A late answer arrives while the next transfer, about another object, awaits its first answer.
 void TestCopSdoHostilePeers::lateAnswerInTheNextTransferIsPassedOver()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -102,7 +102,7 @@ void TestCopSdoHostilePeers::segmentAnswerThatIsRepeatedHasTheWrongToggle()
     QVERIFY(bus.finished());
 }
 
-// Of those that are taken together, that is: an object holds one message.
+// Of the answers taken in one go only the newest is seen: an object holds one message.
 void TestCopSdoHostilePeers::lastOfManyAnswersCounts()
 {
     CSdoBus bus;
@@ -169,7 +169,7 @@ void TestCopSdoHostilePeers::abortAfterManySegmentsEndsThem()
     QVERIFY(bus.finished());
 }
 
-// 450 messages before the answer and 450 behind it: five drains of 100, the last of which has it in its middle.
+// 450 messages before the answer and 450 after it: the answer is in the middle of the fifth hundred.
 void TestCopSdoHostilePeers::answerIsFoundBehindManyOthers()
 {
     const tSdoPhase& phase = fetchedPhase();

@@ -1,4 +1,4 @@
-// Tests of the SDO client's time-out: what each awaited answer may take, and when the time is looked at.
+// The SDO client's time-out: how long each answer may take, and when the time is checked.
 // SPDX-License-Identifier: MIT
 #include "SdoPhases.h"
 
@@ -30,7 +30,7 @@ private Q_SLOTS:
     void timeoutOfZeroTakesWhatIsThere();
 };
 
-// First, before anything sets it.
+// Has to run first, before a test sets it.
 void TestCopSdoTiming::timeoutIsHalfASecondAtFirst()
 {
     CFakeBus bus;
@@ -99,7 +99,8 @@ void TestCopSdoTiming::silenceEndsWithAnAbort()
     QCOMPARE(phase.transfer.run(), QString("-50"));
     QVERIFY(bus.finished());
     QVERIFY(bus.milliseconds() >= milliseconds);
-    QVERIFY(bus.milliseconds() <= milliseconds + (milliseconds > 500 ? 20 : 1)); // the exchanges before take steps, too
+    QVERIFY(bus.milliseconds() <=
+            milliseconds + (milliseconds > 500 ? 20 : 1)); // plus the clock steps of earlier exchanges
 }
 
 void TestCopSdoTiming::eachAnswerHasTheWholeTime_data()
@@ -120,7 +121,7 @@ void TestCopSdoTiming::eachAnswerHasTheWholeTime()
     QCOMPARE(bus.milliseconds(), 4 * 450);
 }
 
-// The time runs out while the answer is being read. Only the segmented download looks at it then, but not at its end.
+// The time runs out while the answer is read. Only the segmented download checks it then, but not after its last one.
 void TestCopSdoTiming::goodAnswerAsTheTimeRunsOut()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -139,7 +140,7 @@ void TestCopSdoTiming::goodAnswerAsTheTimeRunsOut()
     QVERIFY(bus.finished());
 }
 
-// Everywhere the answer counts, not the time.
+// The answer decides in every phase, although the time has passed.
 void TestCopSdoTiming::badAnswerAsTheTimeRunsOut()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -160,8 +161,8 @@ void TestCopSdoTiming::badAnswerAsTheTimeRunsOut()
     }
 }
 
-// They count as nothing that has arrived: here the good answer is there already, but not among the 100 messages that
-// were taken together with the other one.
+// They do not lengthen the wait: here the good answer has arrived, but not among the 100 messages that were taken
+// together with the other one.
 void TestCopSdoTiming::answersPassedOverDoNotStopTheTime()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -189,7 +190,7 @@ void TestCopSdoTiming::answersPassedOverDoNotStopTheTime()
     QCOMPARE(bus.milliseconds(), 500);
 }
 
-// The bus is so busy that every drain takes all it may and leaves some.
+// The bus is so busy that each call takes its 100 messages and leaves some.
 void TestCopSdoTiming::otherTrafficDoesNotStopTheTime()
 {
     const tSdoPhase& phase = fetchedPhase();
@@ -202,10 +203,10 @@ void TestCopSdoTiming::otherTrafficDoesNotStopTheTime()
     QCOMPARE(phase.transfer.run(), QString("-50"));
     QVERIFY(bus.finished());
     QVERIFY(bus.waiting() > 1000);
-    QVERIFY(bus.milliseconds() <= 52); // one drain of 100 messages may lie between
+    QVERIFY(bus.milliseconds() <= 52); // plus the time of taking 100 messages
 }
 
-// The time is up from the start. What has arrived already is taken, except by the segmented download.
+// A time-out of 0: an answer that has arrived already is taken, except by the segmented download.
 void TestCopSdoTiming::timeoutOfZeroTakesWhatIsThere()
 {
     for (const tSdoTalk* transfer : { &writeTwoBytes, &readTwoBytes, &readSegments }) {

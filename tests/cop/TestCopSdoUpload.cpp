@@ -1,4 +1,4 @@
-// Tests of the SDO client's uploads: expedited and segmented answers of every form, into room of every size.
+// The SDO client's uploads: expedited and segmented answers of every form, into buffers of every size.
 // SPDX-License-Identifier: MIT
 #include "SdoBus.h"
 
@@ -50,7 +50,7 @@ void TestCopSdoUpload::expeditedAnswerTellsHowManyBytes()
     CSdoBus bus;
     const QByteArray first(1, char(byte));
     bus.talk("40 08 20 01 00 00 00 00", first.toHex() + "08 20 01 11 22 33 44");
-    QCOMPARE(readInto(10), result); // and no byte of zero behind
+    QCOMPARE(readInto(10), result); // no zero byte after the data
     QVERIFY(bus.finished());
 }
 
@@ -109,7 +109,7 @@ void TestCopSdoUpload::segmentsAreJoined()
     QVERIFY(bus.finished());
 }
 
-// Whatever it says about the size.
+// With any size in the answer.
 void TestCopSdoUpload::everySegmentedAnswerStartsTheSegments()
 {
     for (int byte = 0x40; byte <= 0x5F; ++byte) {
@@ -170,7 +170,7 @@ void TestCopSdoUpload::segmentedDataAreCutToTheRoom_data()
     QTest::addColumn<int>("size");
     QTest::addColumn<QString>("result");
     const QByteArray all = sampleBytes(17);
-    for (int size = 0; size <= 17; ++size) // full: no byte of zero
+    for (int size = 0; size <= 17; ++size) // a full buffer: no zero byte
         QTest::addRow("%d bytes", size) << size << (size > 0 ? "0: " + hexText(all.first(size)) : QString("0:"));
     QTest::newRow("18 bytes") << 18 << "0: " + hexText(all) + " | 00";
 }
@@ -269,7 +269,7 @@ void TestCopSdoUpload::controllerHasToBeStarted()
     QCOMPARE(readInto(8), QString("-9"));
     QCOMPARE(can_start(0), 0);
     cop_error = -9;
-    QCOMPARE(ended(-9), QString("-9")); // and the objects are free
+    QCOMPARE(ended(-9), QString("-9")); // the objects are free
     QCOMPARE(cop_exit(), 0);
     QCOMPARE(readInto(8), QString("-95"));
     QCOMPARE(bus.written(), QStringList());

@@ -1,4 +1,4 @@
-// Tests of the SDO client's reads of values: their byte order, and the number of bytes that each has to have.
+// The SDO client's reads of values: their byte order, and the number of bytes that each must have.
 // SPDX-License-Identifier: MIT
 #include "SdoBus.h"
 
@@ -28,15 +28,15 @@ private:
         struct {
             BYTE before[4] = { 0xA5, 0xA5, 0xA5, 0xA5 };
             Value value = untouched;
-            BYTE behind[8] = { 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5 };
+            BYTE after[8] = { 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5, 0xA5 };
         } memory;
         const QString end = ended(read(5, 0x2008, 1, &memory.value));
         for (const BYTE byte : memory.before)
             if (byte != 0xA5)
                 return end + ", bytes before changed";
-        for (const BYTE byte : memory.behind)
+        for (const BYTE byte : memory.after)
             if (byte != 0xA5)
-                return end + ", bytes behind changed";
+                return end + ", bytes after it changed";
         if (end != "0" && memory.value == untouched)
             return end;
         return end + QString::asprintf(": %0*X", int(sizeof memory.value) * 2, unsigned(memory.value));
@@ -96,8 +96,8 @@ void TestCopSdoValues::otherNumbersOfBytesAreRefused_data()
     }
 }
 
-// The data are counted before they are cut to the value's bytes. Nothing is sent: the transfer itself was good. A value
-// of 8 bits has been overwritten by then, with the zero byte when there were no data; wider ones are as they were.
+// All bytes received are counted. No abort is sent, since the transfer itself succeeded. A value of 8 bits has been
+// overwritten by then, with the zero byte when there were no data; wider ones are unchanged.
 void TestCopSdoValues::otherNumbersOfBytesAreRefused()
 {
     QFETCH(int, bits);
@@ -138,7 +138,7 @@ void TestCopSdoValues::failuresAreThoseOfTheTransfer()
     QCOMPARE(readValue(bits), QString("-95"));
 }
 
-// All the data have come, but not the end of the transfer. A value of 8 bits has them already.
+// All data have arrived, but the transfer fails before its end. A value of 8 bits has been overwritten by then.
 void TestCopSdoValues::failureAfterTheData()
 {
     QFETCH(int, bits);
@@ -161,7 +161,7 @@ void TestCopSdoValues::failureAfterTheData()
     QVERIFY(bus.finished());
 }
 
-// 16 and 32 bits look at the pointer first, 8 bits at the node.
+// 16 and 32 bits check the pointer first, 8 bits the node.
 void TestCopSdoValues::nullPointersAndNodes()
 {
     CSdoBus bus;

@@ -1,4 +1,4 @@
-// Encodes any bytes group by group and decodes them again, and decodes any characters; nothing leaves its room.
+// Encodes any bytes group by group and decodes them again, and decodes any characters, within their buffers.
 // The first byte of the input is the room, the rest the data.
 // SPDX-License-Identifier: MIT
 #include "tcp/base64.h"
@@ -16,10 +16,10 @@ static void require(bool condition)
         std::abort();
 }
 
-/// What is encoded comes back, at every length.
+/// Encoded data decode to the same bytes, with every length.
 static void roundTrip(const uint8_t* data, int length)
 {
-    uint8_t group[4] = {}; // the byte behind a group is zero
+    uint8_t group[4] = {}; // the byte after a group is zero
     std::memcpy(group, data, static_cast<size_t>(length));
     char text[4];
     require(base64_encode(group, length, text, 4) == length + 1);
@@ -28,7 +28,7 @@ static void roundTrip(const uint8_t* data, int length)
     require(std::memcmp(again, data, static_cast<size_t>(length)) == 0);
 }
 
-/// Any group, with buffers of exactly the room for the sanitizer.
+/// Any group, with buffers of the exact size, so that the address sanitizer finds overruns.
 static void anyGroup(const uint8_t* data, int length, int room)
 {
     char text[5] = {};

@@ -1,4 +1,4 @@
-// Loads any bytes as a data sheet and looks at everything that was created from them.
+// Loads any bytes as a data sheet and reads everything that was created from them.
 // SPDX-License-Identifier: MIT
 #include "MemoryFile.h"
 
@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CCANopen dictionary;
     const int result = CCANopenReader(&dictionary, CCANopen::typeEDS).load(file.name());
     require(result == 0 || result == 1);
-    // Looking each index up from the start is quadratic; a handful of objects shows the same.
+    // Searching for each index is quadratic in the number of objects: a few are enough.
     if (size < 4096)
         inspect(dictionary);
     return 0;

@@ -1,4 +1,4 @@
-// Feeds any bytes to the tokenizer and checks what holds for every item that it delivers.
+// Gives any bytes to the tokenizer and checks what must hold for every item that it returns.
 // SPDX-License-Identifier: MIT
 #include "MemoryFile.h"
 

@@ -1,4 +1,4 @@
-// Feeds any line to every evaluator of gateway answers, with out buffers of every size, and checks what always holds.
+// Gives any line to every evaluator of gateway answers, with buffers of every size, and checks what must always hold.
 // The first byte of the input is the buffer size, the rest the line.
 // SPDX-License-Identifier: MIT
 #include "tcp/tcp_eval.h"
@@ -14,7 +14,7 @@ static void require(bool condition)
         std::abort();
 }
 
-/// An abort comes with its code; only the error number -604 reads as the same result and has none.
+/// An abort has its code; only the error number -604 gives the same result without one.
 static void check(const char* line, int32_t result, uint32_t abort)
 {
     const bool aborted = abort >= 0x05000000 && abort <= 0x7FFFFFFF;
@@ -37,7 +37,8 @@ template <typename Character>
 static void evalText(int32_t (*evaluate)(const char*, short*, Character*, short, uint32_t*), const char* line,
                      short size)
 {
-    const std::unique_ptr<Character[]> buffer(new Character[static_cast<size_t>(size)]()); // exact, for the sanitizer
+    const std::unique_ptr<Character[]> buffer(
+        new Character[static_cast<size_t>(size)]()); // of the exact size, so that overruns are found
     short length = 0;
     uint32_t abort = 0;
     const int32_t result = evaluate(line, &length, buffer.get(), size, &abort);

@@ -1,4 +1,4 @@
-// Bytes as a file with a name, without a disk: what a fuzzer hands to code that opens files.
+// Bytes in memory as a file with a name, for code that opens files.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -1,4 +1,4 @@
-// Runs a fuzzer's entry point once for each file of the folders named on the command line: the seeds as a test.
+// Runs a fuzzer's entry point once for each file in the folders given on the command line.
 // SPDX-License-Identifier: MIT
 #include <cstdint>
 #include <cstdio>
@@ -17,7 +17,7 @@ static void replay(const std::filesystem::path& path)
     const std::string bytes(std::istreambuf_iterator<char>(file), {});
     std::printf("%s, %zu bytes\n", path.c_str(), bytes.size());
     std::fflush(stdout);
-    // A copy of exactly this size on the heap, so that a read behind its end is seen.
+    // A copy of exactly this size on the heap, so that the address sanitizer finds reads after its end.
     const std::vector<uint8_t> copy(bytes.begin(), bytes.end());
     LLVMFuzzerTestOneInput(copy.data(), copy.size());
 }

@@ -1,4 +1,4 @@
-// All evaluators behind one call, as rows: what they do with the same line can then be tested side by side.
+// All evaluators as rows of one table, so that the same line can be given to each of them.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -8,7 +8,7 @@
 
 #include <QByteArray>
 
-/// The client is connected while an object lives; leaving the scope disconnects it.
+/// The client is connected while an object exists.
 class CGatewaySession : public CFakeGateway
 {
 public:
@@ -18,7 +18,7 @@ public:
     CGatewaySession& operator=(const CGatewaySession&) = delete;
 
     bool connected() const { return m_result == 0; }
-    /// All bytes that the client ever sent; disconnects it.
+    /// All bytes that the client has sent; disconnects it.
     QByteArray allReceived()
     {
         top_exit();
@@ -29,7 +29,7 @@ private:
     int32_t m_result;
 };
 
-/// What a command awaits from the gateway.
+/// The kind of answer that a command expects.
 enum tAwaited { awaitsOK, awaitsWritten, awaitsNumber, awaitsDomain, awaitsText, awaitsMessage, awaitsNothing };
 
 struct tCommand {

@@ -163,7 +163,7 @@ void TestBase64::decodesOneGroup_data()
         QTest::addRow("%s, %d characters, room %d", row.text, row.length, row.room)
             << QByteArray(row.text) << row.length << row.room << QByteArray(row.data) << row.result;
 
-    // Bytes that do not count are written all the same.
+    // Bytes that are not counted are written, too.
     QTest::newRow("QUI=, 3 characters, room 3") << QByteArray("QUI=") << 3 << 3 << QByteArray("AB\0~~", 5) << 2;
     QTest::newRow("QQ==, 2 characters, room 2") << QByteArray("QQ==") << 2 << 2 << QByteArray("A\0~~~", 5) << 1;
     QTest::newRow("QQ==, 2 characters, room 3") << QByteArray("QQ==") << 2 << 3 << QByteArray("A\0\0~~", 5) << 1;
@@ -215,7 +215,7 @@ void TestBase64::onlyTheAlphabetCounts()
             decoded(QByteArray("////").replace(place, 1, one), 4, 3, &result);
             QVERIFY2(result == (member ? 3 : 2), qPrintable(QStringLiteral("%1 at %2").arg(value).arg(place)));
         }
-        decoded("///" + one, 4, 3, &result); // the last character of a group is not tested
+        decoded("///" + one, 4, 3, &result); // the last character of a group is not checked
         QCOMPARE(result, 3);
         decoded(one + "===", 1, 1, &result);
         QCOMPARE(result, member ? 1 : 0);
@@ -318,7 +318,8 @@ void TestBase64::charactersBehindTheGroupAreLookedAt()
 
 void TestBase64::nothingBehindATerminatingZeroIsLookedAt()
 {
-    const std::unique_ptr<char[]> text(new char[2]{ 'Q', '\0' }); // exact, for the sanitizer
+    const std::unique_ptr<char[]> text(
+        new char[2]{ 'Q', '\0' }); // of the exact size, so that the address sanitizer finds overruns
     unsigned char data[3] = {};
     QCOMPARE(base64_decode(text.get(), 1, data, 3), 1);
     QCOMPARE(data[0], static_cast<unsigned char>(0x40));

@@ -12,7 +12,7 @@ constexpr int32_t notSent = -793;
 constexpr int32_t noRow = 1;
 constexpr int32_t abortCode = 0x06020000;
 
-/// What an answer means to a command, by what it awaits.
+/// The result of an answer for each kind of command.
 struct tOutcome {
     const char* answer;
     int32_t written, ok, number, domain, text, message;
@@ -39,7 +39,7 @@ struct tOutcome {
     }
 };
 
-// An error number of -604 gives 4, which transfers take for an abort, whose code was never delivered: 0.
+// The error number -604 gives 4, which transfers take for an abort; its code is 0, since none was stored.
 const tOutcome outcomes[] = {
     // answer                       written    ok                 number     domain     text       message
     { "[#] OK\r\n", 0, 0, -70, 0, 0, -30 },
@@ -56,7 +56,7 @@ const tOutcome outcomes[] = {
     { "[#] Error: -604\r\n", 0, 4, 0, 0, 0, 4 },
     { "[#] Error:\r\n", -70, -70, -70, -70, -70, -70 },
 };
-// Without any answer the command itself is evaluated: a read finds its own node-id, an info query the word "info".
+// Without any answer the command itself is evaluated: a read gives the node-id, an info query the word "info".
 const tOutcome noAnswer = { "", -70, -70, 0, 0, 0, -70 };
 
 } // namespace

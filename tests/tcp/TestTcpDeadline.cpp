@@ -1,4 +1,4 @@
-// A line whose bytes never stop is left when its time has passed by the clock.
+// Reading a line whose bytes never stop ends after its time.
 // SPDX-License-Identifier: MIT
 #include "tcp/tcp_open.h"
 
@@ -11,7 +11,7 @@
 namespace
 {
 
-int secondsPerLook = 0; // how far the client's clock moves each time it is looked at
+int secondsPerLook = 0; // by which the client's clock moves each time it is read
 time_t secondsPassed = 0;
 
 } // namespace

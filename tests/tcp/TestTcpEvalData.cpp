@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr char canary = '~';
-constexpr int spare = 8; // bytes behind each buffer that nobody may touch
+constexpr int spare = 8; // bytes after each buffer, which must stay unchanged
 
 struct tResult {
     int32_t status;
@@ -284,7 +284,7 @@ void TestTcpEvalData::canMessageIsRead_data()
 void TestTcpEvalData::canMessageIsRead()
 {
     QFETCH(QByteArray, text);
-    QFETCH(int, id); // -1: not looked at
+    QFETCH(int, id); // -1: not compared
     QFETCH(int, length);
     QFETCH(QByteArray, data);
     uint16_t readId = 77;
@@ -374,7 +374,7 @@ void TestTcpEvalData::rtrMessageNeedsDataUnlessTheLengthIsZero()
     length = 0;
     QCOMPARE(tcp_eval_rtr_message("[3] 1 5", &length, data), 0);
     QCOMPARE(length, short(1));
-    length = 0; // a gateway that sends more than was asked for has nowhere to write
+    length = 0; // more bytes than the length allows are not stored
     QVERIFY(tcp_eval_rtr_message("[3] 2 1 2", &length, nullptr) <= 0);
 }
 

@@ -10,7 +10,7 @@ namespace
 
 struct tNumber {
     const char* text;
-    qint64 value; // of what is stored, also when the number is refused
+    qint64 value; // stored, also when the number is refused
     bool fits = true;
 };
 

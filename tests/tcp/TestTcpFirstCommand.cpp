@@ -1,4 +1,4 @@
-// Test of the sequence number after the start of a process; alone in its program, since the number never restarts.
+// The sequence number after the start of a process; in a program of its own, since the number is never reset.
 // SPDX-License-Identifier: MIT
 #include "GatewaySession.h"
 
@@ -14,7 +14,7 @@ private Q_SLOTS:
 
 void TestTcpFirstCommand::firstCommandCarriesNumberOneAndEachLaterTheNext()
 {
-    for (const int first : { 1, 3 }) { // over a new connection, too
+    for (const int first : { 1, 3 }) { // goes on over a new connection
         CGatewaySession gateway;
         gateway.answerWith([](const std::string&) { return "[#] OK\r\n"; });
         QCOMPARE(top_start_remote_node(5), 0);
@@ -24,7 +24,7 @@ void TestTcpFirstCommand::firstCommandCarriesNumberOneAndEachLaterTheNext()
             gateway.allReceived(),
             QByteArray(lines).replace("%1", QByteArray::number(first)).replace("%2", QByteArray::number(first + 1)));
     }
-    // Not a single number is lost or repeated by what goes wrong: not connected, refused arguments, and over 9.
+    // Failures neither lose nor repeat a number: not connected, refused arguments; the same beyond 9.
     QCOMPARE(top_start_remote_node(5), -793); // 5
     QCOMPARE(top_transmit(0x181, 1, nullptr), int32_t(ERR_NULL_POINTER));
     QCOMPARE(top_queue_clear(), int32_t(ERR_NOT_SUPPORTED));

@@ -1,4 +1,4 @@
-// Tests of how the gateway client awaits its response line: time-outs, hang-ups, foreign, long and broken lines.
+// How the gateway client waits for its response line: time-outs, closed connections, other, long and broken lines.
 // SPDX-License-Identifier: MIT
 #include "GatewaySession.h"
 #include "SystemCalls.h"
@@ -155,7 +155,7 @@ void TestTcpLines::longLineIsCutAt1023Characters()
     QByteArray text(2000, '~');
     QCOMPARE(top_hardware(text.data(), 2000), 0);
     QCOMPARE(QByteArray(text.constData()), line.left(1023).mid(line.indexOf(' ') + 1));
-    gateway.answerWith([](const std::string&) { return "[#] OK\r\n"; }); // nothing of it is left over
+    gateway.answerWith([](const std::string&) { return "[#] OK\r\n"; }); // nothing of the long line is left
     QCOMPARE(top_start_remote_node(5), 0);
 }
 
@@ -251,7 +251,7 @@ void TestTcpLines::oneTimeOutOf66SecondsBoundsTheWholeLine()
     calls.select = [&](int sockets, fd_set* read, fd_set* write, fd_set* except, timeval* timeout) {
         given.push_back({ timeout->tv_sec, timeout->tv_usec });
         const int result = __real_select(sockets, read, write, except, timeout);
-        *timeout = { 50 - static_cast<long>(given.size()), 123 }; // what remains, as the system writes it back
+        *timeout = { 50 - static_cast<long>(given.size()), 123 }; // the remaining time, as the system stores it
         return result;
     };
     QCOMPARE(top_start_remote_node(5), 0);
@@ -322,25 +322,25 @@ void TestTcpLines::failedReceiveStoresTheLastByteAgain_data()
     QTest::addColumn<char>("failAfter");
     QTest::addColumn<int>("result");
     QTest::addColumn<int>("value");
-    QTest::newRow("behind the bracket") << '[' << 0 << 4; // "[[" is another line; see below
-    QTest::newRow("behind the end of the number") << ']' << int(ERR_FORMAT) << 77;
-    QTest::newRow("behind a blank") << ' ' << 0 << 42;
+    QTest::newRow("after the bracket") << '[' << 0 << 4; // "[[" is another line; see below
+    QTest::newRow("after the end of the number") << ']' << int(ERR_FORMAT) << 77;
+    QTest::newRow("after a blank") << ' ' << 0 << 42;
     QTest::newRow("within the value") << '4' << int(ERR_FORMAT) << 442 % 256;
-    QTest::newRow("behind the value") << '2' << int(ERR_FORMAT) << 422 % 256;
-    QTest::newRow("behind the carriage return") << '\r' << 0 << 42;
+    QTest::newRow("after the value") << '2' << int(ERR_FORMAT) << 422 % 256;
+    QTest::newRow("after the carriage return") << '\r' << 0 << 42;
 }
 
 void TestTcpLines::failedReceiveStoresTheLastByteAgain()
 {
     QFETCH(char, failAfter);
     CGatewaySession gateway;
-    // The second line counts where the failure makes another line of the first.
+    // The second line is the answer when the failure has changed the first one.
     gateway.expect("[#] 5 read 0x1017 0x0 u8\r\n", failAfter == '[' ? "[#] 42\r\n[#] 4\r\n" : "[#] 42\r\n");
     CSystemCalls calls;
     QByteArray received;
     bool failed = false;
     calls.recv = [&](int socket, void* data, size_t length, int flags) {
-        // Sequence numbers hold digits, too: those count only behind the blank.
+        // Only digits after the blank: sequence numbers have digits, too.
         const bool there =
             received.endsWith(failAfter) && (received.contains(' ') || failAfter == '[' || failAfter == ']');
         if (there && !std::exchange(failed, true))
@@ -362,7 +362,7 @@ void TestTcpLines::receiveThatKeepsFailingEndsWithTheTimeOut()
     int waits = 0;
     calls.recv = [](auto...) { return ssize_t(-1); };
     calls.select = [&](int, fd_set*, fd_set*, fd_set*,
-                       timeval* timeout) { // a second for each answer, as if it were slow
+                       timeval* timeout) { // takes a second for each answer
         timeout->tv_sec = std::max(timeout->tv_sec - 1, 0L);
         return ++waits < 1000 ? 1 : 0;
     };

@@ -1,4 +1,4 @@
-// Tests of connecting to and leaving a gateway, and of what a gateway does not support.
+// Connecting to a gateway, disconnecting, and what a gateway does not support.
 // SPDX-License-Identifier: MIT
 #include "GatewaySession.h"
 #include "SystemCalls.h"
@@ -17,13 +17,13 @@ namespace
 constexpr int32_t notConnected = -20000;
 constexpr int32_t notSent = -793;
 
-/// The open sockets of this process; those of the gateway belong to it, too.
+/// The open sockets of this process, including those of the fake gateway.
 int openSockets()
 {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code gone;
-        count += std::filesystem::read_symlink(entry, gone).string().starts_with("socket:");
+        std::error_code closed;
+        count += std::filesystem::read_symlink(entry, closed).string().starts_with("socket:");
     }
     return count;
 }
@@ -219,7 +219,7 @@ void TestTcpOpen::noSocketLeaksOverManyConnections()
         QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
         QCOMPARE(top_exit(), 0);
     }
-    QVERIFY(gateway.awaitClosed()); // now the gateway has closed its ends, too
+    QVERIFY(gateway.awaitClosed()); // now the gateway has closed its sockets, too
     QCOMPARE(openSockets(), before);
 }
 
@@ -293,7 +293,7 @@ void TestTcpOpen::unsupportedFunctionsLeaveTheirArguments()
     QCOMPARE(one, BYTE(11));
     QCOMPARE(two, BYTE(22));
     QCOMPARE(gateway.allReceived(), QByteArray());
-    QCOMPARE(top_queue_clear(), int32_t(ERR_NOT_SUPPORTED)); // not connected, too
+    QCOMPARE(top_queue_clear(), int32_t(ERR_NOT_SUPPORTED)); // also while not connected
 }
 
 void TestTcpOpen::unsupportedFunctionsTakeNullPointers()
