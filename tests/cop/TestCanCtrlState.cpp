@@ -18,13 +18,15 @@ private Q_SLOTS:
     void nothingIsOpenAtFirst() // has to run first
     {
         CFakeBus bus;
+        const int descriptors = CFakeBus::descriptorsOfProcess();
         QCOMPARE(can_state.byte, 0x80);
         QCOMPARE(can_hardware(), "interface=\"\", family=29, type=3, protocol=1");
         QCOMPARE(can_queue_empty(), 1);
         QCOMPARE(can_queue_status(), 0);
         QCOMPARE(can_start(0), -95);
         QCOMPARE(can_exit(), 0);
-        QCOMPARE(bus.calls(), QStringList()); // there is no socket to close
+        QCOMPARE(bus.calls(), QStringList());
+        QCOMPARE(CFakeBus::descriptorsOfProcess(), descriptors); // there is no socket to close
     }
 
     void stateBitsHaveTheirPlaces()
