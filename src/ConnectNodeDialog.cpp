@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "ConnectNodeDialog.h"
 
+#include "base/NodeId.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
 
@@ -19,7 +20,6 @@ constexpr char identity[] = "$Id: ConnectNodeDialog.cpp 61 2009-11-09 $";
 
 constexpr QSize smallestSize(500, 310);
 constexpr int firstNodeId = 1;
-constexpr int lastNodeId = 127;
 
 constexpr tFieldText listText = { "node-id list box", "", "Select a node-id.",
                                   "Select the node-id. for the device to connect." };
@@ -42,7 +42,7 @@ CConnectNodeDialog::CConnectNodeDialog(QWidget* parent, const char* name) : QDia
     // Kept: selecting an item leaves the spin box alone, and Connect takes the node-id of the spin box. A double click
     // takes that of the item.
     m_nodeIdListBox = new QListWidget(this);
-    for (int nodeId = firstNodeId; nodeId <= lastNodeId; ++nodeId)
+    for (int nodeId = firstNodeId; nodeId <= highestNodeId; ++nodeId)
         m_nodeIdListBox->addItem(QStringLiteral("Node %1").arg(nodeId));
     fieldRow::describe(m_nodeIdListBox, listText);
     connect(m_nodeIdListBox, &QListWidget::itemDoubleClicked, this, &CConnectNodeDialog::doubleClicked);
@@ -64,7 +64,7 @@ CConnectNodeDialog::CConnectNodeDialog(QWidget* parent, const char* name) : QDia
 QLayout* CConnectNodeDialog::createNodeIdRow()
 {
     m_nodeIdSpinBox = new QSpinBox(this);
-    m_nodeIdSpinBox->setRange(firstNodeId, lastNodeId);
+    m_nodeIdSpinBox->setRange(firstNodeId, highestNodeId);
     fieldRow::describe(m_nodeIdSpinBox, spinText);
 
     auto* range = new QLabel(QStringLiteral("(1,..,127)"), this);
@@ -111,7 +111,7 @@ void CConnectNodeDialog::doubleClicked(QListWidgetItem* item)
 void CConnectNodeDialog::acceptConnect()
 {
     const int nodeId = m_nodeIdSpinBox->value();
-    if (nodeId < firstNodeId || nodeId > lastNodeId)
+    if (nodeId < firstNodeId || nodeId > highestNodeId)
         return messageBox::warning(this, messageBox::titleOf("Connect a Node"),
                                    QStringLiteral("Invalid node-id. given!\n\nPlease retry."));
     m_connectFlag = true;

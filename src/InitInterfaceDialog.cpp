@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "InitInterfaceDialog.h"
 
+#include "base/NodeId.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
@@ -21,7 +22,6 @@ namespace
 constexpr char identity[] = "$Id: InitInterfaceDialog.cpp 61 2009-11-09 $";
 
 constexpr QSize smallestSize(330, 170);
-constexpr int largestMasterId = 127;
 constexpr int initialBaudrate = 3; // 250 kbit/s
 
 constexpr tFieldText interfaceText = {
@@ -95,7 +95,7 @@ void CInitInterfaceDialog::createFields(QGridLayout* grid)
 
     m_baudrateComboBox = new QComboBox(this);
     m_masterIdSpinBox = new QSpinBox(this);
-    m_masterIdSpinBox->setRange(0, largestMasterId);
+    m_masterIdSpinBox->setRange(0, highestNodeId);
     const tRowLabels baudrate = addRow(grid, m_baudrateComboBox, baudrateText, "Kbps (CiA Bit-timing)");
     const tRowLabels masterId = addRow(grid, m_masterIdSpinBox, masterIdText, "for CANopen Master");
     grid->setColumnStretch(1, 1);

@@ -160,11 +160,11 @@ short can_reset()
 {
     if (init == 0)
         return ERR_NOT_INITIALIZED;
-    // Kept: index 1 has no bit timing; can_start refuses it, too.
-    if (can_state.b.can_stopped == 0 && can_baudrate == 1)
-        return ERR_BAUDRATE;
-    can_state.b.can_stopped = 1;
-    return ERR_NO_ERROR;
+    // Never refused: can_start does not run at index 1, which has no bit timing.
+    const bool refused = can_state.b.can_stopped == 0 && can_baudrate == 1;
+    if (!refused)
+        can_state.b.can_stopped = 1;
+    return refused ? ERR_BAUDRATE : ERR_NO_ERROR;
 }
 
 short can_status(BYTE*)
