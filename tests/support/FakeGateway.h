@@ -26,49 +26,22 @@ public:
     unsigned short port() const { return m_server.port(); }
 
     /// Adds a step: `command` may hold several lines, or none, and "[#]" for its sequence number.
-    void expect(std::string command, tGatewayAnswer answer)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_script.push_back({ std::move(command), std::move(answer) });
-    }
+    void expect(std::string command, tGatewayAnswer answer);
     /// From now on, answers each line with what the function returns; the script is not played.
-    void answerWith(tAnswerer answerer)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_answerer = std::move(answerer);
-    }
+    void answerWith(tAnswerer answerer);
     /// From now on, connecting is refused.
     bool refuse() { return m_server.refuse(); }
     /// Waits until every client has left; all that they sent is then in `received()`.
     bool awaitClosed() { return m_server.awaitClosed(); }
 
     /// The whole script was played and nothing else came, of all that clients have sent so far.
-    bool finished() const
-    {
-        m_server.settle();
-        const std::lock_guard lock(m_mutex);
-        return m_script.empty() && m_problem.empty();
-    }
+    bool finished() const;
     /// What differed first: the bytes awaited and those that came.
-    std::string problem() const
-    {
-        m_server.settle();
-        const std::lock_guard lock(m_mutex);
-        return m_problem.empty() && !m_script.empty() ? "never came: " + m_script.front().command : m_problem;
-    }
+    std::string problem() const;
     /// All bytes that clients have sent so far.
-    std::string received() const
-    {
-        m_server.settle();
-        const std::lock_guard lock(m_mutex);
-        return m_received;
-    }
+    std::string received() const;
     /// The sequence number of the last command that was answered.
-    long lastNumber() const
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_lastNumber;
-    }
+    long lastNumber() const;
 
 private:
     using tConnection = CLoopbackServer::tConnection;
@@ -77,62 +50,12 @@ private:
         tGatewayAnswer answer;
     };
 
-    void serve(tConnection& connection)
-    {
-        std::unique_lock lock(m_mutex);
-        m_received += connection.pending.substr(connection.seen);
-        connection.seen = connection.pending.size();
-        while (connection.socket >= 0 && !connection.pending.empty()) {
-            const auto answer = m_answerer ? nextByLine(connection.pending) : nextByScript(connection.pending);
-            connection.seen = connection.pending.size();
-            if (!answer)
-                return;
-            const long number = m_lastNumber;
-            lock.unlock();
-            give(connection, *answer, number);
-            lock.lock();
-        }
-    }
+    void serve(tConnection& connection);
     /// The answer to the first line of `pending`, which it takes away; nothing while the line is incomplete.
-    std::optional<tGatewayAnswer> nextByLine(std::string& pending)
-    {
-        const std::size_t end = pending.find('\n');
-        if (end == std::string::npos)
-            return std::nullopt;
-        const std::string line = pending.substr(0, end + 1);
-        pending.erase(0, end + 1);
-        m_lastNumber = gatewayText::numberOf(line);
-        return m_answerer(line);
-    }
+    std::optional<tGatewayAnswer> nextByLine(std::string& pending);
     /// The answer of the first step, when `pending` starts with its whole command; a hang-up when it never will.
-    std::optional<tGatewayAnswer> nextByScript(std::string& pending)
-    {
-        const long number = gatewayText::numberOf(pending);
-        const std::string awaited = m_script.empty() ? "" : gatewayText::numbered(m_script.front().command, number);
-        if (awaited.empty() || (!pending.starts_with(awaited) && !awaited.starts_with(pending))) {
-            m_problem += "awaited: " + awaited + " came: " + pending;
-            pending.clear();
-            return tGatewayAnswer("", tGatewayAnswer::hangUp);
-        }
-        if (pending.size() < awaited.size())
-            return std::nullopt;
-        const tGatewayAnswer answer = m_script.front().answer;
-        m_script.pop_front();
-        pending.erase(0, awaited.size());
-        m_lastNumber = number;
-        return answer;
-    }
-    void give(tConnection& connection, const tGatewayAnswer& answer, long number)
-    {
-        if (answer.delay.count() > 0)
-            m_server.delay(answer.delay);
-        const std::string text = gatewayText::numbered(answer.text, number);
-        const std::size_t piece = (answer.how & tGatewayAnswer::byteByByte) != 0 ? 1 : text.size();
-        for (std::size_t place = 0; place < text.size(); place += piece)
-            m_server.send(connection, std::string_view(text).substr(place, piece));
-        if ((answer.how & (tGatewayAnswer::hangUp | tGatewayAnswer::reset)) != 0)
-            m_server.close(connection, (answer.how & tGatewayAnswer::reset) != 0);
-    }
+    std::optional<tGatewayAnswer> nextByScript(std::string& pending);
+    void give(tConnection& connection, const tGatewayAnswer& answer, long number);
 
     mutable std::mutex m_mutex; // of all that follows
     std::deque<tStep> m_script;

@@ -4,9 +4,7 @@
 
 #include "Patience.h"
 
-#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -16,11 +14,8 @@
 #include <string>
 #include <string_view>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include <arpa/inet.h>
-#include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -70,86 +65,29 @@ public:
     /// Called in the server's thread when bytes were added to `pending`; takes what it understands.
     using tHandler = std::function<void(tConnection&)>;
 
-    explicit CLoopbackServer(tHandler handler) : m_handler(std::move(handler))
-    {
-        m_port = bindToLoopback(m_listener);
-        if (::listen(m_listener, SOMAXCONN) != 0)
-            m_port = 0;
-        m_thread = std::thread([this] { run(); });
-    }
-    ~CLoopbackServer()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_ending = true;
-        }
-        m_changed.notify_all();
-        ::eventfd_write(m_wake, 1);
-        m_thread.join();
-        ::close(m_wake);
-    }
+    explicit CLoopbackServer(tHandler handler);
+    ~CLoopbackServer();
     CLoopbackServer(const CLoopbackServer&) = delete;
     CLoopbackServer& operator=(const CLoopbackServer&) = delete;
 
     /// 0 when there was no free port.
     unsigned short port() const { return m_port; }
     /// From the return on, connecting to the port is refused; open connections stay.
-    bool refuse()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_refusing = true;
-            ::eventfd_write(m_wake, 1);
-        }
-        return await([this] { return m_refused != nullptr && m_refused->port() != 0; });
-    }
+    bool refuse();
     /// Returns when the handler has had all that clients sent before the call, and every client that connected or left
     /// is known. Not for the handler.
-    void settle()
-    {
-        std::unique_lock lock(m_mutex);
-        const unsigned long wanted = ++m_settleWanted;
-        ::eventfd_write(m_wake, 1);
-        m_changed.wait_for(lock, std::chrono::milliseconds(patience), [&] { return m_settled >= wanted; });
-    }
+    void settle();
     /// Waits until a client was here and all connections are closed again.
-    bool awaitClosed()
-    {
-        settle();
-        return await([this] { return m_served && m_connections.empty(); });
-    }
+    bool awaitClosed();
 
     // For the handler, in the server's thread:
 
     /// Sends all of `text`; false when the client is gone or the server ends.
-    bool send(const tConnection& connection, std::string_view text)
-    {
-        while (!text.empty()) {
-            pollfd sockets[] = { { m_wake, POLLIN, 0 }, { connection.socket, POLLOUT, 0 } };
-            ::poll(sockets, 2, -1);
-            if (m_ending)
-                return false;
-            const auto sent = ::send(connection.socket, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-            if (sent < 0 && errno != EAGAIN)
-                return false;
-            text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(sent, 0)));
-        }
-        return true;
-    }
+    bool send(const tConnection& connection, std::string_view text);
     /// Waits; shorter when the server ends.
-    void delay(std::chrono::milliseconds duration)
-    {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, duration, [this] { return m_ending.load(); });
-    }
+    void delay(std::chrono::milliseconds duration);
     /// Closes in order, or with a reset when `abruptly`.
-    void close(tConnection& connection, bool abruptly = false)
-    {
-        const linger discard = { 1, 0 };
-        if (abruptly)
-            ::setsockopt(connection.socket, SOL_SOCKET, SO_LINGER, &discard, sizeof discard);
-        ::close(std::exchange(connection.socket, -1));
-    }
+    void close(tConnection& connection, bool abruptly = false);
 
 private:
     template <typename Condition>
@@ -158,61 +96,12 @@ private:
         std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, std::chrono::milliseconds(patience), condition);
     }
-    void run()
-    {
-        while (!m_ending) {
-            const unsigned long asked = settleWanted();
-            std::vector<pollfd> sockets = { { m_wake, POLLIN, 0 }, { m_listener, POLLIN, 0 } };
-            for (const tConnection& connection : m_connections)
-                sockets.push_back({ connection.socket, POLLIN, 0 });
-            ::poll(sockets.data(), sockets.size(), -1);
-            auto ready = sockets.cbegin() + 2;
-            for (tConnection& connection : m_connections)
-                if ((ready++)->revents != 0)
-                    receive(connection);
-            const bool quiet =
-                std::all_of(sockets.cbegin() + 1, sockets.cend(), [](const pollfd& each) { return each.revents == 0; });
-            update(quiet, asked);
-        }
-        for (tConnection& connection : m_connections)
-            ::close(connection.socket);
-        ::close(m_listener);
-    }
-    void receive(tConnection& connection)
-    {
-        char data[65536];
-        const auto length = ::recv(connection.socket, data, sizeof data, 0);
-        if (length <= 0)
-            return close(connection);
-        connection.pending.append(data, static_cast<std::size_t>(length));
-        m_handler(connection);
-    }
-    unsigned long settleWanted()
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_settleWanted;
-    }
+    void run();
+    void receive(tConnection& connection);
+    unsigned long settleWanted();
     /// Takes the clients that wait and forgets those that left. `quiet`: no socket had anything when they were looked at;
     /// `calls`: how often `settle` had been called before.
-    void update(bool quiet, unsigned long calls)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_connections.remove_if([](const tConnection& connection) { return connection.socket < 0; });
-        for (int client = 0; m_listener >= 0 && (client = ::accept(m_listener, nullptr, nullptr)) >= 0;) {
-            m_connections.push_back({ client, {}, 0 });
-            m_served = true;
-        }
-        if (m_refusing && m_listener >= 0) {
-            ::close(std::exchange(m_listener, -1));
-            m_refused = std::make_unique<CRefusingPort>(m_port);
-        }
-        if (quiet)
-            m_settled = calls;
-        eventfd_t woken = 0;
-        if (m_settled == m_settleWanted && !m_ending)
-            ::eventfd_read(m_wake, &woken); // else the next look at the sockets is at once
-        m_changed.notify_all();
-    }
+    void update(bool quiet, unsigned long calls);
 
     tHandler m_handler;
     int m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);

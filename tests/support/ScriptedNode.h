@@ -4,6 +4,8 @@
 
 #include "RawCan.h"
 
+#include <QDeadlineTimer>
+
 #include <atomic>
 #include <deque>
 #include <functional>

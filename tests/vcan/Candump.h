@@ -4,6 +4,7 @@
 
 #include "RawCan.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
