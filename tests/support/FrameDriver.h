@@ -24,41 +24,17 @@
 class CFrameDriver
 {
 public:
-    CFrameDriver()
-    {
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-        // A text would go by itself after its time, which a busy machine may need to look at it.
-        QObject::connect(frame.statusBar(), &QStatusBar::messageChanged, &frame, [this] { keepStatus(); });
-        keepStatus();
-        frame.setWindowTitle("CANopen Object Browser - Version 0.2 Build 61");
-        frame.show();
-        activate();
-        putPointerAside();
-    }
+    CFrameDriver();
     /// Makes the frame the active window, as the window manager does when a dialog ends.
-    void activate()
-    {
-        frame.activateWindow();
-        if (!QTest::qWaitFor([&] { return QApplication::activeWindow() == &frame; }, patience))
-            qFatal("the frame does not become active");
-    }
+    void activate();
     /// Puts the pointer beside the frame, where it causes no status tips. A menu remembers where the pointer was when it
     /// opened, and Qt 6.8 closes it, choosing nothing, when it is pressed in that place; before the pointer has been
     /// anywhere, every place counts as that.
-    void putPointerAside() const
-    {
-        QCursor::setPos(frame.frameGeometry().topLeft() - QPoint(100, 100));
-        QCoreApplication::processEvents();
-    }
+    void putPointerAside() const;
 
     QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }
     QMdiArea* workspace() const { return frame.findChild<QMdiArea*>(); }
-    QMdiSubWindow* subWindow(int position) const
-    {
-        if (position >= documentCount())
-            qFatal("no document at position %d", position);
-        return workspace()->subWindowList().at(position);
-    }
+    QMdiSubWindow* subWindow(int position) const;
     CMDIWindow* document(int position) const { return qobject_cast<CMDIWindow*>(subWindow(position)->widget()); }
     qsizetype documentCount() const { return workspace()->subWindowList().size(); }
 
@@ -67,103 +43,35 @@ public:
     int statusTime() const { return m_statusTime; }
 
     /// The menu of that title, in the menu bar.
-    QMenu* menu(const QString& title) const
-    {
-        for (const QAction* item : frame.menuBar()->actions())
-            if (item->text() == title)
-                return item->menu();
-        qFatal("no menu \"%s\"", qPrintable(title));
-    }
+    QMenu* menu(const QString& title) const;
     /// Opens it by a click.
-    QMenu* openMenu(const QString& title)
-    {
-        QMenu* opened = menu(title);
-        QTest::mouseClick(frame.menuBar(), Qt::LeftButton, {},
-                          frame.menuBar()->actionGeometry(opened->menuAction()).center());
-        return opened;
-    }
+    QMenu* openMenu(const QString& title);
     void closeMenu() { QTest::keyClick(&frame, Qt::Key_Escape); }
     /// Opens it and closes it again: its items are then up to date.
-    QMenu* seeMenu(const QString& title)
-    {
-        QMenu* seen = openMenu(title);
-        seen->close();
-        return seen;
-    }
+    QMenu* seeMenu(const QString& title);
     /// Opens the File menu and in it the one of the recently used files, by keys.
-    QMenu* openRecentMenu()
-    {
-        QMenu* fileMenu = openMenu("&File");
-        QMenu* recentMenu = fileMenu->actions().at(1)->menu();
-        QTest::keyClick(fileMenu, Qt::Key_Down);
-        QTest::keyClick(fileMenu, Qt::Key_Down);
-        QTest::keyClick(fileMenu, Qt::Key_Right);
-        return recentMenu;
-    }
-    QMenu* seeRecentMenu()
-    {
-        QMenu* seen = openRecentMenu();
-        seen->close();
-        menu("&File")->close();
-        return seen;
-    }
+    QMenu* openRecentMenu();
+    QMenu* seeRecentMenu();
     /// Chooses the item at that position of an open menu by a click.
-    static void clickItem(QMenu* opened, int position)
-    {
-        QTest::mouseClick(opened, Qt::LeftButton, {}, opened->actionGeometry(opened->actions().at(position)).center());
-    }
+    static void clickItem(QMenu* opened, int position);
     /// Chooses the item with that text from a menu of the menu bar.
-    void choose(const QString& title, const QString& text)
-    {
-        QMenu* opened = openMenu(title);
-        clickItem(opened, static_cast<int>(textsOf(opened).indexOf(text)));
-    }
+    void choose(const QString& title, const QString& text);
     /// The texts of a menu's or tool bar's items; a separator is "—".
-    static QStringList textsOf(const QWidget* bar)
-    {
-        QStringList texts;
-        for (const QAction* item : bar->actions())
-            texts << (item->isSeparator() ? QString::fromUtf8("—") : item->text());
-        return texts;
-    }
+    static QStringList textsOf(const QWidget* bar);
 
     /// Initialises the interface by the menu and the dialog.
-    void initialize(const QString& text)
-    {
-        const CWhenShown<CInitInterfaceDialog> dialog([&](auto* shown) { inDialog::enterInterface(shown, text); });
-        choose("&Interface", "&Initialize...");
-        activate();
-    }
+    void initialize(const QString& text);
     void initializeGateway(unsigned port) { initialize("127.0.0.1:" + QString::number(port)); }
     /// Opens a file by Ctrl+O and the file dialog; connects it when there is an interface.
-    void open(const QString& name, int nodeId = 0)
-    {
-        const CWhenShown<QFileDialog> files([&](auto* shown) { inDialog::chooseFile(shown, name); });
-        const CWhenShown<CConnectNodeDialog> node([&](auto* shown) { inDialog::chooseNode(shown, nodeId); });
-        press(Qt::Key_O);
-        activate();
-    }
+    void open(const QString& name, int nodeId = 0);
     /// Presses a key, with Ctrl unless told otherwise, in the widget of the frame that has the focus.
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
-    {
-        activate();
-        QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus != nullptr ? focus : &frame, key, modifiers);
-    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier);
 
     CMainFrame frame;
 
 private:
     /// Notes the time of the status text and stops it.
-    void keepStatus()
-    {
-        m_statusTime = 0;
-        for (auto* timer : frame.statusBar()->findChildren<QTimer*>())
-            if (timer->isActive()) {
-                m_statusTime = timer->interval();
-                timer->stop();
-            }
-    }
+    void keepStatus();
 
     int m_statusTime = 0;
 };

@@ -18,54 +18,20 @@
 namespace inDialog
 {
 
-inline void clickButton(QWidget* dialog, const QString& text)
-{
-    for (auto* button : dialog->findChildren<QPushButton*>())
-        if (button->text() == text)
-            return QTest::mouseClick(button, Qt::LeftButton);
-}
+void clickButton(QWidget* dialog, const QString& text);
 
 /// Types any characters; QTest knows the keys of ASCII only.
-inline void typeText(QWidget* widget, const QString& text)
-{
-    for (const QChar character : text) {
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, character);
-        QCoreApplication::sendEvent(widget, &press);
-    }
-}
+void typeText(QWidget* widget, const QString& text);
 
 /// Types the interface and clicks OK.
-inline void enterInterface(CInitInterfaceDialog* dialog, const QString& text)
-{
-    for (auto* box : dialog->findChildren<QComboBox*>())
-        if (box->isEditable()) {
-            box->lineEdit()->selectAll();
-            QTest::keyClick(box->lineEdit(), Qt::Key_Delete);
-            typeText(box->lineEdit(), text);
-        }
-    clickButton(dialog, "&OK");
-}
+void enterInterface(CInitInterfaceDialog* dialog, const QString& text);
 
 /// Connects to the node, or stays off-line with node 0.
-inline void chooseNode(CConnectNodeDialog* dialog, int nodeId)
-{
-    if (nodeId == 0)
-        return clickButton(dialog, "&Offline");
-    auto* box = dialog->findChild<QSpinBox*>();
-    box->selectAll();
-    QTest::keyClicks(box, QString::number(nodeId));
-    clickButton(dialog, "&Connect");
-}
+void chooseNode(CConnectNodeDialog* dialog, int nodeId);
 
-inline void chooseFile(QFileDialog* dialog, const QString& name)
-{
-    dialog->findChild<QLineEdit*>("fileNameEdit")->setText(name);
-    dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->click();
-}
+void chooseFile(QFileDialog* dialog, const QString& name);
 
-inline void cancel(QDialog* dialog)
-{
-    QTest::keyClick(dialog, Qt::Key_Escape);
-}
+/// Presses Esc.
+void cancel(QDialog* dialog);
 
 } // namespace inDialog

@@ -1,4 +1,4 @@
-// A data sheet with the text that a test gives, in a folder of its own.
+// Data sheets of a test: files with the text that it gives.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
+/// A file in a folder of its own.
 class CSheetFile
 {
 public:
@@ -24,3 +25,12 @@ private:
     QTemporaryDir m_folder;
     QString m_name;
 };
+
+/// The text of a sheet with one variable, named "Value" unless told otherwise. `more` are further lines of its section.
+inline QByteArray sheetOf(int index, int type, const QByteArray& access = "rw", const QByteArray& name = "Value",
+                          const QByteArray& more = "")
+{
+    const QByteArray place = QByteArray::number(index, 16);
+    return "[ManufacturerObjects]\n1=0x" + place + "\n[" + place + "]\nParameterName=" + name +
+           "\nObjectType=7\nDataType=" + QByteArray::number(type) + "\nAccessType=" + access + "\n" + more;
+}

@@ -149,18 +149,18 @@ void TestProgramOnVcan::opensTheSampleSheetConnectedToNode5()
 {
     m_driver->open(m_sheet, 5);
     QCOMPARE(m_driver->statusText(), "File " + m_sheet + " loaded and connected to node #5");
-    QVERIFY(document().item("CANopen: Node #5") != nullptr);
+    QCOMPARE(document().root()->text(0), QString("CANopen: Node #5"));
     QCOMPARE(frames(), QStringList());
 }
 
 void TestProgramOnVcan::selectingAnEntryReadsItInTheseFrames()
 {
-    document().select("1000: Device type");
+    document().press("1000: Device type");
     QCOMPARE(document().value(), QString("0x000F0191"));
     QCOMPARE(m_driver->statusText(), QString("Parameter 'Device type' successfully read from node #5"));
     QCOMPARE(frames(), QStringList({ "605#4000100000000000", "585#4300100091010F00" }));
 
-    document().select("1009: Manufacturer hardware version");
+    document().press("1009: Manufacturer hardware version");
     QCOMPARE(document().value(), QString("HW 1.2"));
     QCOMPARE(frames(), QStringList({ "605#4009100000000000", "585#4109100006000000", "605#6000000000000000",
                                      "585#03485720312E3200" }));
@@ -169,12 +169,11 @@ void TestProgramOnVcan::selectingAnEntryReadsItInTheseFrames()
 
 void TestProgramOnVcan::readsInThreeDisplayModes()
 {
-    document().select("1017: Producer heartbeat time");
+    document().press("1017: Producer heartbeat time");
     QCOMPARE(document().value(), QString("0x03E8"));
-    for (const auto& [button, text] :
-         { std::pair("oct radio button", "001750"), std::pair("hex radio button", "0x03E8"),
-           std::pair("dec radio button", "1000") }) {
-        document().click(button);
+    for (const auto& [mode, text] :
+         { std::pair("oct", "001750"), std::pair("hex", "0x03E8"), std::pair("dec", "1000") }) {
+        document().choose(mode);
         document().read();
         QCOMPARE(document().value(), QString(text));
         QCOMPARE(frames().last(), QString("585#4B171000E8030000"));
@@ -191,7 +190,7 @@ void TestProgramOnVcan::sendsInTheseFramesAndReadsBack()
     QCOMPARE(frames(), QStringList({ "605#2B171000F4010000", "585#6017100000000000", "605#4017100000000000",
                                      "585#4B171000F4010000" }));
 
-    document().select("2008: Location");
+    document().press("2008: Location");
     m_bus->forget();
     document().send("Hall 4, \"north\"");
     QVERIFY(document().value().isEmpty());
@@ -205,13 +204,11 @@ void TestProgramOnVcan::sendsInTheseFramesAndReadsBack()
 
 void TestProgramOnVcan::browsesTheWholeDictionary()
 {
-    auto* tree = m_driver->document(0)->findChild<QTreeWidget*>();
     int leaves = 0;
-    for (QTreeWidgetItemIterator item(tree); *item != nullptr; ++item)
-        if ((*item)->childCount() == 0) {
-            document().select(*item);
-            ++leaves;
-        }
+    for (QTreeWidgetItemIterator item(document().tree()); *item != nullptr; ++item) {
+        document().press(*item);
+        leaves += (*item)->childCount() == 0 ? 1 : 0;
+    }
     qsizetype readable = 0;
     for (const tDemoEntry& entry : CDemoEntries::all())
         readable += entry.readable() ? 1 : 0;
@@ -236,7 +233,7 @@ void TestProgramOnVcan::showsTheAbortOfTheDevice()
 {
     QFETCH(const QString, value);
     QFETCH(const QString, abort);
-    document().select(QTest::currentDataTag());
+    document().press(QTest::currentDataTag());
     const QString before = document().value();
     document().send(value);
     QCOMPARE(m_catcher->only().title, QString("Velmora - Send parameter"));
@@ -255,7 +252,7 @@ void TestProgramOnVcan::silentNodeShowsItsBox()
     sdo_timeout(usual);
     QElapsedTimer timer;
     timer.start();
-    absent.select("1000: Device type");
+    absent.press("1000: Device type");
     QVERIFY(timer.elapsed() >= usual - 1 && timer.elapsed() < sdoPatience);
     sdo_timeout(sdoPatience);
     QCOMPARE(m_catcher->only().title, readTitle);
@@ -266,8 +263,8 @@ void TestProgramOnVcan::silentNodeShowsItsBox()
     QCOMPARE(frames(), QStringList({ "663#4000100000000000", "663#8000100000000405" }));
     m_driver->press(Qt::Key_W);
     QCOMPARE(m_driver->documentCount(), 1);
-    document().select("1018: Identity object");
-    document().select(" 1: Vendor-ID");
+    document().press("1018: Identity object");
+    document().press(" 1: Vendor-ID");
     QCOMPARE(document().value(), QString("61621"));
 }
 
@@ -276,7 +273,7 @@ void TestProgramOnVcan::readsOnTheGatewayAndBackOnVcan0()
     m_driver->initialize(m_simulator->interface());
     QCOMPARE(m_driver->statusText(), initialized);
     QVERIFY(m_simulator->hasLogged("connected"));
-    document().select("2006: Operating hours alarm");
+    document().press("2006: Operating hours alarm");
     QCOMPARE(document().value(), QString("4294967295"));
     QVERIFY(m_simulator->hasLogged("5 read 0x2006 0x0 u32"));
     document().send("1");
@@ -333,7 +330,7 @@ void TestProgramOnVcan::failedInterfaceLeavesTheDocumentOffline()
     m_catcher->clear();
     m_driver->press(Qt::Key_W);
     m_driver->open(m_sheet, 5);
-    document().select("1000: Device type");
+    document().press("1000: Device type");
     QCOMPARE(document().value(), QString("983441"));
     QCOMPARE(m_catcher->count(), 0);
 }

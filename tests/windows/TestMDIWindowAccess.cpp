@@ -3,8 +3,10 @@
 #include "OnlineDocument.h"
 
 #include "BoxCatcher.h"
+#include "ConnectNodeDialog.h"
 #include "SystemCalls.h"
 #include "TempSettings.h"
+#include "WhenShown.h"
 
 #include <QPointer>
 
@@ -45,32 +47,32 @@ private Q_SLOTS:
     void offlineBothButtonsWarn()
     {
         QFETCH(const QString, selected);
-        CDocumentUser user;
+        CNewDocument document;
         if (!selected.isEmpty()) {
-            QVERIFY(user.open(sheetOf(0x2000, TEntry::typeUnsigned8)));
-            user.press(selected);
+            QVERIFY(document.open(sheetOf(0x2000, TEntry::typeUnsigned8)));
+            document.press(selected);
         }
-        user.forgetStatuses();
-        user.read();
+        document.forgetStatuses();
+        document.read();
         checkWarning(readTitle, offlineText);
-        user.send("5");
+        document.send("5");
         checkWarning(sendTitle, offlineText);
-        QTest::keyClick(user.newValue(), Qt::Key_Return);
+        QTest::keyClick(document.newValue(), Qt::Key_Return);
         checkWarning(sendTitle, offlineText);
-        QCOMPARE(user.statuses(), QStringList());
-        QCOMPARE(user.newValue()->text(), QString("5"));
-        QCOMPARE(user.value(), QString());
+        QCOMPARE(document.statuses(), QStringList());
+        QCOMPARE(document.newValue()->text(), QString("5"));
+        QCOMPARE(document.value(), QString());
     }
 
     void offlineByChoiceBothButtonsWarn()
     {
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(user.open(sheetOf(0x2000, TEntry::typeUnsigned8), &link.access, CDocumentUser::offline));
-        user.press("2000: Value");
-        user.read();
+        CNewDocument document;
+        QVERIFY(document.open(sheetOf(0x2000, TEntry::typeUnsigned8), &link.access, CNewDocument::offline));
+        document.press("2000: Value");
+        document.read();
         checkWarning(readTitle, offlineText);
-        user.send("5");
+        document.send("5");
         checkWarning(sendTitle, offlineText);
         QCOMPARE(link.gateway.received(), std::string());
     }
@@ -256,11 +258,11 @@ private Q_SLOTS:
 
     void anOfflineDocumentHasNoAccessToRelease()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(sheetOf(0x2000, TEntry::typeUnsigned8)));
-        user.window->releaseAccess();
-        user.press("2000: Value");
-        QCOMPARE(user.box("data access"), QString("Data access: N/A"));
+        CNewDocument document;
+        QVERIFY(document.open(sheetOf(0x2000, TEntry::typeUnsigned8)));
+        document.window->releaseAccess();
+        document.press("2000: Value");
+        QCOMPARE(document.box("data access"), QString("Data access: N/A"));
         QCOMPARE(m_boxes.count(), 0);
     }
 
@@ -302,7 +304,7 @@ private Q_SLOTS:
         else if (act == "Return in the tree")
             QTest::keyPress(tree, Qt::Key_Return);
         else
-            CDocumentUser::click(window->findChild<QPushButton*>(act + " push button"));
+            CNewDocument::click(window->findChild<QPushButton*>(act + " push button"));
         QVERIFY(window.isNull());
         QCOMPARE(m_boxes.count(), 1);
         QCOMPARE(messages.count(), 0);

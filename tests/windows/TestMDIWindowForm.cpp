@@ -1,6 +1,6 @@
 // What the attribute form of a document shows of the selected item, off-line.
 // SPDX-License-Identifier: MIT
-#include "DocumentUser.h"
+#include "NewDocument.h"
 
 #include "BoxCatcher.h"
 #include "TempSettings.h"
@@ -140,15 +140,15 @@ private Q_SLOTS:
     void init()
     {
         m_settings = std::make_unique<CTempSettings>();
-        m_user = std::make_unique<CDocumentUser>();
+        m_document = std::make_unique<CNewDocument>();
         m_boxes.clear();
-        QVERIFY(m_user->open(device));
-        m_user->forgetStatuses();
+        QVERIFY(m_document->open(device));
+        m_document->forgetStatuses();
     }
     void cleanup()
     {
         QCOMPARE(m_boxes.count(), 0); // off-line, selecting never reads
-        m_user.reset();
+        m_document.reset();
     }
 
     void pressingAnObjectFillsTheForm_data()
@@ -183,11 +183,11 @@ private Q_SLOTS:
     }
     void pressingAnObjectFillsTheForm()
     {
-        m_user->press(QString(QTest::currentDataTag()));
-        QTEST(m_user->objectPart(), "objectPart");
-        QTEST(m_user->entryPart(), "entryPart");
-        QCOMPARE(m_user->box("data access"), QString("Data access: N/A"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press(QString(QTest::currentDataTag()));
+        QTEST(m_document->objectPart(), "objectPart");
+        QTEST(m_document->entryPart(), "entryPart");
+        QCOMPARE(m_document->box("data access"), QString("Data access: N/A"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void pressingAnEntryFillsTheForm_data()
@@ -215,18 +215,18 @@ private Q_SLOTS:
     void pressingAnEntryFillsTheForm()
     {
         QFETCH(const QString, object);
-        m_user->press(object, QTest::currentDataTag());
-        QTEST(m_user->entryPart(), "entryPart");
-        QCOMPARE(m_user->box("object description"), "Object: Index " + object.section(':', 0, 0) + "h");
-        QCOMPARE(m_user->box("data access"), QString("Data access: N/A"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press(object, QTest::currentDataTag());
+        QTEST(m_document->entryPart(), "entryPart");
+        QCOMPARE(m_document->box("object description"), "Object: Index " + object.section(':', 0, 0) + "h");
+        QCOMPARE(m_document->box("data access"), QString("Data access: N/A"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void anArrayWithASingleEntryShowsItAVariableDoesNot()
     {
-        QCOMPARE(m_user->item("1010: Store")->childCount(), 1);
-        QCOMPARE(m_user->item("1000: Device Type")->childCount(), 0);
-        QCOMPARE(m_user->item("2000: Twice")->childCount(), 2); // two entries of one variable
+        QCOMPARE(m_document->item("1010: Store")->childCount(), 1);
+        QCOMPARE(m_document->item("1000: Device Type")->childCount(), 0);
+        QCOMPARE(m_document->item("2000: Twice")->childCount(), 2); // two entries of one variable
     }
 
     void pressingAGroupOrTheRootClearsTheForm_data()
@@ -239,103 +239,103 @@ private Q_SLOTS:
     void pressingAGroupOrTheRootClearsTheForm()
     {
         QFETCH(const QString, text);
-        m_user->press("1018: Identity Object", " 1: Vendor Id");
-        m_user->type("5");
-        QCOMPARE(m_user->statuses(), QStringList());
-        m_user->press(text);
-        QCOMPARE(m_user->objectPart(), noObject);
-        QCOMPARE(m_user->entryPart(), noEntry);
-        QCOMPARE(m_user->box("data access"), QString("Data access: N/A"));
-        QCOMPARE(m_user->newValue()->text(), QString());
-        QCOMPARE(m_user->value(), QString());
-        QCOMPARE(m_user->statuses(), QStringList{ nothingLoaded });
-        m_user->press(text);
-        QCOMPARE(m_user->statuses(), QStringList({ nothingLoaded, nothingLoaded }));
+        m_document->press("1018: Identity Object", " 1: Vendor Id");
+        m_document->type("5");
+        QCOMPARE(m_document->statuses(), QStringList());
+        m_document->press(text);
+        QCOMPARE(m_document->objectPart(), noObject);
+        QCOMPARE(m_document->entryPart(), noEntry);
+        QCOMPARE(m_document->box("data access"), QString("Data access: N/A"));
+        QCOMPARE(m_document->newValue()->text(), QString());
+        QCOMPARE(m_document->value(), QString());
+        QCOMPARE(m_document->statuses(), QStringList{ nothingLoaded });
+        m_document->press(text);
+        QCOMPARE(m_document->statuses(), QStringList({ nothingLoaded, nothingLoaded }));
     }
 
     void pressingAnEntryOfTheSameObjectRefillsTheEntryPartOnly()
     {
-        m_user->press("1018: Identity Object");
+        m_document->press("1018: Identity Object");
         // What the program does not refill keeps a mark.
-        m_user->find<QLineEdit>("object name line edit")->setText("mark");
-        m_user->find<QGroupBox>("object description group box")->setTitle("mark");
-        m_user->type("5");
-        m_user->press("1018: Identity Object", " 1: Vendor Id");
-        QCOMPARE(m_user->entryPart(), vendorId);
-        QCOMPARE(m_user->field("object name"), QString("mark"));
-        QCOMPARE(m_user->box("object description"), QString("mark"));
-        QCOMPARE(m_user->newValue()->text(), QString());
-        m_user->press("1018: Identity Object");
-        QCOMPARE(m_user->entryPart(), noEntry);
-        QCOMPARE(m_user->field("object name"), QString("mark"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->find<QLineEdit>("object name line edit")->setText("mark");
+        m_document->find<QGroupBox>("object description group box")->setTitle("mark");
+        m_document->type("5");
+        m_document->press("1018: Identity Object", " 1: Vendor Id");
+        QCOMPARE(m_document->entryPart(), vendorId);
+        QCOMPARE(m_document->field("object name"), QString("mark"));
+        QCOMPARE(m_document->box("object description"), QString("mark"));
+        QCOMPARE(m_document->newValue()->text(), QString());
+        m_document->press("1018: Identity Object");
+        QCOMPARE(m_document->entryPart(), noEntry);
+        QCOMPARE(m_document->field("object name"), QString("mark"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void pressingAnotherObjectRefillsEverything()
     {
-        m_user->press("1018: Identity Object", " 1: Vendor Id");
-        m_user->type("5");
-        m_user->press("1a00: Mapping", " 0: Count");
-        QCOMPARE(m_user->field("object name"), QString("Mapping"));
-        QCOMPARE(m_user->field("parameter name"), QString("Count"));
-        QCOMPARE(m_user->checked("mandatory object"), false);
-        QCOMPARE(m_user->newValue()->text(), QString());
+        m_document->press("1018: Identity Object", " 1: Vendor Id");
+        m_document->type("5");
+        m_document->press("1a00: Mapping", " 0: Count");
+        QCOMPARE(m_document->field("object name"), QString("Mapping"));
+        QCOMPARE(m_document->field("parameter name"), QString("Count"));
+        QCOMPARE(m_document->checked("mandatory object"), false);
+        QCOMPARE(m_document->newValue()->text(), QString());
     }
 
     void pressingTheSameEntryAgainRefillsNothing()
     {
-        m_user->press("1018: Identity Object", " 1: Vendor Id");
-        m_user->type("5");
-        m_user->find<QLineEdit>("parameter name line edit")->setText("mark");
-        m_user->find<QGroupBox>("data access group box")->setTitle("mark");
-        m_user->press("1018: Identity Object", " 1: Vendor Id");
-        QCOMPARE(m_user->newValue()->text(), QString("5"));
-        QCOMPARE(m_user->field("parameter name"), QString("mark"));
-        QCOMPARE(m_user->box("data access"), QString("Data access: N/A")); // this title is always set
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press("1018: Identity Object", " 1: Vendor Id");
+        m_document->type("5");
+        m_document->find<QLineEdit>("parameter name line edit")->setText("mark");
+        m_document->find<QGroupBox>("data access group box")->setTitle("mark");
+        m_document->press("1018: Identity Object", " 1: Vendor Id");
+        QCOMPARE(m_document->newValue()->text(), QString("5"));
+        QCOMPARE(m_document->field("parameter name"), QString("mark"));
+        QCOMPARE(m_document->box("data access"), QString("Data access: N/A")); // this title is always set
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void aCompoundObjectWithoutEntriesMissesItsEntryOnTheSecondPress()
     {
         const QStringList empty = { "Object: Index 6f00h", "Empty record", "RECORD", "Identity", "x", "-" };
         for (int press = 0; press < 3; ++press) {
-            m_user->press("6f00: Empty record");
-            QCOMPARE(m_user->objectPart(), empty);
-            QCOMPARE(m_user->entryPart(), noEntry);
-            QCOMPARE(m_user->statuses().size(), press);
+            m_document->press("6f00: Empty record");
+            QCOMPARE(m_document->objectPart(), empty);
+            QCOMPARE(m_document->entryPart(), noEntry);
+            QCOMPARE(m_document->statuses().size(), press);
         }
-        QCOMPARE(m_user->statuses(), QStringList({ nothingLoaded, nothingLoaded }));
+        QCOMPARE(m_document->statuses(), QStringList({ nothingLoaded, nothingLoaded }));
     }
 
     void subIndexFFEqualsNone()
     {
         // A first press looks every sub-index up, later ones only those below FF.
-        m_user->press("2002: Structured", "ff: Structure");
-        QCOMPARE(m_user->field("object name"), QString("Structured"));
-        QCOMPARE(m_user->box("entry description"), QString("Entry: Subndex ffh"));
-        m_user->press("2002: Structured", " 0: Count");
-        QCOMPARE(m_user->box("entry description"), QString("Entry: Subndex  0h"));
-        m_user->press("2002: Structured", "ff: Structure");
-        QCOMPARE(m_user->entryPart(), noEntry);
-        QCOMPARE(m_user->field("object name"), QString("Structured"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press("2002: Structured", "ff: Structure");
+        QCOMPARE(m_document->field("object name"), QString("Structured"));
+        QCOMPARE(m_document->box("entry description"), QString("Entry: Subndex ffh"));
+        m_document->press("2002: Structured", " 0: Count");
+        QCOMPARE(m_document->box("entry description"), QString("Entry: Subndex  0h"));
+        m_document->press("2002: Structured", "ff: Structure");
+        QCOMPARE(m_document->entryPart(), noEntry);
+        QCOMPARE(m_document->field("object name"), QString("Structured"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void anEntryBelowAnObjectWithoutANameReadsAsAnObject()
     {
-        m_user->press("2003: ", " 1: Below no name");
-        QCOMPARE(m_user->field("object name"), QString("Boolean")); // object 1
-        QCOMPARE(m_user->statuses(), QStringList());
-        m_user->press("2003: ", " 2: Object 2 is missing");
-        QCOMPARE(m_user->objectPart(), noObject);
-        QCOMPARE(m_user->entryPart(), noEntry);
-        QCOMPARE(m_user->statuses(), QStringList{ nothingLoaded });
+        m_document->press("2003: ", " 1: Below no name");
+        QCOMPARE(m_document->field("object name"), QString("Boolean")); // object 1
+        QCOMPARE(m_document->statuses(), QStringList());
+        m_document->press("2003: ", " 2: Object 2 is missing");
+        QCOMPARE(m_document->objectPart(), noObject);
+        QCOMPARE(m_document->entryPart(), noEntry);
+        QCOMPARE(m_document->statuses(), QStringList{ nothingLoaded });
     }
 
 private:
     CBoxCatcher m_boxes;
     std::unique_ptr<CTempSettings> m_settings;
-    std::unique_ptr<CDocumentUser> m_user;
+    std::unique_ptr<CNewDocument> m_document;
 };
 
 QTEST_MAIN(TestMDIWindowForm)

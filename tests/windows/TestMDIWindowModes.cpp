@@ -74,27 +74,27 @@ private Q_SLOTS:
         QFETCH(const QVariant, before);
         QFETCH(const QString, mode);
         m_settings->setValue("Settings/Display", before);
-        CDocumentUser user;
-        user.choose(mode);
-        QCOMPARE(user.modes(), mode);
+        CNewDocument document;
+        document.choose(mode);
+        QCOMPARE(document.modes(), mode);
         QTEST(m_settings->value("Settings/Display"), "stored");
-        user.choose(mode); // what is on stays on
-        QCOMPARE(user.modes(), mode);
-        QCOMPARE(user.statuses(), QStringList());
-        QCOMPARE(CDocumentUser().modes(), mode);
+        document.choose(mode); // what is on stays on
+        QCOMPARE(document.modes(), mode);
+        QCOMPARE(document.statuses(), QStringList());
+        QCOMPARE(CNewDocument().modes(), mode);
     }
 
     void arrowKeysChangeTheMode()
     {
-        CDocumentUser user;
-        user.window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(user.window.get(), patience));
-        user.mode("hex")->setFocus();
-        QTest::keyClick(user.mode("hex"), Qt::Key_Right);
-        QCOMPARE(user.modes(), QString("dec"));
+        CNewDocument document;
+        document.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
+        document.mode("hex")->setFocus();
+        QTest::keyClick(document.mode("hex"), Qt::Key_Right);
+        QCOMPARE(document.modes(), QString("dec"));
         QCOMPARE(m_settings->value("Settings/Display"), QString("1"));
-        QTest::keyClick(user.mode("dec"), Qt::Key_Right);
-        QCOMPARE(user.modes(), QString("oct"));
+        QTest::keyClick(document.mode("dec"), Qt::Key_Right);
+        QCOMPARE(document.modes(), QString("oct"));
         QCOMPARE(m_settings->value("Settings/Display"), QString("2"));
     }
 
@@ -116,7 +116,7 @@ private Q_SLOTS:
     {
         COnlineDocument first(sheetOf(0x2000, TEntry::typeUnsigned8));
         first.choose("dec");
-        CDocumentUser second; // takes over what was stored last
+        CNewDocument second; // takes over what was stored last
         QVERIFY(second.open(sheetOf(0x2000, TEntry::typeUnsigned8), &first.access, 6));
         QCOMPARE(second.modes(), QString("dec"));
         second.choose("oct");
@@ -138,9 +138,9 @@ private Q_SLOTS:
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(obstacle.fileName()));
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, obstacle.fileName());
         const CBoxCatcher boxes;
-        CDocumentUser user;
-        user.choose("dec");
-        QCOMPARE(user.modes(), QString("dec"));
+        CNewDocument document;
+        document.choose("dec");
+        QCOMPARE(document.modes(), QString("dec"));
         QCOMPARE(boxes.count(), 0);
     }
 

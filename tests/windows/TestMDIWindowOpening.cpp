@@ -3,8 +3,10 @@
 #include "OnlineDocument.h"
 
 #include "BoxCatcher.h"
+#include "ConnectNodeDialog.h"
 #include "DeviceInfoDialog.h"
 #include "TempSettings.h"
+#include "WhenShown.h"
 
 #include <QPointer>
 #include <QWindow>
@@ -71,9 +73,9 @@ QByteArray sheetOfRecords(int count)
 // Processor time, in ticks; -1 when it cannot be opened.
 std::clock_t timeToOpen(const QByteArray& sheet)
 {
-    CDocumentUser user;
+    CNewDocument document;
     const std::clock_t start = std::clock();
-    const bool opened = user.open(sheet);
+    const bool opened = document.open(sheet);
     const std::clock_t ticks = std::clock() - start;
     return opened ? ticks : -1;
 }
@@ -89,13 +91,13 @@ private Q_SLOTS:
 
     void withoutAnAccessADocumentIsOffline()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(groups));
-        QCOMPARE(user.connectDialogs, 0);
-        QCOMPARE(user.statuses(), QStringList{ "File " + user.fileName() + " loaded in off-line mode" });
-        QCOMPARE(user.window->windowTitle(), user.fileName());
-        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
-        QCOMPARE(user.box("data access"), QString("Data access"));
+        CNewDocument document;
+        QVERIFY(document.open(groups));
+        QCOMPARE(document.connectDialogs, 0);
+        QCOMPARE(document.statuses(), QStringList{ "File " + document.fileName() + " loaded in off-line mode" });
+        QCOMPARE(document.window->windowTitle(), document.fileName());
+        QCOMPARE(document.root()->text(0), QString("CANopen: Object dictionary"));
+        QCOMPARE(document.box("data access"), QString("Data access"));
         QCOMPARE(m_boxes.count(), 0);
     }
 
@@ -109,28 +111,28 @@ private Q_SLOTS:
     {
         QFETCH(const int, node);
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(user.open(groups, &link.access, node));
-        QCOMPARE(user.connectDialogs, 1);
-        QCOMPARE(user.statuses(),
-                 QStringList{ QString("File %1 loaded and connected to node #%2").arg(user.fileName()).arg(node) });
-        QCOMPARE(user.window->windowTitle(), user.fileName());
-        QCOMPARE(user.root()->text(0), QString("CANopen: Node #%1").arg(node));
-        user.press(user.root());
-        QCOMPARE(user.box("data access"), QString("Data access: #%1").arg(node));
+        CNewDocument document;
+        QVERIFY(document.open(groups, &link.access, node));
+        QCOMPARE(document.connectDialogs, 1);
+        QCOMPARE(document.statuses(),
+                 QStringList{ QString("File %1 loaded and connected to node #%2").arg(document.fileName()).arg(node) });
+        QCOMPARE(document.window->windowTitle(), document.fileName());
+        QCOMPARE(document.root()->text(0), QString("CANopen: Node #%1").arg(node));
+        document.press(document.root());
+        QCOMPARE(document.box("data access"), QString("Data access: #%1").arg(node));
         QCOMPARE(link.gateway.received(), std::string()); // opening needs no transfer
     }
 
     void workingOfflineByChoice()
     {
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(user.open(groups, &link.access, CDocumentUser::offline));
-        QCOMPARE(user.connectDialogs, 1);
-        QCOMPARE(user.statuses(), QStringList{ "File " + user.fileName() + " loaded in off-line mode" });
-        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
-        user.press("1000: Device Type");
-        QCOMPARE(user.box("data access"), QString("Data access: N/A"));
+        CNewDocument document;
+        QVERIFY(document.open(groups, &link.access, CNewDocument::offline));
+        QCOMPARE(document.connectDialogs, 1);
+        QCOMPARE(document.statuses(), QStringList{ "File " + document.fileName() + " loaded in off-line mode" });
+        QCOMPARE(document.root()->text(0), QString("CANopen: Object dictionary"));
+        document.press("1000: Device Type");
+        QCOMPARE(document.box("data access"), QString("Data access: N/A"));
         QCOMPARE(m_boxes.count(), 0);
         QCOMPARE(link.gateway.received(), std::string());
     }
@@ -138,13 +140,13 @@ private Q_SLOTS:
     void cancellingTheConnectDialogOpensNothingAlthoughTheFileLoaded()
     {
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(!user.open(groups, &link.access, CDocumentUser::cancels));
-        QCOMPARE(user.connectDialogs, 1);
-        QCOMPARE(user.statuses(), QStringList());
-        QCOMPARE(user.tree()->topLevelItemCount(), 0);
-        QCOMPARE(user.window->windowTitle(), QString());
-        QVERIFY(user.window->isVisible());
+        CNewDocument document;
+        QVERIFY(!document.open(groups, &link.access, CNewDocument::cancels));
+        QCOMPARE(document.connectDialogs, 1);
+        QCOMPARE(document.statuses(), QStringList());
+        QCOMPARE(document.tree()->topLevelItemCount(), 0);
+        QCOMPARE(document.window->windowTitle(), QString());
+        QVERIFY(document.window->isVisible());
         QCOMPARE(m_boxes.count(), 0);
     }
 
@@ -160,19 +162,19 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, sheet);
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(!user.open(sheet, &link.access, 5));
-        const QString text = "File " + user.fileName() + " could not be loaded";
-        QCOMPARE(user.statuses(), QStringList{ text });
+        CNewDocument document;
+        QVERIFY(!document.open(sheet, &link.access, 5));
+        const QString text = "File " + document.fileName() + " could not be loaded";
+        QCOMPARE(document.statuses(), QStringList{ text });
         QCOMPARE(m_boxes.only().title, QString("Velmora - Load document"));
         QCOMPARE(m_boxes.only().text, text);
         QCOMPARE(m_boxes.only().icon, QMessageBox::Critical);
         QCOMPARE(m_boxes.only().format, Qt::PlainText);
         QVERIFY(!m_boxes.only().waitCursor);
-        QCOMPARE(user.connectDialogs, 0);
-        QCOMPARE(user.tree()->topLevelItemCount(), 0);
-        QCOMPARE(user.window->windowTitle(), QString());
-        QVERIFY(user.window->isVisible());
+        QCOMPARE(document.connectDialogs, 0);
+        QCOMPARE(document.tree()->topLevelItemCount(), 0);
+        QCOMPARE(document.window->windowTitle(), QString());
+        QVERIFY(document.window->isVisible());
     }
 
     void whatCannotBeReadOpensAsAnEmptyDocument_data()
@@ -190,12 +192,12 @@ private Q_SLOTS:
         if (name == "empty.eds")
             QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
         const QString path = folder.filePath(name);
-        CDocumentUser user;
-        QVERIFY(user.openFile(path));
-        QCOMPARE(user.statuses(), QStringList{ "File " + path + " loaded in off-line mode" });
-        QCOMPARE(user.window->windowTitle(), path);
-        QCOMPARE(user.root()->text(0), QString("CANopen: Object dictionary"));
-        QCOMPARE(user.root()->childCount(), 0);
+        CNewDocument document;
+        QVERIFY(document.openFile(path));
+        QCOMPARE(document.statuses(), QStringList{ "File " + path + " loaded in off-line mode" });
+        QCOMPARE(document.window->windowTitle(), path);
+        QCOMPARE(document.root()->text(0), QString("CANopen: Object dictionary"));
+        QCOMPARE(document.root()->childCount(), 0);
         QCOMPARE(m_boxes.count(), 0);
     }
 
@@ -210,14 +212,14 @@ private Q_SLOTS:
         QFETCH(const QString, name);
         const CSheetFile good(groups, name);
         CGatewayLink link;
-        CDocumentUser user;
-        QVERIFY(user.openFile(good.name(), &link.access, 7));
-        QCOMPARE(user.statuses(), QStringList{ "File " + good.name() + " loaded and connected to node #7" });
-        QCOMPARE(user.window->windowTitle(), good.name());
-        user.item("1000: Device Type");
+        CNewDocument document;
+        QVERIFY(document.openFile(good.name(), &link.access, 7));
+        QCOMPARE(document.statuses(), QStringList{ "File " + good.name() + " loaded and connected to node #7" });
+        QCOMPARE(document.window->windowTitle(), good.name());
+        document.item("1000: Device Type");
 
         const CSheetFile bad("bad", name);
-        CDocumentUser other;
+        CNewDocument other;
         QVERIFY(!other.openFile(bad.name()));
         QCOMPARE(m_boxes.only().text, "File " + bad.name() + " could not be loaded");
         QCOMPARE(m_boxes.only().format, Qt::PlainText);
@@ -233,39 +235,39 @@ private Q_SLOTS:
     {
         QFETCH(const QString, name);
         const CSheetFile sheet(groups, name);
-        CDocumentUser user;
-        QVERIFY(user.openFile(sheet.name()));
-        const QString shown = user.window->windowHandle()->title();
+        CNewDocument document;
+        QVERIFY(document.openFile(sheet.name()));
+        const QString shown = document.window->windowHandle()->title();
         QVERIFY2(shown.startsWith(sheet.name()), qPrintable(shown));
     }
 
     void theTreeIsGroupedAndSorted()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(groups));
+        CNewDocument document;
+        QVERIFY(document.open(groups));
         const QStringList awaited = {
             "(reserved)",
             "CiA DS-301 +",
             "Device profile",
             "Manufacturer specific",
         };
-        QCOMPARE(children(user.root()), awaited);
-        QVERIFY(user.root()->isExpanded());
-        QCOMPARE(children(user.item("CiA DS-301")),
+        QCOMPARE(children(document.root()), awaited);
+        QVERIFY(document.root()->isExpanded());
+        QCOMPARE(children(document.item("CiA DS-301")),
                  QStringList({ "1000: Device Type", "1018: Identity Object", "5: " }));
-        QCOMPARE(children(user.item("1018: Identity Object")),
+        QCOMPARE(children(document.item("1018: Identity Object")),
                  QStringList({ " 0: Number of entries", " 1: Vendor Id" }));
-        QCOMPARE(children(user.item("Device profile")), QStringList({ "6000: ", "6001: " }));
-        QCOMPARE(children(user.item("(reserved)")), QStringList{ "a000: " });
-        QCOMPARE(children(user.item("Manufacturer specific")), QStringList{ "2000: " });
+        QCOMPARE(children(document.item("Device profile")), QStringList({ "6000: ", "6001: " }));
+        QCOMPARE(children(document.item("(reserved)")), QStringList{ "a000: " });
+        QCOMPARE(children(document.item("Manufacturer specific")), QStringList{ "2000: " });
     }
 
     void objectsWithoutAProfileAreOtherObjects()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(withoutProfiles));
-        QCOMPARE(children(user.root()), QStringList{ "Other objects" });
-        QCOMPARE(children(user.item("Other objects")), QStringList({ "1000: Two", "2000: One" }));
+        CNewDocument document;
+        QVERIFY(document.open(withoutProfiles));
+        QCOMPARE(children(document.root()), QStringList{ "Other objects" });
+        QCOMPARE(children(document.item("Other objects")), QStringList({ "1000: Two", "2000: One" }));
     }
 
     // Ten times the objects: ten times the time, far from a hundred times. Processor time, to which others on the machine
@@ -285,50 +287,50 @@ private Q_SLOTS:
 
     void tenThousandObjectsAreAllThere()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(sheetOfRecords(10000)));
+        CNewDocument document;
+        QVERIFY(document.open(sheetOfRecords(10000)));
         int entries = 0;
-        for (int group = 0; group < user.root()->childCount(); ++group)
-            for (int object = 0; object < user.root()->child(group)->childCount(); ++object)
-                entries += user.root()->child(group)->child(object)->childCount();
+        for (int group = 0; group < document.root()->childCount(); ++group)
+            for (int object = 0; object < document.root()->child(group)->childCount(); ++object)
+                entries += document.root()->child(group)->child(object)->childCount();
         QCOMPARE(entries, 60000);
-        user.press("470f: Object 470f", " 5: Entry");
-        QCOMPARE(user.box("entry description"), QString("Entry: Subndex  5h"));
-        QCOMPARE(user.box("object description"), QString("Object: Index 470fh"));
+        document.press("470f: Object 470f", " 5: Entry");
+        QCOMPARE(document.box("entry description"), QString("Entry: Subndex  5h"));
+        QCOMPARE(document.box("object description"), QString("Object: Index 470fh"));
     }
 
     void deviceInformationIsShown()
     {
-        CDocumentUser user;
-        QVERIFY(user.open("[DeviceInfo]\nVendorName=Brask\n"));
-        user.forgetStatuses();
+        CNewDocument document;
+        QVERIFY(document.open("[DeviceInfo]\nVendorName=Brask\n"));
+        document.forgetStatuses();
         QString title;
         const CWhenShown<CDeviceInfoDialog> showing([&](CDeviceInfoDialog* dialog) {
             title = dialog->windowTitle();
             QVERIFY(dialog->isModal());
-            QCOMPARE(dialog->parentWidget(), user.window.get());
+            QCOMPARE(dialog->parentWidget(), document.window);
             dialog->close();
         });
-        user.window->showDeviceInfo();
+        document.window->showDeviceInfo();
         QCOMPARE(showing.count(), 1);
-        QCOMPARE(title, user.fileName());
-        QCOMPARE(user.statuses(), QStringList());
+        QCOMPARE(title, document.fileName());
+        QCOMPARE(document.statuses(), QStringList());
     }
 
     void missingDeviceInformationIsReportedBeforeTheDialogShows()
     {
-        CDocumentUser user;
-        QVERIFY(user.open(groups));
-        user.forgetStatuses();
+        CNewDocument document;
+        QVERIFY(document.open(groups));
+        document.forgetStatuses();
         QStringList statuses;
         const CWhenShown<CDeviceInfoDialog> showing([&](CDeviceInfoDialog* dialog) {
-            statuses = user.statuses();
+            statuses = document.statuses();
             dialog->close();
         });
-        user.window->showDeviceInfo();
+        document.window->showDeviceInfo();
         QCOMPARE(showing.count(), 1);
         QCOMPARE(statuses, QStringList{ "No device info present" });
-        QCOMPARE(user.statuses(), statuses);
+        QCOMPARE(document.statuses(), statuses);
     }
 
     void aDocumentMayDisappearWhileItIsConnected()

@@ -1,6 +1,6 @@
 // What selects in the tree of a document: mouse buttons and the Return key do, cursor keys do not.
 // SPDX-License-Identifier: MIT
-#include "DocumentUser.h"
+#include "NewDocument.h"
 
 #include "TempSettings.h"
 
@@ -33,11 +33,11 @@ private Q_SLOTS:
     void init()
     {
         m_settings = std::make_unique<CTempSettings>();
-        m_user = std::make_unique<CDocumentUser>();
-        QVERIFY(m_user->open(device));
-        m_user->forgetStatuses();
+        m_document = std::make_unique<CNewDocument>();
+        QVERIFY(m_document->open(device));
+        m_document->forgetStatuses();
     }
-    void cleanup() { m_user.reset(); }
+    void cleanup() { m_document.reset(); }
 
     void everyMouseButtonSelects_data()
     {
@@ -49,18 +49,18 @@ private Q_SLOTS:
     void everyMouseButtonSelects()
     {
         QFETCH(const Qt::MouseButton, button);
-        m_user->press(m_user->item("1000: Device Type"), button);
-        QCOMPARE(m_user->field("object name"), QString("Device Type"));
+        m_document->press(m_document->item("1000: Device Type"), button);
+        QCOMPARE(m_document->field("object name"), QString("Device Type"));
     }
 
     void aPressBesideTheItemsSelectsNothing()
     {
-        m_user->press("1000: Device Type");
-        m_user->root()->setExpanded(false);
-        const QRect area = m_user->tree()->viewport()->rect();
-        QTest::mouseClick(m_user->tree()->viewport(), Qt::LeftButton, {}, area.bottomLeft() + QPoint(30, -3));
-        QCOMPARE(m_user->field("object name"), QString("Device Type"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press("1000: Device Type");
+        m_document->root()->setExpanded(false);
+        const QRect area = m_document->tree()->viewport()->rect();
+        QTest::mouseClick(m_document->tree()->viewport(), Qt::LeftButton, {}, area.bottomLeft() + QPoint(30, -3));
+        QCOMPARE(m_document->field("object name"), QString("Device Type"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void returnAndEnterSelectAndToggle_data()
@@ -72,69 +72,69 @@ private Q_SLOTS:
     void returnAndEnterSelectAndToggle()
     {
         QFETCH(const Qt::Key, key);
-        auto* object = m_user->item("1018: Identity Object");
-        m_user->hit(object, key);
-        QCOMPARE(m_user->field("object name"), QString("Identity Object"));
+        auto* object = m_document->item("1018: Identity Object");
+        m_document->hit(object, key);
+        QCOMPARE(m_document->field("object name"), QString("Identity Object"));
         QVERIFY(object->isExpanded());
-        m_user->hit(object, key);
+        m_document->hit(object, key);
         QVERIFY(!object->isExpanded());
-        auto* simple = m_user->item("1000: Device Type");
-        m_user->hit(simple, key);
-        QCOMPARE(m_user->field("object name"), QString("Device Type"));
+        auto* simple = m_document->item("1000: Device Type");
+        m_document->hit(simple, key);
+        QCOMPARE(m_document->field("object name"), QString("Device Type"));
         QVERIFY(!simple->isExpanded());
-        QCOMPARE(m_user->statuses(), QStringList());
-        m_user->hit(m_user->root(), key);
-        QCOMPARE(m_user->field("object name"), QString());
-        QVERIFY(!m_user->root()->isExpanded());
-        QCOMPARE(m_user->statuses(), QStringList{ nothingLoaded });
+        QCOMPARE(m_document->statuses(), QStringList());
+        m_document->hit(m_document->root(), key);
+        QCOMPARE(m_document->field("object name"), QString());
+        QVERIFY(!m_document->root()->isExpanded());
+        QCOMPARE(m_document->statuses(), QStringList{ nothingLoaded });
     }
 
     void returnWithoutAHighlightDoesNothing()
     {
-        m_user->hit(nullptr, Qt::Key_Return);
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->hit(nullptr, Qt::Key_Return);
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void cursorKeysOnlyMoveTheHighlight()
     {
-        m_user->press("1000: Device Type");
+        m_document->press("1000: Device Type");
         for (const auto key : { Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Left, Qt::Key_End, Qt::Key_Home })
-            QTest::keyClick(m_user->tree(), key);
-        QCOMPARE(m_user->tree()->currentItem(), m_user->root());
-        QCOMPARE(m_user->field("object name"), QString("Device Type"));
-        QCOMPARE(m_user->statuses(), QStringList());
+            QTest::keyClick(m_document->tree(), key);
+        QCOMPARE(m_document->tree()->currentItem(), m_document->root());
+        QCOMPARE(m_document->field("object name"), QString("Device Type"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void aDoubleClickTogglesOnce()
     {
-        auto* object = m_user->item("1018: Identity Object");
-        m_user->doubleClick(object);
+        auto* object = m_document->item("1018: Identity Object");
+        m_document->doubleClick(object);
         QVERIFY(object->isExpanded());
-        QCOMPARE(m_user->field("object name"), QString("Identity Object"));
-        m_user->doubleClick(m_user->root());
-        QVERIFY(!m_user->root()->isExpanded());
-        QCOMPARE(m_user->statuses(), QStringList{ nothingLoaded });
+        QCOMPARE(m_document->field("object name"), QString("Identity Object"));
+        m_document->doubleClick(m_document->root());
+        QVERIFY(!m_document->root()->isExpanded());
+        QCOMPARE(m_document->statuses(), QStringList{ nothingLoaded });
     }
 
     void rightClickingDoesNothing()
     {
-        m_user->window->mouseRightClicked(m_user->item("1000: Device Type"), QPoint());
-        QCOMPARE(m_user->field("object name"), QString());
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->window->mouseRightClicked(m_document->item("1000: Device Type"), QPoint());
+        QCOMPARE(m_document->field("object name"), QString());
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void noItemIsIgnored()
     {
-        m_user->press("1000: Device Type");
-        m_user->window->mouseLeftPressed(nullptr);
-        m_user->window->returnKeyPressed(nullptr);
-        QCOMPARE(m_user->field("object name"), QString("Device Type"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        m_document->press("1000: Device Type");
+        m_document->window->mouseLeftPressed(nullptr);
+        m_document->window->returnKeyPressed(nullptr);
+        QCOMPARE(m_document->field("object name"), QString("Device Type"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
 private:
     std::unique_ptr<CTempSettings> m_settings;
-    std::unique_ptr<CDocumentUser> m_user;
+    std::unique_ptr<CNewDocument> m_document;
 };
 
 QTEST_MAIN(TestMDIWindowSelecting)

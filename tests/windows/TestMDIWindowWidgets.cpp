@@ -1,6 +1,6 @@
 // What the document window consists of: names, labels, help texts and the state in which it starts.
 // SPDX-License-Identifier: MIT
-#include "DocumentUser.h"
+#include "NewDocument.h"
 #include "Patience.h"
 
 #include "TempSettings.h"
@@ -18,29 +18,29 @@ private Q_SLOTS:
     void init()
     {
         m_settings = std::make_unique<CTempSettings>();
-        m_user = std::make_unique<CDocumentUser>();
+        m_document = std::make_unique<CNewDocument>();
     }
-    void cleanup() { m_user.reset(); }
+    void cleanup() { m_document.reset(); }
 
     void theTreeStandsLeftOfTheForm()
     {
-        const auto* central = m_user->window->centralWidget();
+        const auto* central = m_document->window->centralWidget();
         QCOMPARE(central->objectName(), QString("client central widget"));
         const auto* layout = qobject_cast<QVBoxLayout*>(central->layout());
         QVERIFY(layout != nullptr);
         QCOMPARE(layout->objectName(), QString("client window layout"));
         QCOMPARE(layout->contentsMargins(), QMargins(11, 11, 11, 11));
         QCOMPARE(layout->spacing(), 6);
-        const auto* splitter = m_user->find<QSplitter>("client splitter window");
+        const auto* splitter = m_document->find<QSplitter>("client splitter window");
         QCOMPARE(splitter->orientation(), Qt::Horizontal);
         QCOMPARE(splitter->count(), 2);
-        QCOMPARE(splitter->widget(0), m_user->tree());
+        QCOMPARE(splitter->widget(0), m_document->tree());
         QCOMPARE(splitter->widget(1)->objectName(), QString("object attributes form widget"));
     }
 
     void theTreeHasOneHiddenHeader()
     {
-        const auto* tree = m_user->tree();
+        const auto* tree = m_document->tree();
         QCOMPARE(tree->columnCount(), 1);
         QCOMPARE(tree->headerItem()->text(0), QString("CANopen: Object dictionary       ")); // seven blanks
         QVERIFY(tree->isHeaderHidden());
@@ -81,11 +81,11 @@ private Q_SLOTS:
     {
         QFETCH(const QString, box);
         QFETCH(const QStringList, fields);
-        const auto* group = m_user->find<QGroupBox>(box + " group box");
+        const auto* group = m_document->find<QGroupBox>(box + " group box");
         QTEST(group->title(), "title");
-        QVERIFY(m_user->find<QWidget>("object attributes form widget")->isAncestorOf(group));
+        QVERIFY(m_document->find<QWidget>("object attributes form widget")->isAncestorOf(group));
         for (const QString& field : fields)
-            QVERIFY2(group->isAncestorOf(m_user->find<QWidget>(field)), qPrintable(field));
+            QVERIFY2(group->isAncestorOf(m_document->find<QWidget>(field)), qPrintable(field));
     }
 
     void labelledFields_data()
@@ -123,21 +123,21 @@ private Q_SLOTS:
     {
         QFETCH(const QString, kind);
         const QString name = QTest::currentDataTag();
-        const auto* field = m_user->find<QWidget>(name + " " + kind);
-        const auto* label = m_user->find<QLabel>(name + " text label");
+        const auto* field = m_document->find<QWidget>(name + " " + kind);
+        const auto* label = m_document->find<QLabel>(name + " text label");
         QTEST(label->text(), "label");
         QTEST(field->toolTip(), "tip");
         QTEST(field->whatsThis(), "help");
         QTEST(label->whatsThis(), "help");
         if (kind == "check box")
-            QCOMPARE(m_user->find<QCheckBox>(name + " check box")->text(), QString()); // the label carries it
+            QCOMPARE(m_document->find<QCheckBox>(name + " check box")->text(), QString()); // the label carries it
         else
-            QCOMPARE(m_user->field(name), QString());
+            QCOMPARE(m_document->field(name), QString());
     }
 
     void theLabelOfTheNewValueLeadsToItsField()
     {
-        QCOMPARE(m_user->find<QLabel>("new value text label")->buddy(), m_user->newValue());
+        QCOMPARE(m_document->find<QLabel>("new value text label")->buddy(), m_document->newValue());
     }
 
     void buttons_data()
@@ -164,7 +164,7 @@ private Q_SLOTS:
     }
     void buttons()
     {
-        const auto* button = m_user->find<QAbstractButton>(QTest::currentDataTag());
+        const auto* button = m_document->find<QAbstractButton>(QTest::currentDataTag());
         QTEST(button->text(), "text");
         QTEST(button->toolTip(), "tip");
         QTEST(button->whatsThis(), "help");
@@ -172,10 +172,10 @@ private Q_SLOTS:
 
     void theDisplayModesStandInOneLayout()
     {
-        const auto* layout = m_user->window->findChild<QLayout*>("display mode buttons layout");
+        const auto* layout = m_document->window->findChild<QLayout*>("display mode buttons layout");
         QVERIFY(layout != nullptr);
         for (const char* which : { "hex", "dec", "oct" })
-            QVERIFY2(layout->indexOf(m_user->mode(which)) >= 0, which);
+            QVERIFY2(layout->indexOf(m_document->mode(which)) >= 0, which);
     }
 
     void theWindowStartsAtItsSize()
@@ -186,8 +186,8 @@ private Q_SLOTS:
 
     void theFormIsNotClippedAtTheStartingSize()
     {
-        QVERIFY(QTest::qWaitForWindowExposed(m_user->window.get(), patience));
-        const auto* form = m_user->find<QWidget>("object attributes form widget");
+        QVERIFY(QTest::qWaitForWindowExposed(m_document->window, patience));
+        const auto* form = m_document->find<QWidget>("object attributes form widget");
         QVERIFY(form->width() >= form->minimumSizeHint().width());
         QVERIFY(form->height() >= form->minimumSizeHint().height());
     }
@@ -200,17 +200,17 @@ private Q_SLOTS:
 
     void anEmptyWindowShowsNothing()
     {
-        QCOMPARE(m_user->tree()->topLevelItemCount(), 0);
-        QCOMPARE(m_user->objectPart(), QStringList({ "Object description", "", "", "", "-", "-" }));
-        QCOMPARE(m_user->entryPart(), QStringList({ "Entry description", "", "", "", "", "", "-", "-" }));
-        QCOMPARE(m_user->box("data access"), QString("Data access"));
-        QCOMPARE(m_user->statuses(), QStringList());
+        QCOMPARE(m_document->tree()->topLevelItemCount(), 0);
+        QCOMPARE(m_document->objectPart(), QStringList({ "Object description", "", "", "", "-", "-" }));
+        QCOMPARE(m_document->entryPart(), QStringList({ "Entry description", "", "", "", "", "", "-", "-" }));
+        QCOMPARE(m_document->box("data access"), QString("Data access"));
+        QCOMPARE(m_document->statuses(), QStringList());
     }
 
     void aDocumentNeverRefusesToClose()
     {
-        QVERIFY(m_user->window->close());
-        QVERIFY(!m_user->window->isVisible());
+        QVERIFY(m_document->window->close());
+        QVERIFY(!m_document->window->isVisible());
     }
 
     void mnemonicsWork_data()
@@ -225,18 +225,18 @@ private Q_SLOTS:
     {
         QFETCH(const char, key);
         QFETCH(const QString, modes);
-        m_user->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_user->window.get(), patience));
-        m_user->choose(key == 'H' ? "dec" : "hex");
-        QTest::keyClick(m_user->window.get(), key, Qt::AltModifier);
-        AWAIT_COMPARE(m_user->modes(), modes); // the button shows itself pressed for a moment
-        QTest::keyClick(m_user->window.get(), 'V', Qt::AltModifier);
-        QVERIFY(m_user->newValue()->hasFocus());
+        m_document->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_document->window, patience));
+        m_document->choose(key == 'H' ? "dec" : "hex");
+        QTest::keyClick(m_document->window, key, Qt::AltModifier);
+        AWAIT_COMPARE(m_document->modes(), modes); // the button shows itself pressed for a moment
+        QTest::keyClick(m_document->window, 'V', Qt::AltModifier);
+        QVERIFY(m_document->newValue()->hasFocus());
     }
 
 private:
     std::unique_ptr<CTempSettings> m_settings;
-    std::unique_ptr<CDocumentUser> m_user;
+    std::unique_ptr<CNewDocument> m_document;
 };
 
 QTEST_MAIN(TestMDIWindowWidgets)
