@@ -115,78 +115,11 @@ class TestSheetSize : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void timeGrowsWithTheNumberOfSections_data()
-    {
-        QTest::addColumn<tMaker>("maker");
-        QTest::addColumn<int>("objectsOf1000");
-        QTest::addColumn<int>("objectsOf10000");
-        QTest::newRow("declared objects") << tMaker(declaredObjects) << 1000 << 10000;
-        QTest::newRow("undeclared sections") << tMaker(undeclaredSections) << 1000 << 10000;
-        QTest::newRow("one index again and again") << tMaker(oneIndexAgainAndAgain) << 1001 << 10001;
-        QTest::newRow("entries of one object") << tMaker(entriesOfOneObject) << 1 << 1;
-    }
-    void timeGrowsWithTheNumberOfSections() // ten times the sections: ten times the time, far from a hundred times
-    {
-        QFETCH(tMaker, maker);
-        QFETCH(int, objectsOf1000);
-        QFETCH(int, objectsOf10000);
-        const CSheetFile smallSheet(maker(1000)), largeSheet(maker(10000));
-        qint64 small = std::numeric_limits<qint64>::max(), large = small;
-        // Others on the machine can only add to the times: the least of each counts, and a few rounds do as a rule.
-        for (int round = 0; round < 3 || (round < 30 && large >= 25 * small); ++round) {
-            small = qMin(small, timeOf(smallSheet, objectsOf1000));
-            large = qMin(large, timeOf(largeSheet, objectsOf10000));
-            QVERIFY2(small > 0 && large > 0, "the number of objects is not that of the sheet");
-        }
-        const QString times = QString("%1 and %2 clock ticks").arg(small).arg(large);
-        QVERIFY2(large < 25 * small, qPrintable(times));
-    }
-
-    void memoryStaysNearTwiceTheFile_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("expected"); // result and objects
-        const int size = 24000000;
-        const auto row = [](const char* name, const QByteArray& text, const char* expected) {
-            QTest::newRow(name) << text << QByteArray(expected);
-        };
-        row("one line", "[Comments]\n" + QByteArray("k=").repeated(size / 2), "1 0");
-        row("one line without sense", QByteArray(size, 'x'), "0 0");
-        row("one line of blanks", QByteArray(size, ' '), "1 0");
-        row("one comment", QByteArray(size, ';'), "1 0");
-        row("comments", QByteArray("; Nobody reads this line, which is a comment.\n").repeated(size / 46), "1 0");
-        row("empty lines", QByteArray(size / 2, '\n'), "1 0");
-        row("ignored values", "[Comments]\n" + ("Line=" + QByteArray(60000, 'x') + '\n').repeated(size / 60006), "1 0");
-        row("names", names("", size), "1 1");
-        row("names in Windows-1252", names("\xE4", size), "1 1");
-    }
-    void memoryStaysNearTwiceTheFile() // texts are kept in two bytes a character
-    {
-        if (sanitized)
-            QSKIP("the sanitizer needs memory of its own");
-        QFETCH(QByteArray, text);
-        const CSheetFile file(text);
-        const QByteArrayList measured = measuredInAnotherProcess(file);
-        QCOMPARE(measured.size(), 3);
-        QTEST(measured[0] + ' ' + measured[1], "expected");
-        const qint64 peak = measured[2].toLongLong();
-        QVERIFY(peak > 0);
-        const qint64 bytes = peak - memoryOfAnEmptySheet();
-        QVERIFY2(bytes < text.size() * 22 / 10, qPrintable(QString("%1 bytes for %2").arg(bytes).arg(text.size())));
-    }
-
-    void lineOfAnObjectListCostsLittle()
-    {
-        if (sanitized)
-            QSKIP("the sanitizer needs memory of its own");
-        const int count = 200000;
-        const CSheetFile file("[OptionalObjects]\n" + QByteArray("1=1\n").repeated(count));
-        const QByteArrayList measured = measuredInAnotherProcess(file);
-        QCOMPARE(measured.size(), 3);
-        QCOMPARE(measured[1].toInt(), count);
-        const double each = double(measured[2].toLongLong() - memoryOfAnEmptySheet()) / count;
-        QVERIFY2(each < 400, qPrintable(QString("%1 bytes for each line").arg(each)));
-    }
+    void timeGrowsWithTheNumberOfSections_data();
+    void timeGrowsWithTheNumberOfSections(); // ten times the sections: ten times the time, far from a hundred times
+    void memoryStaysNearTwiceTheFile_data();
+    void memoryStaysNearTwiceTheFile(); // texts are kept in two bytes a character
+    void lineOfAnObjectListCostsLittle();
 
 private:
     // Entries of an object that keep their values, with `letter` in one of them.
@@ -209,6 +142,81 @@ private:
     // What the process takes for itself: more with one compiler and one version of Qt than with another.
     static qint64 memoryOfAnEmptySheet() { return measuredInAnotherProcess(CSheetFile("")).value(2).toLongLong(); }
 };
+
+void TestSheetSize::timeGrowsWithTheNumberOfSections_data()
+{
+    QTest::addColumn<tMaker>("maker");
+    QTest::addColumn<int>("objectsOf1000");
+    QTest::addColumn<int>("objectsOf10000");
+    QTest::newRow("declared objects") << tMaker(declaredObjects) << 1000 << 10000;
+    QTest::newRow("undeclared sections") << tMaker(undeclaredSections) << 1000 << 10000;
+    QTest::newRow("one index again and again") << tMaker(oneIndexAgainAndAgain) << 1001 << 10001;
+    QTest::newRow("entries of one object") << tMaker(entriesOfOneObject) << 1 << 1;
+}
+
+void TestSheetSize::timeGrowsWithTheNumberOfSections()
+{
+    QFETCH(tMaker, maker);
+    QFETCH(int, objectsOf1000);
+    QFETCH(int, objectsOf10000);
+    const CSheetFile smallSheet(maker(1000)), largeSheet(maker(10000));
+    qint64 small = std::numeric_limits<qint64>::max(), large = small;
+    // Others on the machine can only add to the times: the least of each counts, and a few rounds do as a rule.
+    for (int round = 0; round < 3 || (round < 30 && large >= 25 * small); ++round) {
+        small = qMin(small, timeOf(smallSheet, objectsOf1000));
+        large = qMin(large, timeOf(largeSheet, objectsOf10000));
+        QVERIFY2(small > 0 && large > 0, "the number of objects is not that of the sheet");
+    }
+    const QString times = QString("%1 and %2 clock ticks").arg(small).arg(large);
+    QVERIFY2(large < 25 * small, qPrintable(times));
+}
+
+void TestSheetSize::memoryStaysNearTwiceTheFile_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("expected"); // result and objects
+    const int size = 24000000;
+    const auto row = [](const char* name, const QByteArray& text, const char* expected) {
+        QTest::newRow(name) << text << QByteArray(expected);
+    };
+    row("one line", "[Comments]\n" + QByteArray("k=").repeated(size / 2), "1 0");
+    row("one line without sense", QByteArray(size, 'x'), "0 0");
+    row("one line of blanks", QByteArray(size, ' '), "1 0");
+    row("one comment", QByteArray(size, ';'), "1 0");
+    row("comments", QByteArray("; Nobody reads this line, which is a comment.\n").repeated(size / 46), "1 0");
+    row("empty lines", QByteArray(size / 2, '\n'), "1 0");
+    row("ignored values", "[Comments]\n" + ("Line=" + QByteArray(60000, 'x') + '\n').repeated(size / 60006), "1 0");
+    row("names", names("", size), "1 1");
+    row("names in Windows-1252", names("\xE4", size), "1 1");
+}
+
+void TestSheetSize::memoryStaysNearTwiceTheFile()
+{
+    if (sanitized)
+        QSKIP("the sanitizer needs memory of its own");
+    QFETCH(QByteArray, text);
+    const CSheetFile file(text);
+    const QByteArrayList measured = measuredInAnotherProcess(file);
+    QCOMPARE(measured.size(), 3);
+    QTEST(measured[0] + ' ' + measured[1], "expected");
+    const qint64 peak = measured[2].toLongLong();
+    QVERIFY(peak > 0);
+    const qint64 bytes = peak - memoryOfAnEmptySheet();
+    QVERIFY2(bytes < text.size() * 22 / 10, qPrintable(QString("%1 bytes for %2").arg(bytes).arg(text.size())));
+}
+
+void TestSheetSize::lineOfAnObjectListCostsLittle()
+{
+    if (sanitized)
+        QSKIP("the sanitizer needs memory of its own");
+    const int count = 200000;
+    const CSheetFile file("[OptionalObjects]\n" + QByteArray("1=1\n").repeated(count));
+    const QByteArrayList measured = measuredInAnotherProcess(file);
+    QCOMPARE(measured.size(), 3);
+    QCOMPARE(measured[1].toInt(), count);
+    const double each = double(measured[2].toLongLong() - memoryOfAnEmptySheet()) / count;
+    QVERIFY2(each < 400, qPrintable(QString("%1 bytes for each line").arg(each)));
+}
 
 int main(int argc, char** argv)
 {

@@ -195,19 +195,9 @@ private Q_SLOTS:
 
     void framesAreWhatTheMasterSendsAndTakes_data() { addExamples(false); }
     void framesAreWhatTheMasterSendsAndTakes() { play<CBusPlayer>(); }
-
     void linesAreWhatTheGatewayClientSendsAndTakes_data() { addExamples(true); }
     void linesAreWhatTheGatewayClientSendsAndTakes() { play<CGatewayPlayer>(); }
-
-    void everyCallIsShown()
-    {
-        QStringList missing = protocolCalls();
-        for (const tPageExample& example : examples)
-            for (const tPageStep& step : example.steps)
-                if (step.kind == tPageStep::Call)
-                    missing.removeOne(step.text.section('(', 0, 0));
-        QCOMPARE(missing.join(", "), QString());
-    }
+    void everyCallIsShown();
 
 private:
     void addExamples(bool ofGateway) const
@@ -232,6 +222,16 @@ private:
 
     const QList<tPageExample> examples = readProtocolsPage(VELMORA_PROTOCOLS_PAGE);
 };
+
+void TestProtocolsPage::everyCallIsShown()
+{
+    QStringList missing = protocolCalls();
+    for (const tPageExample& example : examples)
+        for (const tPageStep& step : example.steps)
+            if (step.kind == tPageStep::Call)
+                missing.removeOne(step.text.section('(', 0, 0));
+    QCOMPARE(missing.join(", "), QString());
+}
 
 QTEST_GUILESS_MAIN(TestProtocolsPage)
 #include "TestProtocolsPage.moc"

@@ -13,42 +13,48 @@ class TestMessageBoxes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aTitleNamesProductAndAction()
-    {
-        QCOMPARE(messageBox::titleOf("Read parameter"), QString("Velmora - Read parameter"));
-    }
-
-    void everyBoxIsPlainText_data()
-    {
-        QTest::addColumn<tShow>("show");
-        QTest::addColumn<QMessageBox::Icon>("icon");
-        QTest::newRow("information") << &messageBox::information << QMessageBox::Information;
-        QTest::newRow("warning") << &messageBox::warning << QMessageBox::Warning;
-        QTest::newRow("critical") << &messageBox::critical << QMessageBox::Critical;
-        QTest::newRow("about") << &messageBox::about << QMessageBox::NoIcon;
-    }
-    void everyBoxIsPlainText()
-    {
-        QFETCH(const tShow, show);
-        QFETCH(const QMessageBox::Icon, icon);
-        CBoxCatcher catcher;
-        QWidget parent;
-        show(&parent, "Title", "can<b>0</b>\n\n\t%1 &amp; tail");
-        const CBoxCatcher::tBox box = catcher.only();
-        QCOMPARE(box.title, QString("Title"));
-        QCOMPARE(box.text, QString("can<b>0</b>\n\n\t%1 &amp; tail"));
-        QCOMPARE(box.icon, icon);
-        QCOMPARE(box.format, Qt::PlainText);
-    }
-
-    void aBoxOutlivesItsParentsEnd()
-    {
-        QPointer<QWidget> parent = new QWidget;
-        QTimer::singleShot(0, parent, [parent] { delete parent; });
-        messageBox::warning(parent, "Title", "text");
-        QVERIFY(parent.isNull());
-    }
+    void aTitleNamesProductAndAction();
+    void everyBoxIsPlainText_data();
+    void everyBoxIsPlainText();
+    void aBoxOutlivesItsParentsEnd();
 };
+
+void TestMessageBoxes::aTitleNamesProductAndAction()
+{
+    QCOMPARE(messageBox::titleOf("Read parameter"), QString("Velmora - Read parameter"));
+}
+
+void TestMessageBoxes::everyBoxIsPlainText_data()
+{
+    QTest::addColumn<tShow>("show");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::newRow("information") << &messageBox::information << QMessageBox::Information;
+    QTest::newRow("warning") << &messageBox::warning << QMessageBox::Warning;
+    QTest::newRow("critical") << &messageBox::critical << QMessageBox::Critical;
+    QTest::newRow("about") << &messageBox::about << QMessageBox::NoIcon;
+}
+
+void TestMessageBoxes::everyBoxIsPlainText()
+{
+    QFETCH(const tShow, show);
+    QFETCH(const QMessageBox::Icon, icon);
+    CBoxCatcher catcher;
+    QWidget parent;
+    show(&parent, "Title", "can<b>0</b>\n\n\t%1 &amp; tail");
+    const CBoxCatcher::tBox box = catcher.only();
+    QCOMPARE(box.title, QString("Title"));
+    QCOMPARE(box.text, QString("can<b>0</b>\n\n\t%1 &amp; tail"));
+    QCOMPARE(box.icon, icon);
+    QCOMPARE(box.format, Qt::PlainText);
+}
+
+void TestMessageBoxes::aBoxOutlivesItsParentsEnd()
+{
+    QPointer<QWidget> parent = new QWidget;
+    QTimer::singleShot(0, parent, [parent] { delete parent; });
+    messageBox::warning(parent, "Title", "text");
+    QVERIFY(parent.isNull());
+}
 
 QTEST_MAIN(TestMessageBoxes)
 #include "TestMessageBoxes.moc"

@@ -98,121 +98,135 @@ class TestDeviceInfoDialog : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePagesHaveTheirTitles()
-    {
-        CDeviceInfoDialog dialog;
-        const auto* tabs = dialog.findChild<QTabWidget*>();
-        QStringList titles;
-        for (int page = 0; page < tabs->count(); ++page)
-            titles << tabs->tabText(page);
-        QCOMPARE(titles, QStringList({ "Device Info (1)", "DeviceInfo (2)", "DeviceInfo (3)", "File Info" }));
-    }
-
-    void eachFieldHasItsLabelAndHelp_data()
-    {
-        QTest::addColumn<int>("number");
-        for (int n = 0; n < int(std::size(fields)); ++n)
-            QTest::newRow(fields[n].toolTip) << n;
-    }
-    void eachFieldHasItsLabelAndHelp()
-    {
-        CDeviceInfoDialog dialog;
-        QFETCH(const int, number);
-        const tField& field = fields[number];
-        int place = 0;
-        while (fields[number - place].page == field.page && number > place)
-            ++place;
-        place -= fields[number - place].page == field.page ? 0 : 1;
-        const QLineEdit* edit = editsOf(dialog, field.page).value(place);
-        QVERIFY(edit != nullptr);
-        QCOMPARE(edit->toolTip(), QString(field.toolTip));
-        if (field.whatsThis != nullptr)
-            QCOMPARE(edit->whatsThis(), QString(field.whatsThis));
-        QVERIFY(edit->isReadOnly());
-        QStringList labels;
-        for (const QLabel* label : dialog.findChild<QTabWidget*>()->widget(field.page)->findChildren<QLabel*>())
-            labels << label->text();
-        QVERIFY(labels.contains(field.label) || *field.label == '\0');
-    }
-
-    void theLastPageEndsWithTheDescription()
-    {
-        CDeviceInfoDialog dialog;
-        QCOMPARE(editsOf(dialog, 0).size(), 7);
-        QCOMPARE(editsOf(dialog, 1).size(), 8);
-        QCOMPARE(editsOf(dialog, 2).size(), 7);
-        QCOMPARE(editsOf(dialog, 3).size(), 7);
-    }
-
-    void aFullDictionaryFillsAllPages()
-    {
-        CDeviceInfoDialog dialog;
-        QCOMPARE(dialog.populate(dictionaryOf(fullSheet).get()), true);
-        QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
-        QCOMPARE(textsOf(dialog, 0), QStringList({ "ACME %1", "4294967295", "Box", "42", "1.2", "A-1", "A %1 test" }));
-        QCOMPARE(textsOf(dialog, 1), QStringList({ "1.0 MBit/s  is supported", "800 kBit/s  is not supported",
-                                                   "500 kBit/s  is not supported", "250 kBit/s  is not supported",
-                                                   "125 kBit/s  is supported", "50 kBit/s  is not supported",
-                                                   "20 kBit/s  is not supported", "10 kBit/s  is supported" }));
-        QCOMPARE(textsOf(dialog, 2),
-                 QStringList({ "is supported", "is not supported", "4 RxPDO(s) and 500 TxPDO(s) supported",
-                               "8 - dynamic mapping supported", "is not supported", "is supported", "is supported" }));
-        QCOMPARE(textsOf(dialog, 3),
-                 QStringList({ "sheet.eds", "7", "4.2", "me %2", "", "01-02-2026 10:00AM", "A %1 test" }));
-    }
-
-    void granularity0IsNotModifiable()
-    {
-        CDeviceInfoDialog dialog;
-        QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nVendorName=x\n").get()));
-        QCOMPARE(textsOf(dialog, 2).value(3), QString("0 - mapping not modifiable"));
-    }
-
-    void aRevisionShowsBothHalves_data()
-    {
-        QTest::addColumn<QByteArray>("number");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("0x00010002") << QByteArray("0x00010002") << "1.2";
-        QTest::newRow("0xFFFF8000") << QByteArray("0xFFFF8000") << "65535.32768";
-        QTest::newRow("0") << QByteArray("0") << "0.0";
-    }
-    void aRevisionShowsBothHalves()
-    {
-        CDeviceInfoDialog dialog;
-        QFETCH(const QByteArray, number);
-        QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nRevisionNumber=" + number + "\n").get()));
-        QTEST(textsOf(dialog, 0).value(4), "text");
-    }
-
-    void withoutDeviceInfoOnlyTheFilePageIsFilled()
-    {
-        CDeviceInfoDialog dialog;
-        QCOMPARE(dialog.populate(dictionaryOf("[FileInfo]\nCreatedBy=me\nDescription=lost\n").get()), false);
-        for (int page = 0; page < 3; ++page)
-            QCOMPARE(textsOf(dialog, page).join(""), QString());
-        QCOMPARE(textsOf(dialog, 3), QStringList({ "sheet.eds", "1.0", "3.0", "me", "", " ", "" }));
-        QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
-    }
-
-    void aNullDictionaryIsReportedAndCostsNothing()
-    {
-        CDeviceInfoDialog dialog;
-        QTest::ignoreMessage(QtWarningMsg,
-                             QRegularExpression("^ASSERT: \"dictionary\" in .*DeviceInfoDialog.* \\([0-9]+\\)$"));
-        QCOMPARE(dialog.populate(nullptr), false);
-    }
-
-    void okClosesIt()
-    {
-        CDeviceInfoDialog dialog;
-        dialog.show();
-        QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
-        QCOMPARE(buttons.size(), 1);
-        QCOMPARE(buttons.first()->text().remove('&'), QString("OK"));
-        QTest::mouseClick(buttons.first(), Qt::LeftButton);
-        QVERIFY(!dialog.isVisible());
-    }
+    void thePagesHaveTheirTitles();
+    void eachFieldHasItsLabelAndHelp_data();
+    void eachFieldHasItsLabelAndHelp();
+    void theLastPageEndsWithTheDescription();
+    void aFullDictionaryFillsAllPages();
+    void granularity0IsNotModifiable();
+    void aRevisionShowsBothHalves_data();
+    void aRevisionShowsBothHalves();
+    void withoutDeviceInfoOnlyTheFilePageIsFilled();
+    void aNullDictionaryIsReportedAndCostsNothing();
+    void okClosesIt();
 };
+
+void TestDeviceInfoDialog::thePagesHaveTheirTitles()
+{
+    CDeviceInfoDialog dialog;
+    const auto* tabs = dialog.findChild<QTabWidget*>();
+    QStringList titles;
+    for (int page = 0; page < tabs->count(); ++page)
+        titles << tabs->tabText(page);
+    QCOMPARE(titles, QStringList({ "Device Info (1)", "DeviceInfo (2)", "DeviceInfo (3)", "File Info" }));
+}
+
+void TestDeviceInfoDialog::eachFieldHasItsLabelAndHelp_data()
+{
+    QTest::addColumn<int>("number");
+    for (int n = 0; n < int(std::size(fields)); ++n)
+        QTest::newRow(fields[n].toolTip) << n;
+}
+
+void TestDeviceInfoDialog::eachFieldHasItsLabelAndHelp()
+{
+    CDeviceInfoDialog dialog;
+    QFETCH(const int, number);
+    const tField& field = fields[number];
+    int place = 0;
+    while (fields[number - place].page == field.page && number > place)
+        ++place;
+    place -= fields[number - place].page == field.page ? 0 : 1;
+    const QLineEdit* edit = editsOf(dialog, field.page).value(place);
+    QVERIFY(edit != nullptr);
+    QCOMPARE(edit->toolTip(), QString(field.toolTip));
+    if (field.whatsThis != nullptr)
+        QCOMPARE(edit->whatsThis(), QString(field.whatsThis));
+    QVERIFY(edit->isReadOnly());
+    QStringList labels;
+    for (const QLabel* label : dialog.findChild<QTabWidget*>()->widget(field.page)->findChildren<QLabel*>())
+        labels << label->text();
+    QVERIFY(labels.contains(field.label) || *field.label == '\0');
+}
+
+void TestDeviceInfoDialog::theLastPageEndsWithTheDescription()
+{
+    CDeviceInfoDialog dialog;
+    QCOMPARE(editsOf(dialog, 0).size(), 7);
+    QCOMPARE(editsOf(dialog, 1).size(), 8);
+    QCOMPARE(editsOf(dialog, 2).size(), 7);
+    QCOMPARE(editsOf(dialog, 3).size(), 7);
+}
+
+void TestDeviceInfoDialog::aFullDictionaryFillsAllPages()
+{
+    CDeviceInfoDialog dialog;
+    QCOMPARE(dialog.populate(dictionaryOf(fullSheet).get()), true);
+    QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
+    QCOMPARE(textsOf(dialog, 0), QStringList({ "ACME %1", "4294967295", "Box", "42", "1.2", "A-1", "A %1 test" }));
+    QCOMPARE(textsOf(dialog, 1),
+             QStringList({ "1.0 MBit/s  is supported", "800 kBit/s  is not supported", "500 kBit/s  is not supported",
+                           "250 kBit/s  is not supported", "125 kBit/s  is supported", "50 kBit/s  is not supported",
+                           "20 kBit/s  is not supported", "10 kBit/s  is supported" }));
+    QCOMPARE(textsOf(dialog, 2),
+             QStringList({ "is supported", "is not supported", "4 RxPDO(s) and 500 TxPDO(s) supported",
+                           "8 - dynamic mapping supported", "is not supported", "is supported", "is supported" }));
+    QCOMPARE(textsOf(dialog, 3),
+             QStringList({ "sheet.eds", "7", "4.2", "me %2", "", "01-02-2026 10:00AM", "A %1 test" }));
+}
+
+void TestDeviceInfoDialog::granularity0IsNotModifiable()
+{
+    CDeviceInfoDialog dialog;
+    QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nVendorName=x\n").get()));
+    QCOMPARE(textsOf(dialog, 2).value(3), QString("0 - mapping not modifiable"));
+}
+
+void TestDeviceInfoDialog::aRevisionShowsBothHalves_data()
+{
+    QTest::addColumn<QByteArray>("number");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("0x00010002") << QByteArray("0x00010002") << "1.2";
+    QTest::newRow("0xFFFF8000") << QByteArray("0xFFFF8000") << "65535.32768";
+    QTest::newRow("0") << QByteArray("0") << "0.0";
+}
+
+void TestDeviceInfoDialog::aRevisionShowsBothHalves()
+{
+    CDeviceInfoDialog dialog;
+    QFETCH(const QByteArray, number);
+    QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nRevisionNumber=" + number + "\n").get()));
+    QTEST(textsOf(dialog, 0).value(4), "text");
+}
+
+void TestDeviceInfoDialog::withoutDeviceInfoOnlyTheFilePageIsFilled()
+{
+    CDeviceInfoDialog dialog;
+    QCOMPARE(dialog.populate(dictionaryOf("[FileInfo]\nCreatedBy=me\nDescription=lost\n").get()), false);
+    for (int page = 0; page < 3; ++page)
+        QCOMPARE(textsOf(dialog, page).join(""), QString());
+    QCOMPARE(textsOf(dialog, 3), QStringList({ "sheet.eds", "1.0", "3.0", "me", "", " ", "" }));
+    QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
+}
+
+void TestDeviceInfoDialog::aNullDictionaryIsReportedAndCostsNothing()
+{
+    CDeviceInfoDialog dialog;
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression("^ASSERT: \"dictionary\" in .*DeviceInfoDialog.* \\([0-9]+\\)$"));
+    QCOMPARE(dialog.populate(nullptr), false);
+}
+
+void TestDeviceInfoDialog::okClosesIt()
+{
+    CDeviceInfoDialog dialog;
+    dialog.show();
+    QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
+    QCOMPARE(buttons.size(), 1);
+    QCOMPARE(buttons.first()->text().remove('&'), QString("OK"));
+    QTest::mouseClick(buttons.first(), Qt::LeftButton);
+    QVERIFY(!dialog.isVisible());
+}
 
 QTEST_MAIN(TestDeviceInfoDialog)
 #include "TestDeviceInfoDialog.moc"

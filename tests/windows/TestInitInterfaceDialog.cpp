@@ -19,257 +19,28 @@ class TestInitInterfaceDialog : public QObject
 private Q_SLOTS:
     void init() { m_store.emplace(); }
 
-    void itHasItsTitleAndSize()
-    {
-        CInitInterfaceDialog dialog;
-        QCOMPARE(dialog.windowTitle(), QString("Initialize CAN Interface"));
-        QVERIFY(dialog.width() >= 330 && dialog.height() >= 170);
-    }
-
-    void labelsNameTheFields_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("buddy");
-        QTest::newRow("interface") << "&Interface:"
-                                   << "interface combo box";
-        QTest::newRow("baud rate") << "&Baud rate:"
-                                   << "baud rate combo box";
-        QTest::newRow("unit") << "Kbps (CiA Bit-timing)"
-                              << "";
-        QTest::newRow("node-id") << "&Node-Id.:"
-                                 << "master id spin box";
-        QTest::newRow("master") << "for CANopen Master"
-                                << "";
-    }
-    void labelsNameTheFields()
-    {
-        CInitInterfaceDialog dialog;
-        QFETCH(const QString, text);
-        QFETCH(const QString, buddy);
-        for (const QLabel* label : dialog.findChildren<QLabel*>())
-            if (label->text() == text) {
-                QCOMPARE(label->buddy() != nullptr ? label->buddy()->objectName() : QString(), buddy);
-                return;
-            }
-        QFAIL("no such label");
-    }
-
-    void onlyTheInterfaceCanBeChosen()
-    {
-        CInitInterfaceDialog dialog;
-        QVERIFY(interfaceBox(dialog)->isEnabled());
-        QVERIFY(!dialog.findChild<QComboBox*>("baud rate combo box")->isEnabled());
-        QVERIFY(!dialog.findChild<QSpinBox*>("master id spin box")->isEnabled());
-        int disabled = 0;
-        for (const QLabel* label : dialog.findChildren<QLabel*>())
-            disabled += label->isEnabled() ? 0 : 1;
-        QCOMPARE(disabled, 3);
-    }
-
-    void theMasterIdRunsFrom0To127()
-    {
-        CInitInterfaceDialog dialog;
-        const auto* spinBox = dialog.findChild<QSpinBox*>("master id spin box");
-        QCOMPARE(spinBox->minimum(), 0);
-        QCOMPARE(spinBox->maximum(), 127);
-        QCOMPARE(spinBox->value(), 0);
-    }
-
-    void theBaudRateBoxShows250WhenTheDialogOpens()
-    {
-        CInitInterfaceDialog dialog;
-        const auto* box = dialog.findChild<QComboBox*>("baud rate combo box");
-        QStringList rates;
-        for (int row = 0; row < box->count(); ++row)
-            rates << box->itemText(row);
-        QCOMPARE(rates, QStringList({ "1000", "800", "500", "250", "125", "100", "50", "20", "10" }));
-        QCOMPARE(box->currentText(), QString("250"));
-        QCOMPARE(dialog.getBaudrate(), 3);
-    }
-
-    void widgetsCarryTheirHelpTexts_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("toolTip");
-        QTest::addColumn<QString>("whatsThis");
-        QTest::newRow("interface") << "interface combo box"
-                                   << "Interface to initialize"
-                                   << "Enter a interface name or select one fron the list";
-        QTest::newRow("baud rate") << "baud rate combo box"
-                                   << "Baud rate for CAN communication"
-                                   << "Select a baud rate for CAN communication.";
-        QTest::newRow("node-id") << "master id spin box"
-                                 << "Node-Id. of the CANopen Master"
-                                 << "Enter the Node-Id. for the CANopen Master.";
-        QTest::newRow("OK") << "ok push button"
-                            << "Accept decisions"
-                            << "Accept selection and initialize the selected interface.";
-        QTest::newRow("Cancel") << "cancel push button"
-                                << "Resistance is futile!"
-                                << "Leave without any action.";
-    }
-    void widgetsCarryTheirHelpTexts()
-    {
-        CInitInterfaceDialog dialog;
-        QFETCH(const QString, name);
-        const auto* widget = dialog.findChild<QWidget*>(name);
-        QVERIFY(widget != nullptr);
-        QTEST(widget->toolTip(), "toolTip");
-        QTEST(widget->whatsThis(), "whatsThis");
-    }
-
-    void labelsCarryTheWhatsThisTextsOfTheirFields()
-    {
-        CInitInterfaceDialog dialog;
-        int compared = 0;
-        for (const QLabel* label : dialog.findChildren<QLabel*>())
-            if (label->buddy() != nullptr) {
-                QCOMPARE(label->whatsThis(), label->buddy()->whatsThis());
-                ++compared;
-            }
-        QCOMPARE(compared, 3);
-    }
-
-    void buttonsHaveTheirShortcuts()
-    {
-        CInitInterfaceDialog dialog;
-        const auto* ok = button(dialog, "ok");
-        QCOMPARE(ok->text(), QString("&OK"));
-        QCOMPARE(ok->shortcut(), QKeySequence("Alt+O"));
-        const auto* cancel = button(dialog, "cancel");
-        QCOMPARE(cancel->text(), QString("&Cancel"));
-        QCOMPARE(cancel->shortcut(), QKeySequence("Alt+C"));
-    }
-
-    void withNothingStoredTheBoxIsEmptyAndOkWarns()
-    {
-        CInitInterfaceDialog dialog;
-        CBoxCatcher boxes;
-        dialog.show();
-        QCOMPARE(interfaceBox(dialog)->count(), 0);
-        QCOMPARE(interfaceBox(dialog)->currentText(), QString());
-        QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
-        QCOMPARE(boxes.only().title, QString("Velmora - Initialize Interface"));
-        QCOMPARE(boxes.only().text, QString("No interface given!\n\nPlease retry."));
-        QCOMPARE(boxes.only().icon, QMessageBox::Warning);
-        QVERIFY(dialog.isVisible());
-        QCOMPARE(dialog.getInterface(), static_cast<const char*>(nullptr));
-    }
-
-    void okAcceptsAGivenInterface()
-    {
-        CInitInterfaceDialog dialog;
-        dialog.show();
-        QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "can0");
-        QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        QVERIFY(!dialog.isVisible());
-        QCOMPARE(dialog.getInterface(), "can0");
-    }
-
-    void returnAcceptsAGivenInterface()
-    {
-        CInitInterfaceDialog dialog;
-        dialog.show();
-        QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "can0");
-        QTest::keyClick(interfaceBox(dialog)->lineEdit(), Qt::Key_Return);
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        QCOMPARE(interfaceBox(dialog)->currentText(), QString("can0"));
-    }
-
-    void cancelRejects()
-    {
-        CInitInterfaceDialog dialog;
-        dialog.show();
-        dialog.setResult(QDialog::Accepted);
-        QTest::mouseClick(button(dialog, "cancel"), Qt::LeftButton);
-        QCOMPARE(dialog.result(), int(QDialog::Rejected));
-        QVERIFY(!dialog.isVisible());
-    }
-
-    void theHistoryIsLoadedInOrderWithDuplicates()
-    {
-        storeHistory({ "a", "", "b", "a" });
-        CInitInterfaceDialog dialog;
-        QCOMPARE(items(dialog), QStringList({ "a", "b", "a" }));
-        QCOMPARE(interfaceBox(dialog)->currentText(), QString("a"));
-    }
-
-    void choosingTheThirdEntryMovesItToTheTop()
-    {
-        storeHistory({ "a", "b", "c", "d" });
-        CInitInterfaceDialog dialog;
-        interfaceBox(dialog)->setCurrentIndex(2);
-        QCOMPARE(dialog.getInterface(), "c");
-        QCOMPARE(items(dialog), QStringList({ "c", "a", "b", "d" }));
-        QCOMPARE(interfaceBox(dialog)->currentText(), QString("c"));
-        dialog.saveSettings();
-        QCOMPARE(storedHistory(), QStringList({ "c", "a", "b", "d" }));
-    }
-
-    void onlyTheFirstEqualEntryIsTakenAway()
-    {
-        storeHistory({ "a", "b", "c", "b" });
-        CInitInterfaceDialog dialog;
-        interfaceBox(dialog)->setEditText("b");
-        QCOMPARE(dialog.getInterface(), "b");
-        QCOMPARE(items(dialog), QStringList({ "b", "a", "c", "b" }));
-    }
-
-    void aTypedInterfaceEntersAtTheTop()
-    {
-        storeHistory({ "a" });
-        CInitInterfaceDialog dialog;
-        interfaceBox(dialog)->setEditText("localhost:60000");
-        QCOMPARE(dialog.getInterface(), "localhost:60000");
-        QCOMPARE(items(dialog), QStringList({ "localhost:60000", "a" }));
-    }
-
-    void spellingIsKeptAsTyped()
-    {
-        storeHistory({ "can1" });
-        CInitInterfaceDialog dialog;
-        dialog.show();
-        interfaceBox(dialog)->lineEdit()->selectAll();
-        QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "CAN1");
-        QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
-        QCOMPARE(dialog.getInterface(), "CAN1");
-        QCOMPARE(items(dialog), QStringList({ "CAN1", "can1" }));
-    }
-
-    void onlyTheFirstTenEntriesAreWritten()
-    {
-        QStringList ten;
-        for (int n = 1; n <= 10; ++n)
-            ten << QString("can%1").arg(n);
-        storeHistory(ten);
-        CInitInterfaceDialog dialog;
-        for (const char* text : { "new1", "new2" }) {
-            interfaceBox(dialog)->setEditText(text);
-            QCOMPARE(dialog.getInterface(), text);
-        }
-        QCOMPARE(interfaceBox(dialog)->count(), 12);
-        dialog.saveSettings();
-        QCOMPARE(storedHistory(), QStringList({ "new2", "new1" }) + ten.first(8));
-        QVERIFY(!m_store->contains("Used Interfaces/Interface11"));
-    }
-
-    void olderEntriesBehindTheListStay()
-    {
-        storeHistory({ "a", "b" });
-        CInitInterfaceDialog dialog;
-        m_store->setValue("Used Interfaces/Interface5", "e");
-        dialog.saveSettings();
-        QCOMPARE(m_store->value("Used Interfaces/Interface5"), QString("e"));
-    }
-
-    void nothingIsStoredWithoutSaving()
-    {
-        CInitInterfaceDialog dialog;
-        interfaceBox(dialog)->setEditText("can0");
-        QCOMPARE(dialog.getInterface(), "can0");
-        QCOMPARE(storedHistory(), QStringList());
-    }
+    void itHasItsTitleAndSize();
+    void labelsNameTheFields_data();
+    void labelsNameTheFields();
+    void onlyTheInterfaceCanBeChosen();
+    void theMasterIdRunsFrom0To127();
+    void theBaudRateBoxShows250WhenTheDialogOpens();
+    void widgetsCarryTheirHelpTexts_data();
+    void widgetsCarryTheirHelpTexts();
+    void labelsCarryTheWhatsThisTextsOfTheirFields();
+    void buttonsHaveTheirShortcuts();
+    void withNothingStoredTheBoxIsEmptyAndOkWarns();
+    void okAcceptsAGivenInterface();
+    void returnAcceptsAGivenInterface();
+    void cancelRejects();
+    void theHistoryIsLoadedInOrderWithDuplicates();
+    void choosingTheThirdEntryMovesItToTheTop();
+    void onlyTheFirstEqualEntryIsTakenAway();
+    void aTypedInterfaceEntersAtTheTop();
+    void spellingIsKeptAsTyped();
+    void onlyTheFirstTenEntriesAreWritten();
+    void olderEntriesBehindTheListStay();
+    void nothingIsStoredWithoutSaving();
 
 private:
     static QComboBox* interfaceBox(const QDialog& dialog)
@@ -302,6 +73,260 @@ private:
 
     std::optional<CTempSettings> m_store;
 };
+
+void TestInitInterfaceDialog::itHasItsTitleAndSize()
+{
+    CInitInterfaceDialog dialog;
+    QCOMPARE(dialog.windowTitle(), QString("Initialize CAN Interface"));
+    QVERIFY(dialog.width() >= 330 && dialog.height() >= 170);
+}
+
+void TestInitInterfaceDialog::labelsNameTheFields_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("buddy");
+    QTest::newRow("interface") << "&Interface:"
+                               << "interface combo box";
+    QTest::newRow("baud rate") << "&Baud rate:"
+                               << "baud rate combo box";
+    QTest::newRow("unit") << "Kbps (CiA Bit-timing)"
+                          << "";
+    QTest::newRow("node-id") << "&Node-Id.:"
+                             << "master id spin box";
+    QTest::newRow("master") << "for CANopen Master"
+                            << "";
+}
+
+void TestInitInterfaceDialog::labelsNameTheFields()
+{
+    CInitInterfaceDialog dialog;
+    QFETCH(const QString, text);
+    QFETCH(const QString, buddy);
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->text() == text) {
+            QCOMPARE(label->buddy() != nullptr ? label->buddy()->objectName() : QString(), buddy);
+            return;
+        }
+    QFAIL("no such label");
+}
+
+void TestInitInterfaceDialog::onlyTheInterfaceCanBeChosen()
+{
+    CInitInterfaceDialog dialog;
+    QVERIFY(interfaceBox(dialog)->isEnabled());
+    QVERIFY(!dialog.findChild<QComboBox*>("baud rate combo box")->isEnabled());
+    QVERIFY(!dialog.findChild<QSpinBox*>("master id spin box")->isEnabled());
+    int disabled = 0;
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        disabled += label->isEnabled() ? 0 : 1;
+    QCOMPARE(disabled, 3);
+}
+
+void TestInitInterfaceDialog::theMasterIdRunsFrom0To127()
+{
+    CInitInterfaceDialog dialog;
+    const auto* spinBox = dialog.findChild<QSpinBox*>("master id spin box");
+    QCOMPARE(spinBox->minimum(), 0);
+    QCOMPARE(spinBox->maximum(), 127);
+    QCOMPARE(spinBox->value(), 0);
+}
+
+void TestInitInterfaceDialog::theBaudRateBoxShows250WhenTheDialogOpens()
+{
+    CInitInterfaceDialog dialog;
+    const auto* box = dialog.findChild<QComboBox*>("baud rate combo box");
+    QStringList rates;
+    for (int row = 0; row < box->count(); ++row)
+        rates << box->itemText(row);
+    QCOMPARE(rates, QStringList({ "1000", "800", "500", "250", "125", "100", "50", "20", "10" }));
+    QCOMPARE(box->currentText(), QString("250"));
+    QCOMPARE(dialog.getBaudrate(), 3);
+}
+
+void TestInitInterfaceDialog::widgetsCarryTheirHelpTexts_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("toolTip");
+    QTest::addColumn<QString>("whatsThis");
+    QTest::newRow("interface") << "interface combo box"
+                               << "Interface to initialize"
+                               << "Enter a interface name or select one fron the list";
+    QTest::newRow("baud rate") << "baud rate combo box"
+                               << "Baud rate for CAN communication"
+                               << "Select a baud rate for CAN communication.";
+    QTest::newRow("node-id") << "master id spin box"
+                             << "Node-Id. of the CANopen Master"
+                             << "Enter the Node-Id. for the CANopen Master.";
+    QTest::newRow("OK") << "ok push button"
+                        << "Accept decisions"
+                        << "Accept selection and initialize the selected interface.";
+    QTest::newRow("Cancel") << "cancel push button"
+                            << "Resistance is futile!"
+                            << "Leave without any action.";
+}
+
+void TestInitInterfaceDialog::widgetsCarryTheirHelpTexts()
+{
+    CInitInterfaceDialog dialog;
+    QFETCH(const QString, name);
+    const auto* widget = dialog.findChild<QWidget*>(name);
+    QVERIFY(widget != nullptr);
+    QTEST(widget->toolTip(), "toolTip");
+    QTEST(widget->whatsThis(), "whatsThis");
+}
+
+void TestInitInterfaceDialog::labelsCarryTheWhatsThisTextsOfTheirFields()
+{
+    CInitInterfaceDialog dialog;
+    int compared = 0;
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->buddy() != nullptr) {
+            QCOMPARE(label->whatsThis(), label->buddy()->whatsThis());
+            ++compared;
+        }
+    QCOMPARE(compared, 3);
+}
+
+void TestInitInterfaceDialog::buttonsHaveTheirShortcuts()
+{
+    CInitInterfaceDialog dialog;
+    const auto* ok = button(dialog, "ok");
+    QCOMPARE(ok->text(), QString("&OK"));
+    QCOMPARE(ok->shortcut(), QKeySequence("Alt+O"));
+    const auto* cancel = button(dialog, "cancel");
+    QCOMPARE(cancel->text(), QString("&Cancel"));
+    QCOMPARE(cancel->shortcut(), QKeySequence("Alt+C"));
+}
+
+void TestInitInterfaceDialog::withNothingStoredTheBoxIsEmptyAndOkWarns()
+{
+    CInitInterfaceDialog dialog;
+    CBoxCatcher boxes;
+    dialog.show();
+    QCOMPARE(interfaceBox(dialog)->count(), 0);
+    QCOMPARE(interfaceBox(dialog)->currentText(), QString());
+    QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
+    QCOMPARE(boxes.only().title, QString("Velmora - Initialize Interface"));
+    QCOMPARE(boxes.only().text, QString("No interface given!\n\nPlease retry."));
+    QCOMPARE(boxes.only().icon, QMessageBox::Warning);
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(dialog.getInterface(), static_cast<const char*>(nullptr));
+}
+
+void TestInitInterfaceDialog::okAcceptsAGivenInterface()
+{
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "can0");
+    QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.getInterface(), "can0");
+}
+
+void TestInitInterfaceDialog::returnAcceptsAGivenInterface()
+{
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "can0");
+    QTest::keyClick(interfaceBox(dialog)->lineEdit(), Qt::Key_Return);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(interfaceBox(dialog)->currentText(), QString("can0"));
+}
+
+void TestInitInterfaceDialog::cancelRejects()
+{
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    dialog.setResult(QDialog::Accepted);
+    QTest::mouseClick(button(dialog, "cancel"), Qt::LeftButton);
+    QCOMPARE(dialog.result(), int(QDialog::Rejected));
+    QVERIFY(!dialog.isVisible());
+}
+
+void TestInitInterfaceDialog::theHistoryIsLoadedInOrderWithDuplicates()
+{
+    storeHistory({ "a", "", "b", "a" });
+    CInitInterfaceDialog dialog;
+    QCOMPARE(items(dialog), QStringList({ "a", "b", "a" }));
+    QCOMPARE(interfaceBox(dialog)->currentText(), QString("a"));
+}
+
+void TestInitInterfaceDialog::choosingTheThirdEntryMovesItToTheTop()
+{
+    storeHistory({ "a", "b", "c", "d" });
+    CInitInterfaceDialog dialog;
+    interfaceBox(dialog)->setCurrentIndex(2);
+    QCOMPARE(dialog.getInterface(), "c");
+    QCOMPARE(items(dialog), QStringList({ "c", "a", "b", "d" }));
+    QCOMPARE(interfaceBox(dialog)->currentText(), QString("c"));
+    dialog.saveSettings();
+    QCOMPARE(storedHistory(), QStringList({ "c", "a", "b", "d" }));
+}
+
+void TestInitInterfaceDialog::onlyTheFirstEqualEntryIsTakenAway()
+{
+    storeHistory({ "a", "b", "c", "b" });
+    CInitInterfaceDialog dialog;
+    interfaceBox(dialog)->setEditText("b");
+    QCOMPARE(dialog.getInterface(), "b");
+    QCOMPARE(items(dialog), QStringList({ "b", "a", "c", "b" }));
+}
+
+void TestInitInterfaceDialog::aTypedInterfaceEntersAtTheTop()
+{
+    storeHistory({ "a" });
+    CInitInterfaceDialog dialog;
+    interfaceBox(dialog)->setEditText("localhost:60000");
+    QCOMPARE(dialog.getInterface(), "localhost:60000");
+    QCOMPARE(items(dialog), QStringList({ "localhost:60000", "a" }));
+}
+
+void TestInitInterfaceDialog::spellingIsKeptAsTyped()
+{
+    storeHistory({ "can1" });
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    interfaceBox(dialog)->lineEdit()->selectAll();
+    QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "CAN1");
+    QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
+    QCOMPARE(dialog.getInterface(), "CAN1");
+    QCOMPARE(items(dialog), QStringList({ "CAN1", "can1" }));
+}
+
+void TestInitInterfaceDialog::onlyTheFirstTenEntriesAreWritten()
+{
+    QStringList ten;
+    for (int n = 1; n <= 10; ++n)
+        ten << QString("can%1").arg(n);
+    storeHistory(ten);
+    CInitInterfaceDialog dialog;
+    for (const char* text : { "new1", "new2" }) {
+        interfaceBox(dialog)->setEditText(text);
+        QCOMPARE(dialog.getInterface(), text);
+    }
+    QCOMPARE(interfaceBox(dialog)->count(), 12);
+    dialog.saveSettings();
+    QCOMPARE(storedHistory(), QStringList({ "new2", "new1" }) + ten.first(8));
+    QVERIFY(!m_store->contains("Used Interfaces/Interface11"));
+}
+
+void TestInitInterfaceDialog::olderEntriesBehindTheListStay()
+{
+    storeHistory({ "a", "b" });
+    CInitInterfaceDialog dialog;
+    m_store->setValue("Used Interfaces/Interface5", "e");
+    dialog.saveSettings();
+    QCOMPARE(m_store->value("Used Interfaces/Interface5"), QString("e"));
+}
+
+void TestInitInterfaceDialog::nothingIsStoredWithoutSaving()
+{
+    CInitInterfaceDialog dialog;
+    interfaceBox(dialog)->setEditText("can0");
+    QCOMPARE(dialog.getInterface(), "can0");
+    QCOMPARE(storedHistory(), QStringList());
+}
 
 QTEST_MAIN(TestInitInterfaceDialog)
 #include "TestInitInterfaceDialog.moc"
