@@ -8,7 +8,7 @@
 
 #include <QTest>
 
-/// What the reader delivers, item by item and up to the end or the error:
+/// The items that the reader delivers, up to the end or the error:
 /// "1 DeviceInfo VendorName=ACME", "2 DeviceInfo ...", "-1" or "0 in line 5".
 inline QStringList items(const QByteArray& text)
 {

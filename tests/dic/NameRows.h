@@ -58,8 +58,8 @@ inline void numberRows(std::initializer_list<int> numbers)
         QTest::addRow("%d", number) << number;
 }
 
-/// Compares the texts of all numbers from -2 to 0x1FF, and of some beyond, with the list; `otherwise` stands for numbers
-/// that it does not hold.
+/// Compares the texts of all numbers from -2 to 0x1FF, and of some beyond, with the list; `otherwise` is the text of
+/// numbers that it does not hold.
 template <typename Enumeration>
 void compareTexts(QString (*textOf)(Enumeration), const QString& otherwise, const QMap<int, QString>& texts)
 {

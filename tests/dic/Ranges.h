@@ -1,4 +1,4 @@
-// Ranges of numbers, written down as a list, to compare classifications with.
+// Ranges of numbers as a list, to check classifications.
 // SPDX-License-Identifier: MIT
 #pragma once
 

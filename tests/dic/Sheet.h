@@ -1,4 +1,4 @@
-// A data sheet as text: written to a file of its own and loaded into a dictionary of its own.
+// A data sheet from a text: as a file, and loaded into a dictionary.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -47,8 +47,8 @@ public:
         return *object(position).m_objectEntryArray[number];
     }
 
-    /// Objects and entries in the order of their creation, for example "1000[0] 1018[0 1]". An entry that carries
-    /// another index than its object shows it: "1000[1018sub1]".
+    /// Objects and entries in the order of their creation, for example "1000[0] 1018[0 1]". An entry with another index
+    /// than its object is shown with it: "1000[1018sub1]".
     QString outline() const
     {
         QStringList objects;

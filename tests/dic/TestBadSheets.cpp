@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// Takes the superuser's rights away for a while: it may read every file.
+/// Takes the superuser's rights away while it lives, since the superuser may read every file.
 class COrdinaryUser
 {
 public:
@@ -68,8 +68,8 @@ private Q_SLOTS:
     void linkToItselfIsAnEmptySheet();
     void fileThatShrinksWhileItIsReadEndsThere();
     void fileThatGrowsWhileItIsReadDoesNotHang();
-    void anyBytesLoadOrFail();          // the same bytes in every run
-    void anyPiecesOfASheetLoadOrFail(); // what looks like a sheet gets further than any bytes
+    void anyBytesLoadOrFail();          // random, but the same in every run
+    void anyPiecesOfASheetLoadOrFail(); // these get further than random bytes
 
 private:
     static void expectEmpty(const QString& path)
@@ -248,7 +248,7 @@ void TestBadSheets::anyPiecesOfASheetLoadOrFail()
         loaded += sheet.result;
         objects += int(sheet.count());
     }
-    QVERIFY(loaded > 0 && loaded < 500 && objects > 0); // both ends are reached
+    QVERIFY(loaded > 0 && loaded < 500 && objects > 0); // some load, some fail
 }
 
 QTEST_APPLESS_MAIN(TestBadSheets)

@@ -1,4 +1,4 @@
-// The device information: one getter and one setter a field, bit rates, and names in exactly one spelling.
+// The device information: a getter and a setter for each field, bit rates, and names in exactly one spelling.
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenDeviceInfo.h"
 

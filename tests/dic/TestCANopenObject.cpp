@@ -45,7 +45,7 @@ private Q_SLOTS:
     void indexTellsThePartOfTheDictionary_data();
     void indexTellsThePartOfTheDictionary();
     void classTellsSingleFromMultipleObjects();
-    void standardDataTypesIncludeEverythingFrom60To7FF(); // the wide upper bound is kept
+    void standardDataTypesIncludeEverythingFrom60To7FF(); // the wide upper bound is meant
     void complexDataTypesAreStructures();
     void dataType100CountsAsStandardAndAsComplex();
     void findOnAnObjectWithoutEntriesGivesMinusOne();

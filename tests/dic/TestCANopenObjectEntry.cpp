@@ -117,7 +117,7 @@ void TestCANopenObjectEntry::valueRangeShowsTheLimits_data()
     QTest::newRow("low limit only") << "1"
                                     << "" << 7 << "1,...";
     QTest::newRow("high limit only") << ""
-                                     << "9" << 7 << "...,"; // the limit is lost, and that is kept
+                                     << "9" << 7 << "...,"; // the limit is not shown, which is meant
     QTest::newRow("no limits, Unsigned32") << ""
                                            << "" << 7 << "Unsigned32";
     QTest::newRow("no limits, Visible String") << ""

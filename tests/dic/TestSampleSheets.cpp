@@ -1,5 +1,5 @@
 // Whole data sheets: those of real devices, the project's own, and the small ones in data/. What is expected of each
-// was counted with other means than the reader.
+// was counted without the reader.
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenReader.h"
 #include "dic/IniReader.h"
@@ -241,7 +241,7 @@ void TestSampleSheets::deviceInformationFromRealSheets()
     load(dictionary, path);
     QVERIFY(dictionary.m_deviceInfo);
     QVERIFY(!dictionary.m_deviceInfo->getVendorName().isEmpty());
-    dictionary.m_deviceInfo->setVendorName(""); // the vendor's number tells enough
+    dictionary.m_deviceInfo->setVendorName(""); // the vendor number identifies the vendor
     QTEST(changedFields(*dictionary.m_deviceInfo), "fields");
 }
 

@@ -1,4 +1,4 @@
-// Object sections and sub-index sections of a data sheet, with every rule that looks odd and is kept.
+// Object sections and sub-index sections of a data sheet, including the rules that look odd and are meant.
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenReader.h"
 

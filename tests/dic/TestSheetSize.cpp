@@ -90,7 +90,7 @@ static qint64 timeOf(const CSheetFile& file, int objects)
     return result == 1 && int(dictionary.m_objectArray.size()) == objects ? ticks : -1;
 }
 
-// Highest amount of memory that this process has taken, in bytes.
+// Highest amount of memory that this process has used, in bytes.
 static qint64 peakMemory()
 {
     QFile status("/proc/self/status");
@@ -101,7 +101,7 @@ static qint64 peakMemory()
     return -1;
 }
 
-// What the program does when it is started by itself: load one sheet, print result, objects and memory.
+// What this program does as the other process: loads one sheet and prints result, objects and memory.
 static int measure(const char* fileName)
 {
     CCANopen dictionary;
@@ -116,7 +116,7 @@ class TestSheetSize : public QObject
 
 private Q_SLOTS:
     void timeGrowsWithTheNumberOfSections_data();
-    void timeGrowsWithTheNumberOfSections(); // ten times the sections: ten times the time, far from a hundred times
+    void timeGrowsWithTheNumberOfSections(); // ten times for ten times the sections, far from a hundred
     void memoryStaysNearTwiceTheFile_data();
     void memoryStaysNearTwiceTheFile(); // texts are kept in two bytes a character
     void lineOfAnObjectListCostsLittle();
@@ -136,10 +136,10 @@ private:
     {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(), { "--measure", file.path() });
-        process.waitForFinished(-1); // however long it calculates
+        process.waitForFinished(-1); // no limit
         return process.readAllStandardOutput().trimmed().split(' ');
     }
-    // What the process takes for itself: more with one compiler and one version of Qt than with another.
+    // What the process itself uses; it depends on the compiler and on the version of Qt.
     static qint64 memoryOfAnEmptySheet() { return measuredInAnotherProcess(CSheetFile("")).value(2).toLongLong(); }
 };
 
@@ -161,7 +161,7 @@ void TestSheetSize::timeGrowsWithTheNumberOfSections()
     QFETCH(int, objectsOf10000);
     const CSheetFile smallSheet(maker(1000)), largeSheet(maker(10000));
     qint64 small = std::numeric_limits<qint64>::max(), large = small;
-    // Others on the machine can only add to the times: the least of each counts, and a few rounds do as a rule.
+    // Other processes can only make it longer: the shortest times count, and a few rounds are normally enough.
     for (int round = 0; round < 3 || (round < 30 && large >= 25 * small); ++round) {
         small = qMin(small, timeOf(smallSheet, objectsOf1000));
         large = qMin(large, timeOf(largeSheet, objectsOf10000));

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int rulesOfTable = 2; // its head and the line below
+constexpr int headLines = 2; // of a table
 
 // The code in a table's cell or in a sentence, span by span.
 QStringList codeOf(const QString& text)
@@ -22,7 +22,7 @@ QStringList codeOf(const QString& text)
     return code;
 }
 
-// A cell's code; the lines of a cell stand apart by <br>, the last one may be empty.
+// The code of a cell, whose lines are separated by <br>; the last one may be empty.
 QString cellText(const QString& cell)
 {
     QStringList lines;
@@ -100,7 +100,7 @@ private:
         const QStringList columns = cellsOf(m_rows[m_at]);
         const QStringList above = codeOf(m_rows.value(m_at - 2));
         tPageExample example;
-        for (m_at += rulesOfTable; m_at < m_rows.size() && m_rows[m_at].startsWith('|'); ++m_at) {
+        for (m_at += headLines; m_at < m_rows.size() && m_rows[m_at].startsWith('|'); ++m_at) {
             const QStringList cells = cellsOf(m_rows[m_at]);
             const auto take = [&](tPageStep::TKind kind, const char* column, const QString& otherwise = {}) {
                 const qsizetype place = columns.indexOf(column);

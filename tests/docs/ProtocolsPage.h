@@ -27,7 +27,7 @@ struct tPageExample {
 ///
 ///     page    = { other line | block | table }
 ///     block   = "```can" or "```gateway", { example, blank line }, "```"
-///     example = { step }, each on a line that ends with its explanation, behind three blanks
+///     example = { step }, each on a line that ends with its explanation, after three blanks
 ///     step    = call | "  > " sent | "  < " came | "  .. " pause | "  = " result
 ///     table   = a head with the column "Result", and a row for each call; columns Call, Sent, Answer, Our abort
 ///

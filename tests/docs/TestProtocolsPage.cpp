@@ -41,7 +41,7 @@ std::optional<long> numberOf(const QString& line)
     return match.hasMatch() ? std::optional(match.captured(1).toLong()) : std::nullopt;
 }
 
-// Plays the steps of an example on the bus; each says what is wrong, or nothing.
+// Plays the steps of an example on the bus. @return what is wrong, or nothing
 class CBusPlayer
 {
 public:

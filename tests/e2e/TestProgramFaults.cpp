@@ -18,7 +18,7 @@ namespace
 
 const QString sheet = VELMORA_SHARE "/velmora-demo.eds";
 
-// Decimal, for the entry with the faults and for one without.
+// The entry with the faults, and one without; values are decimal.
 const char entry[] = "1017: Producer heartbeat time";
 const char other[] = "1000: Device type";
 const QString otherValue = "983441";
@@ -26,19 +26,19 @@ const QString otherValue = "983441";
 const QString notRead = "Parameter could not be read.\n\n";
 const QString notSent = "Parameter could not be sent.\n\n";
 
-/// Lets the client's 66 s be over at once, after so many lines from the gateway, for commands that name a certain object.
-/// For all other commands the client waits as long as it always does.
-class CImpatience
+/// Makes the client's time-out of 66 s expire at once, after so many lines from the gateway, for commands that name a
+/// certain object. For all other commands the client waits as usual.
+class CEarlyTimeouts
 {
 public:
-    static constexpr int awaitsAll = -1;
+    static constexpr int noTimeout = -1;
 
     /// By the object as commands name it: "0x1017".
-    explicit CImpatience(const std::map<QByteArray, int>& linesOfObjects)
+    explicit CEarlyTimeouts(const std::map<QByteArray, int>& linesOfObjects)
     {
         m_calls.send = [this, linesOfObjects](int socket, const void* data, size_t length, int flags) {
             const QByteArray command(static_cast<const char*>(data), static_cast<qsizetype>(length));
-            m_lines = awaitsAll;
+            m_lines = noTimeout;
             for (const auto& [object, lines] : linesOfObjects)
                 if (command.contains(' ' + object + ' '))
                     m_lines = lines;
@@ -46,7 +46,7 @@ public:
         };
         m_calls.recv = [this](int socket, void* data, size_t length, int flags) {
             const ssize_t received = __real_recv(socket, data, length, flags);
-            if (received > 0 && *static_cast<const char*>(data) == '\n' && m_lines != awaitsAll)
+            if (received > 0 && *static_cast<const char*>(data) == '\n' && m_lines != noTimeout)
                 --m_lines;
             return received;
         };
@@ -55,7 +55,7 @@ public:
 
 private:
     CSystemCalls m_calls;
-    int m_lines = awaitsAll; // that are awaited still
+    int m_lines = noTimeout; // until the time-out
 };
 
 } // namespace
@@ -89,33 +89,33 @@ void TestProgramFaults::init()
 
 void TestProgramFaults::aReadSurvivesTheFault_data()
 {
-    QTest::addColumn<int>("lines"); // until the client's time is over
+    QTest::addColumn<int>("lines"); // until the time-out
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("trouble"); // of the box; none: the value is shown
-    const auto row = [](const char* fault, int lines, const char* value, const char* trouble = "") {
-        QTest::newRow(fault) << lines << QString(value) << QString(trouble);
+    QTest::addColumn<QString>("error"); // in the box; none: the value is shown
+    const auto row = [](const char* fault, int lines, const char* value, const char* error = "") {
+        QTest::newRow(fault) << lines << QString(value) << QString(error);
     };
-    row("double", CImpatience::awaitsAll, "1000");
-    row("bytewise", CImpatience::awaitsAll, "1000");
-    row("overlong", CImpatience::awaitsAll, "1000");
-    row("delay=50", CImpatience::awaitsAll, "1000");
+    row("double", CEarlyTimeouts::noTimeout, "1000");
+    row("bytewise", CEarlyTimeouts::noTimeout, "1000");
+    row("overlong", CEarlyTimeouts::noTimeout, "1000");
+    row("delay=50", CEarlyTimeouts::noTimeout, "1000");
     // Without an answer in time the command itself is taken for it, and its node-id for the value,
     row("silence", 0, "5");
     row("delay=600", 0, "5");
     // or the line that was skipped last.
     row("sequence", 1, "1000");
     row("garbage", 1, "", "Error code -70");
-    row("error=103", CImpatience::awaitsAll, "", "Error code -703");
-    row("abort=0x06060000", CImpatience::awaitsAll, "", "SDO transfer aborted: 0x6060000");
-    row("abort=0x08000022", CImpatience::awaitsAll, "", "SDO transfer aborted: 0x8000022");
+    row("error=103", CEarlyTimeouts::noTimeout, "", "Error code -703");
+    row("abort=0x06060000", CEarlyTimeouts::noTimeout, "", "SDO transfer aborted: 0x6060000");
+    row("abort=0x08000022", CEarlyTimeouts::noTimeout, "", "SDO transfer aborted: 0x8000022");
 }
 
 void TestProgramFaults::aReadSurvivesTheFault()
 {
     QFETCH(const int, lines);
     QFETCH(const QString, value);
-    QFETCH(const QString, trouble);
-    const CImpatience impatience({ { "0x1017", lines } });
+    QFETCH(const QString, error);
+    const CEarlyTimeouts timeouts({ { "0x1017", lines } });
     const CBoxCatcher catcher;
     const CSimulatorProcess simulator({ "--fault", QString(QTest::currentDataTag()) + "@1017" });
     CFrameDriver driver;
@@ -123,12 +123,12 @@ void TestProgramFaults::aReadSurvivesTheFault()
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
     document.press(entry);
-    if (trouble.isEmpty()) {
+    if (error.isEmpty()) {
         QCOMPARE(catcher.count(), 0);
         QCOMPARE(document.value(), value);
     } else {
         QCOMPARE(catcher.only().title, QString("Velmora - Read parameter"));
-        QCOMPARE(catcher.only().text, notRead + trouble);
+        QCOMPARE(catcher.only().text, notRead + error);
         QVERIFY(!catcher.only().waitCursor);
     }
     const qsizetype boxes = catcher.count();
@@ -140,25 +140,25 @@ void TestProgramFaults::aReadSurvivesTheFault()
 void TestProgramFaults::aSendSurvivesTheFault_data()
 {
     QTest::addColumn<int>("lines");
-    QTest::addColumn<QString>("trouble");
-    const auto row = [](const char* fault, int lines, const char* trouble = "") {
-        QTest::newRow(fault) << lines << QString(trouble);
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* fault, int lines, const char* error = "") {
+        QTest::newRow(fault) << lines << QString(error);
     };
-    row("double", CImpatience::awaitsAll);
-    row("bytewise", CImpatience::awaitsAll);
-    row("overlong", CImpatience::awaitsAll);
+    row("double", CEarlyTimeouts::noTimeout);
+    row("bytewise", CEarlyTimeouts::noTimeout);
+    row("overlong", CEarlyTimeouts::noTimeout);
     row("sequence", 1); // the line that was skipped is taken for the answer
     row("silence", 0, "Error code -70");
     row("garbage", 1, "Error code -70");
-    row("error=103", CImpatience::awaitsAll, "Error code -703");
-    row("abort=0x06010000", CImpatience::awaitsAll, "SDO transfer aborted: 0x6010000");
+    row("error=103", CEarlyTimeouts::noTimeout, "Error code -703");
+    row("abort=0x06010000", CEarlyTimeouts::noTimeout, "SDO transfer aborted: 0x6010000");
 }
 
 void TestProgramFaults::aSendSurvivesTheFault()
 {
     QFETCH(const int, lines);
-    QFETCH(const QString, trouble);
-    const CImpatience impatience({ { "0x1017", lines } });
+    QFETCH(const QString, error);
+    const CEarlyTimeouts timeouts({ { "0x1017", lines } });
     CBoxCatcher catcher;
     const CSimulatorProcess simulator({ "--fault", QString(QTest::currentDataTag()) + "@1017" });
     CFrameDriver driver;
@@ -169,12 +169,12 @@ void TestProgramFaults::aSendSurvivesTheFault()
     const QString before = document.value();
     catcher.clear();
     document.send("77");
-    if (trouble.isEmpty()) {
+    if (error.isEmpty()) {
         QCOMPARE(catcher.count(), 0);
         QCOMPARE(document.value(), QString("77"));
     } else {
         QCOMPARE(catcher.only().title, QString("Velmora - Send parameter"));
-        QCOMPARE(catcher.only().text, notSent + trouble);
+        QCOMPARE(catcher.only().text, notSent + error);
         QCOMPARE(document.value(), before);
     }
     const qsizetype boxes = catcher.count();
@@ -208,7 +208,7 @@ void TestProgramFaults::droppedConnectionNeedsInitialisingAgain()
 
 void TestProgramFaults::everyFaultAtOnceLeavesTheProgramUsable()
 {
-    const CImpatience impatience({ { "0x1001", 1 }, { "0x1006", 0 } }); // garbage, silence
+    const CEarlyTimeouts timeouts({ { "0x1001", 1 }, { "0x1006", 0 } }); // garbage, silence
     const CBoxCatcher catcher;
     const CSimulatorProcess simulator({ "--fault", "garbage@1001", "--fault", "error=1@1002", "--fault", "double@1005",
                                         "--fault", "silence@1006", "--fault", "overlong@1008", "--fault",
@@ -239,7 +239,7 @@ void TestProgramFaults::simulatorThatEndsIsAnErrorAndNoCrash()
         driver.initialize(interface);
         driver.open(sheet, 5);
     }
-    const CRefusingPort refusing(interface.section(':', 1).toUShort()); // nobody else is to get it
+    const CRefusingPort refusing(interface.section(':', 1).toUShort()); // no other process may get it
     QVERIFY(refusing.port() != 0);
     const CDocumentDriver document(driver.document(0));
     document.press(other);

@@ -1,4 +1,4 @@
-// The real program from its start to its end: a hand that it loads as an input plugin presses the keys.
+// The real program from its start to its end: an input plugin presses the keys.
 // SPDX-License-Identifier: MIT
 #include "ProgramRun.h"
 #include "SimulatorProcess.h"
@@ -31,7 +31,7 @@ void TestProgramStart::startsWithTheDialogAndEndsByTheExitKey()
     const CProgramRun run({ { dialog, "Esc" }, { frame, "Ctrl+Q" } });
     QCOMPARE(run.windows, QStringList({ dialog, frame }));
     QVERIFY2(run.status == 0, run.output);
-    QCOMPARE(run.settings(), QByteArray()); // nothing was worth keeping
+    QCOMPARE(run.settings(), QByteArray()); // nothing was stored
 }
 
 void TestProgramStart::closingTheFrameEndsTheProgram()
@@ -43,7 +43,7 @@ void TestProgramStart::closingTheFrameEndsTheProgram()
 
 void TestProgramStart::closingTheFrameDuringTheFirstDialogEndsTheProgram()
 {
-    // The dialog is still there; behind it there is nothing more to wait for.
+    // The dialog is still open; when it closes, the program ends.
     const CProgramRun run({ { frame, "close" }, { dialog, "Esc" } });
     QCOMPARE(run.windows, QStringList({ frame, dialog }));
     QVERIFY2(run.status == 0, run.output);

@@ -1,4 +1,4 @@
-// CAN frames as texts in the way of candump's log, for transcripts.
+// CAN frames as texts in the format of candump's log, for transcripts.
 // SPDX-License-Identifier: MIT
 #pragma once
 

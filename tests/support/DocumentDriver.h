@@ -12,8 +12,8 @@
 #include <QSignalSpy>
 #include <QTreeWidget>
 
-/// Widgets are named by their object name without the kind: `field("object name")`. A name, or the text of an item, that
-/// does not exist ends the test program.
+/// Widgets are named by their object name without the kind: `field("object name")`. A name, or the text of an
+/// item, that does not exist ends the test program.
 class CDocumentDriver
 {
 public:

@@ -95,7 +95,7 @@ int CFakeBus::descriptorsOfProcess()
     return int(QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size());
 }
 
-// The failure armed for this call, which counts as made; null when it is to succeed.
+// Counts the call. @return its failure, or null if it succeeds
 const CFakeBus::tFailure* CFakeBus::failure(ECall call)
 {
     ++m_count[call];

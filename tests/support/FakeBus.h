@@ -1,4 +1,4 @@
-// A CAN bus of the test's own behind the system calls of the CAN controller, with a script of frames and a clock.
+// A fake CAN bus that answers the system calls of the CAN controller, with a script of frames and a clock.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -26,7 +26,7 @@
 ///     QVERIFY(bus.finished());
 ///
 /// Frames read as "605: 40 08 10": identifier (3 digits, 8 with flags or beyond 7FF), then the data. What a frame
-/// carries behind its data is shown, too, if it is not zero: "605: 40 08 | 01 00 00 00 00 00". Identifiers given here
+/// carries after its data is shown, too, if it is not zero: "605: 40 08 | 01 00 00 00 00 00". Identifiers given here
 /// may carry the flags CAN_EFF_FLAG 0x80000000, CAN_RTR_FLAG 0x40000000 and CAN_ERR_FLAG 0x20000000.
 class CFakeBus
 {
@@ -46,10 +46,10 @@ public:
 
     /// `data` are up to eight bytes in hexadecimal.
     CFakeBusRequest& expect(uint32_t id, const char* data);
-    /// True when all expected frames were written, no other, and the calls were sound; else says why as a warning.
+    /// True if exactly the expected frames were written and all calls were valid; otherwise warns with the reasons.
     bool finished();
 
-    // Frames of others. They are lost while no socket is bound. Bytes behind the data are 0xEE.
+    // Frames of others. They are lost while no socket is bound. Bytes after the data are 0xEE.
 
     void inject(uint32_t id, const char* data); ///< now
     void injectAfter(int milliseconds, uint32_t id, const char* data);
@@ -57,13 +57,13 @@ public:
     void injectBytes(const QByteArray& bytes);                    ///< what read() will deliver, of any size
     int waiting() const;                                          ///< frames that read() could deliver now
 
-    /// Lets the `nth` call from now on (1: the next one) and the `times` - 1 after it fail with `error`. A failing read
-    /// also makes the socket readable, as an interface that goes down does. close() releases the descriptor anyway.
+    /// Makes the `nth` call from now on (1: the next one) and the `times` - 1 after it fail with `error`. A failing
+    /// read also makes the socket readable, as an interface that goes down does. close() releases the descriptor anyway.
     void fail(ECall call, int error, int nth = 1, int times = 1);
-    /// Lets the next write() take `bytes` of the frame only; nothing is sent.
+    /// Makes the next write() take only `bytes` of the frame; nothing is sent.
     void shortWrite(int bytes);
     void heal() { m_failures.clear(); } ///< no call fails from now on
-    std::function<void(ECall)> before;  ///< called in each call, which count() has counted
+    std::function<void(ECall)> before;  ///< called at the start of each call, which count() includes
 
     // The clock: moves by usleep(), by `step` at each gettimeofday() and select(), and here.
 

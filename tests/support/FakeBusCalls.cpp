@@ -95,12 +95,12 @@ struct CFakeBusCalls {
             errno = ENODEV;
             return -1;
         }
-        bus.m_wire.erase(bus.m_wire.begin(), bus.m_wire.upper_bound(bus.m_now)); // nobody has listened
+        bus.m_wire.erase(bus.m_wire.begin(), bus.m_wire.upper_bound(bus.m_now)); // no socket was bound
         socket.bound = true;
         return 0;
     }
 
-    // Nothing may wait for a bus that is busy, or for a message that another has taken.
+    // The calls must not block: the bus may be busy, or another reader may have taken the message.
     static void checkNonBlocking(CFakeBus& bus, int descriptor, const QString& call)
     {
         if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
@@ -149,7 +149,7 @@ struct CFakeBusCalls {
         if (write != nullptr || except != nullptr)
             bus.problem("select() for more than reading");
         if (const auto* failure = bus.failure(CFakeBus::Select))
-            return failure->result; // and the sets stay as they were
+            return failure->result; // leaves the sets unchanged
         FD_ZERO(read);
         if (!bus.m_sockets[descriptor].bound || !bus.readable())
             return 0;

@@ -15,7 +15,7 @@ public:
 
     /// An answer, up to eight bytes in hexadecimal. Any number of them, in order.
     CFakeBusRequest& answer(uint32_t id, const char* data);
-    /// What follows comes so many milliseconds later (they add up).
+    /// The answers that follow come so many milliseconds later (they add up).
     CFakeBusRequest& after(int milliseconds);
 
     struct tAnswer {

@@ -15,7 +15,7 @@
 ///     ... let the client connect to `address` and `port()` and read ...
 ///     QVERIFY2(gateway.finished(), gateway.problem().c_str());
 ///
-/// What is not expected is answered by closing the connection, so that no client waits for its time-out.
+/// An unexpected command is answered by closing the connection, so that no client waits for its time-out.
 class CFakeGateway
 {
 public:
@@ -34,9 +34,9 @@ public:
     /// Waits until every client has left; all that they sent is then in `received()`.
     bool awaitClosed() { return m_server.awaitClosed(); }
 
-    /// The whole script was played and nothing else came, of all that clients have sent so far.
+    /// True if clients have sent the whole script so far, and nothing else.
     bool finished() const;
-    /// What differed first: the bytes awaited and those that came.
+    /// The first difference: the bytes expected and those that came.
     std::string problem() const;
     /// All bytes that clients have sent so far.
     std::string received() const;
@@ -53,11 +53,11 @@ private:
     void serve(tConnection& connection);
     /// The answer to the first line of `pending`, which it takes away; nothing while the line is incomplete.
     std::optional<tGatewayAnswer> nextByLine(std::string& pending);
-    /// The answer of the first step, when `pending` starts with its whole command; a hang-up when it never will.
+    /// The answer of the first step if `pending` starts with its whole command; a hang-up if the bytes differ from it.
     std::optional<tGatewayAnswer> nextByScript(std::string& pending);
     void give(tConnection& connection, const tGatewayAnswer& answer, long number);
 
-    mutable std::mutex m_mutex; // of all that follows
+    mutable std::mutex m_mutex; // guards all that follows
     std::deque<tStep> m_script;
     tAnswerer m_answerer;
     std::string m_received;

@@ -5,7 +5,7 @@
 CFrameDriver::CFrameDriver()
 {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    // A text would go by itself after its time, which a busy machine may need to look at it.
+    // A status text must not vanish after its time before a test on a busy machine has checked it.
     QObject::connect(frame.statusBar(), &QStatusBar::messageChanged, &frame, [this] { keepStatus(); });
     keepStatus();
     frame.setWindowTitle("CANopen Object Browser - Version 0.2 Build 61");

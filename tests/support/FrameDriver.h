@@ -28,8 +28,8 @@ public:
     /// Makes the frame the active window, as the window manager does when a dialog ends.
     void activate();
     /// Puts the pointer beside the frame, where it causes no status tips. A menu remembers where the pointer was when it
-    /// opened, and Qt 6.8 closes it, choosing nothing, when it is pressed in that place; before the pointer has been
-    /// anywhere, every place counts as that.
+    /// opened. Qt 6.8 closes the menu, choosing nothing, if it is pressed in that place, and in any place as long as the
+    /// pointer has not been set.
     void putPointerAside() const;
 
     QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }
@@ -39,7 +39,7 @@ public:
     qsizetype documentCount() const { return workspace()->subWindowList().size(); }
 
     QString statusText() const { return frame.statusBar()->currentMessage(); }
-    /// How long the status text would be shown in all, in milliseconds; 0 when for good.
+    /// For how long the status text is shown, in milliseconds; 0: until the next one.
     int statusTime() const { return m_statusTime; }
 
     /// The menu of that title, in the menu bar.

@@ -1,4 +1,4 @@
-// A hand on the keyboard of the real program: loaded as an input plugin, it works off the steps of its parameter.
+// An input plugin that presses keys in the real program, step by step.
 // SPDX-License-Identifier: MIT
 #include <QApplication>
 #include <QDialog>
@@ -12,15 +12,15 @@
 
 #include <cstdio>
 
-/// Each line of the file VELMORA_TEST_STEPS is a step: the title of a window, a tab, and what is done in it as soon as it
-/// is shown: a key such as "Ctrl+Q", a text in quotes, or "close", which closes the window from code. Every step is
-/// reported on standard output by the title of its window.
-class CHand : public QObject
+/// Each line of the file VELMORA_TEST_STEPS is a step: the title of a window, a tab, and what is done as soon as the
+/// window is shown: a key such as "Ctrl+Q", a text in quotes, or "close", which closes the window from code. Every step
+/// is reported on standard output by the title of its window.
+class CKeyPresser : public QObject
 {
     Q_OBJECT
 
 public:
-    CHand()
+    CKeyPresser()
     {
         QFile file(qEnvironmentVariable("VELMORA_TEST_STEPS"));
         if (file.open(QIODevice::ReadOnly))
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    void lookAgain() { QTimer::singleShot(10, this, &CHand::look); }
+    void lookAgain() { QTimer::singleShot(10, this, &CKeyPresser::look); }
     void look()
     {
         if (m_steps.isEmpty())
@@ -45,7 +45,7 @@ private:
             }
         lookAgain();
     }
-    /// Whether its user could do it now.
+    /// True if a user could do it now.
     static bool isReady(QWidget* window, const QString& action)
     {
         const bool blocked =
@@ -69,13 +69,13 @@ private:
     QStringList m_steps;
 };
 
-class CHandPlugin : public QGenericPlugin
+class CKeyPlugin : public QGenericPlugin
 {
     Q_OBJECT
-    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "Hand.json")
+    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "KeyPlugin.json")
 
 public:
-    QObject* create(const QString&, const QString&) override { return new CHand; }
+    QObject* create(const QString&, const QString&) override { return new CKeyPresser; }
 };
 
-#include "Hand.moc"
+#include "KeyPlugin.moc"

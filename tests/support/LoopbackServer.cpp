@@ -135,6 +135,6 @@ void CLoopbackServer::update(bool quiet, unsigned long calls)
         m_settled = calls;
     eventfd_t woken = 0;
     if (m_settled == m_settleWanted && !m_ending)
-        ::eventfd_read(m_wake, &woken); // else the next look at the sockets is at once
+        ::eventfd_read(m_wake, &woken); // otherwise the next poll() returns at once
     m_changed.notify_all();
 }

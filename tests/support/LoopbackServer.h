@@ -19,8 +19,8 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-/// Binds the TCP socket to a loopback port: any, or a certain one that was in use until now; connections that have ended
-/// may linger there. @return the port; 0 when it could not be had
+/// Binds the TCP socket to a loopback port: any, or a certain one that was in use until now; closed connections may
+/// linger there. @return the port; 0 if it is not available
 inline unsigned short bindToLoopback(int socket, unsigned short port = 0)
 {
     sockaddr_in address = {};
@@ -46,7 +46,7 @@ public:
     CRefusingPort(const CRefusingPort&) = delete;
     CRefusingPort& operator=(const CRefusingPort&) = delete;
 
-    /// 0 when it could not be had.
+    /// 0 if it is not available.
     unsigned short port() const { return m_port; }
 
 private:
@@ -74,19 +74,19 @@ public:
     unsigned short port() const { return m_port; }
     /// From the return on, connecting to the port is refused; open connections stay.
     bool refuse();
-    /// Returns when the handler has had all that clients sent before the call, and every client that connected or left
-    /// is known. Not for the handler.
+    /// Waits until the handler has been given all that clients sent before the call, and every client that connected or
+    /// left is known. The handler must not call it.
     void settle();
     /// Waits until a client was here and all connections are closed again.
     bool awaitClosed();
 
     // For the handler, in the server's thread:
 
-    /// Sends all of `text`; false when the client is gone or the server ends.
+    /// Sends all of `text`; false if the client has left or the server ends.
     bool send(const tConnection& connection, std::string_view text);
-    /// Waits; shorter when the server ends.
+    /// Waits for that time, or until the server ends.
     void delay(std::chrono::milliseconds duration);
-    /// Closes in order, or with a reset when `abruptly`.
+    /// Closes the connection, with a reset if `abruptly`.
     void close(tConnection& connection, bool abruptly = false);
 
 private:
@@ -99,8 +99,8 @@ private:
     void run();
     void receive(tConnection& connection);
     unsigned long settleWanted();
-    /// Takes the clients that wait and forgets those that left. `quiet`: no socket had anything when they were looked at;
-    /// `calls`: how often `settle` had been called before.
+    /// Accepts the clients that wait and forgets those that left. `quiet`: poll() found nothing on any socket; `calls`:
+    /// how often `settle` had been called before poll().
     void update(bool quiet, unsigned long calls);
 
     tHandler m_handler;
@@ -108,12 +108,12 @@ private:
     const int m_wake = ::eventfd(0, EFD_NONBLOCK);
     unsigned short m_port = 0;
     std::atomic<bool> m_ending = false;
-    std::mutex m_mutex; // of what follows, and of m_ending
+    std::mutex m_mutex; // guards what follows, and m_ending
     std::condition_variable m_changed;
     bool m_refusing = false;
     std::list<tConnection> m_connections;
     bool m_served = false;
-    unsigned long m_settleWanted = 0; // calls of `settle`, and how many of them have been met
+    unsigned long m_settleWanted = 0; // calls of `settle`, and how many of them may return
     unsigned long m_settled = 0;
     std::unique_ptr<CRefusingPort> m_refused; // in place of the listener
     std::thread m_thread;

@@ -1,4 +1,4 @@
-// How the tests wait for what is sure to come.
+// How long tests wait for an event that is sure to come.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -12,8 +12,8 @@ inline constexpr int patience = 120'000;
 /// The same as an SDO time-out, where an answer is sure to come.
 inline constexpr unsigned short sdoPatience = 60'000;
 
-/// QTRY_VERIFY and QTRY_COMPARE, with patience. Those of Qt 6.8 count milliseconds in 64 bits and narrow them, inside the
-/// test, to an int.
+/// QTRY_VERIFY and QTRY_COMPARE, with patience. Those of Qt 6.8 count milliseconds in 64 bits and narrow them to
+/// an int, inside the test.
 #define AWAIT_VERIFY(expression) QVERIFY(QTest::qWaitFor([&] { return static_cast<bool>(expression); }, patience))
 #define AWAIT_COMPARE(actual, expected)                                                                                \
     do {                                                                                                               \

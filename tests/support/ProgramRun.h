@@ -1,4 +1,4 @@
-// A run of the real program, with a home of its own and a hand on its keyboard (e2e/Hand.cpp).
+// A run of the real program, with a home directory of its own and keys pressed by a plugin (KeyPlugin.cpp).
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -15,11 +15,11 @@
 class CProgramRun
 {
 public:
-    using tStep = std::pair<QString, QString>; ///< title of a window and what is done there, see Hand.cpp
+    using tStep = std::pair<QString, QString>; ///< title of a window and what is done there, see KeyPlugin.cpp
 
-    int status = -1;     ///< -1: it did not end by itself
+    int status = -1;     ///< exit status; -1: it did not end by itself
     QStringList windows; ///< in which something was done
-    QByteArray output;   ///< what it said on standard error
+    QByteArray output;   ///< of its standard error
 
     explicit CProgramRun(const QList<tStep>& steps)
     {
@@ -42,7 +42,7 @@ public:
         output = program.readAllStandardError();
     }
 
-    /// What the settings hold after the run; empty when nothing was worth keeping.
+    /// The settings file after the run; empty if nothing was stored.
     QByteArray settings() const
     {
         QFile file(m_home.filePath("config/Brask Works.conf"));
@@ -55,7 +55,7 @@ private:
         QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
         variables.insert("QT_QPA_PLATFORM", "offscreen");
         variables.insert("QT_PLUGIN_PATH", VELMORA_TEST_PLUGINS);
-        variables.insert("QT_QPA_GENERIC_PLUGINS", "velmora-test-hand");
+        variables.insert("QT_QPA_GENERIC_PLUGINS", "velmora-test-keys");
         variables.insert("VELMORA_TEST_STEPS", steps);
         variables.insert("HOME", m_home.path());
         variables.insert("XDG_CONFIG_HOME", m_home.filePath("config"));

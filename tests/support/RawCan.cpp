@@ -1,4 +1,4 @@
-// A raw CAN socket of the test's own: sends frames and sees all that others send.
+// A raw CAN socket of the test: sends frames and receives all that others send.
 // SPDX-License-Identifier: MIT
 #include "RawCan.h"
 
@@ -13,7 +13,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-QByteArray CRawCan::trouble(const char* interface)
+QByteArray CRawCan::problem(const char* interface)
 {
     if (if_nametoindex(interface) != 0 && CRawCan(interface).isOpen())
         return QByteArray();
@@ -23,7 +23,7 @@ QByteArray CRawCan::trouble(const char* interface)
 
 CRawCan::CRawCan(const char* interface) : m_socket(open(interface)), m_echo(open(interface))
 {
-    const int room = 4 << 20; // bytes: far more than comes between two calls
+    const int room = 4 << 20; // bytes: far more than is received between two calls
     setsockopt(m_socket, SOL_SOCKET, SO_RCVBUFFORCE, &room, sizeof room);
     int granted = 0;
     socklen_t size = sizeof granted;
@@ -42,7 +42,7 @@ CRawCan::~CRawCan()
     close(m_echo);
 }
 
-void CRawCan::hearOnly(canid_t id, canid_t mask) const
+void CRawCan::receiveOnly(canid_t id, canid_t mask) const
 {
     const can_filter filter = { id, mask | CAN_EFF_FLAG };
     setsockopt(m_socket, SOL_CAN_RAW, CAN_RAW_FILTER, &filter, sizeof filter);
@@ -123,7 +123,7 @@ bool CRawCan::isReadable(int socket, int milliseconds)
 
 bool CRawCan::settle() const
 {
-    int error = 0; // forgets that the interface was down
+    int error = 0; // clears the error of an interface that was down
     socklen_t size = sizeof error;
     getsockopt(m_echo, SOL_SOCKET, SO_ERROR, &error, &size);
     can_frame sent = {}, received = {};
@@ -131,7 +131,7 @@ bool CRawCan::settle() const
     sent.len = CAN_ERR_DLC;
     if (write(m_echo, &sent, sizeof sent) != sizeof sent)
         return false;
-    while (received.can_id != sent.can_id) // from before there was a filter, there may be others
+    while (received.can_id != sent.can_id) // frames from before the filter may come first
         if (!isReadable(m_echo, patience) || read(m_echo, &received, sizeof received) != sizeof received)
             return false;
     return true;

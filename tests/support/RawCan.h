@@ -1,4 +1,4 @@
-// A raw CAN socket of the test's own: sends frames and sees all that others send.
+// A raw CAN socket of the test: sends frames and receives all that others send.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -18,8 +18,8 @@
 class CRawCan
 {
 public:
-    /// Why there is no test on this interface; empty when it is there. What a test shows when it cannot run.
-    static QByteArray trouble(const char* interface = "vcan0");
+    /// Why no test can run on this interface; empty if one can.
+    static QByteArray problem(const char* interface = "vcan0");
 
     explicit CRawCan(const char* interface = "vcan0");
     ~CRawCan();
@@ -27,36 +27,35 @@ public:
     CRawCan& operator=(const CRawCan&) = delete;
 
     bool isOpen() const { return m_open; }
-    /// From now on, only data and remote frames with identifiers that are `id` in the bits of `mask` come.
-    void hearOnly(canid_t id, canid_t mask) const;
-    /// Sends a frame; at the return, all others have it.
+    /// From now on, receives only data and remote frames whose identifier equals `id` in the bits of `mask`.
+    void receiveOnly(canid_t id, canid_t mask) const;
+    /// Sends a frame; on return, all other sockets have received it.
     bool send(const can_frame& frame) const;
     bool send(const QString& frame) const;
 
-    /// The next frame; empty when none comes in the time.
+    /// The next frame; empty if none comes in the time.
     QString receive(int milliseconds = patience) const;
-    /// All frames that were sent before the call, by whomever.
+    /// All frames that others sent before the call.
     QStringList receiveAll() const;
-    /// As many frames as that, or fewer when no more come.
+    /// The next `count` frames, or fewer if no more come.
     QStringList receiveCount(qsizetype count) const;
-    /// Waits until the frame comes; what comes before is dropped. False when it does not come.
+    /// Waits until the frame comes; drops others. False if it does not come.
     bool waitFor(const QString& frame) const;
     void forget() const { receiveAll(); }
 
 private:
-    /// The kind of an error message that no device sends, another one for each object. Whoever asks for all error
-    /// messages gets it, too, as any that means nothing.
+    /// The class of an error frame that no device sends, a different one for each object. A socket that receives all
+    /// error frames receives it, too; it has no meaning there.
     static canid_t nextMarker();
-    /// A socket that hears data and remote frames; -1 when there is none to be had.
+    /// A socket that receives data and remote frames; -1 if it cannot be opened.
     static int open(const char* interface);
-    /// Waits until there is something to read; a signal may come meanwhile.
+    /// Waits until there is something to read, in spite of signals.
     static bool isReadable(int socket, int milliseconds);
-    /// Waits until all that was sent so far has reached the sockets of all: until a marker comes back that takes the same
-    /// way after it.
+    /// Waits until all frames sent so far have reached every socket: until a marker sent after them comes back.
     bool settle() const;
 
     const canid_t m_marker = nextMarker();
     int m_socket;
-    int m_echo; // of the markers
+    int m_echo; // sends and receives the markers
     bool m_open = false;
 };

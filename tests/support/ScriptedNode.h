@@ -11,8 +11,8 @@
 #include <functional>
 #include <thread>
 
-/// The steps are played in their order from `play` on. A frame that is not the one expected ends the play. The node
-/// hears the SDO requests to all nodes and nothing else.
+/// `play` starts the steps, which run in order; an unexpected frame ends them. The node receives the SDO requests to
+/// all nodes and nothing else.
 ///
 ///     CScriptedNode node;
 ///     node.expect("605#4000100000000000").answer("585#4300100091010F00");
@@ -22,7 +22,7 @@
 class CScriptedNode
 {
 public:
-    /// What the node does when a frame has come: in the order in which it is said here.
+    /// What the node does when a frame has come, in the order of the calls.
     class CStep
     {
     public:
@@ -47,7 +47,7 @@ public:
         std::deque<std::function<void(CRawCan&)>> m_actions;
     };
 
-    explicit CScriptedNode(const char* interface = "vcan0") : m_bus(interface) { m_bus.hearOnly(0x600, 0x780); }
+    explicit CScriptedNode(const char* interface = "vcan0") : m_bus(interface) { m_bus.receiveOnly(0x600, 0x780); }
     ~CScriptedNode()
     {
         m_stopped = true;
@@ -61,7 +61,7 @@ public:
         m_steps.emplace_back(frame);
         return m_steps.back();
     }
-    /// Takes requests and answers in turns.
+    /// Takes requests and answers alternately.
     void expectInTurns(const QStringList& frames)
     {
         for (qsizetype i = 0; i < frames.size(); i += 2)
@@ -71,13 +71,13 @@ public:
     {
         m_thread = std::thread([this] { run(); });
     }
-    /// Waits for the end of the play, whatever it is.
+    /// Waits until the node has ended.
     void finish()
     {
         if (m_thread.joinable())
             m_thread.join();
     }
-    /// Waits for the end of the play. Empty when all has come as expected and nothing more; else what differed.
+    /// Waits until the node has ended. Empty if exactly the expected frames came; otherwise what differed.
     QString difference()
     {
         finish();

@@ -1,11 +1,11 @@
-// The frames of SDO transfers with node 5 as CiA 301 has them: requests of the client, answers of the server, in turns.
+// The frames of SDO transfers with node 5 by CiA 301: requests of the client and answers of the server, alternately.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QByteArray>
 #include <QStringList>
 
-/// One entry of node 5 in the way of two frames' texts: sdo.request(0x40) is "605#4000100000000000".
+/// Transfers of one entry, as texts of frames: CSdoTranscript(0x1000).request(0x40) is "605#4000100000000000".
 class CSdoTranscript
 {
 public:

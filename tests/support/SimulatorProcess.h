@@ -39,16 +39,16 @@ public:
     CSimulatorProcess(const CSimulatorProcess&) = delete;
     CSimulatorProcess& operator=(const CSimulatorProcess&) = delete;
 
-    /// 0 when it did not start; the log then says why.
+    /// 0 if it did not start; the log then says why.
     unsigned short port() const { return m_port; }
     QString interface() const { return "127.0.0.1:" + QString::number(m_port); }
     QByteArray log() const { return m_log.toUtf8(); }
-    /// Waits until the simulator has logged the text; false when it ends without.
+    /// Waits until the simulator has logged the text; false if it ends before.
     bool hasLogged(const QString& text)
     {
         return waitForLog([&] { return m_log.contains(text); });
     }
-    /// Sends the signal and waits. @return the exit status; -1 when it goes on or dies of the signal
+    /// Sends the signal and waits. @return the exit status; -1 if it does not end or is killed by the signal
     int end(int signal)
     {
         const auto process = static_cast<pid_t>(m_process.processId());

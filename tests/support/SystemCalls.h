@@ -1,4 +1,4 @@
-// A seam behind the gateway client: the linker's --wrap leads its system calls here, where a test can answer them.
+// Replaces system calls of the gateway client: the linker's --wrap leads them here, where a test can answer them.
 // The program that includes this is linked with --wrap for each of the calls, and includes it in one source only.
 // SPDX-License-Identifier: MIT
 #pragma once

@@ -1,4 +1,4 @@
-// Settings of the test's own: a new folder for each object, so that no test sees what another has stored.
+// Settings in a new folder for each object, so that no test sees what another has stored.
 // SPDX-License-Identifier: MIT
 #pragma once
 

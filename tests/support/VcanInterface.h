@@ -1,4 +1,4 @@
-// A virtual CAN interface of the test's own, which it may take down and remove.
+// A virtual CAN interface of the test, which it may take down and remove.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,8 +7,8 @@
 
 #include <net/if.h>
 
-/// There and up from construction to destruction. Needs the right to make interfaces, which scripts/vcan/with-vcan gives where
-/// it makes vcan0 itself.
+/// Exists and is up from construction to destruction. Needs the permission to create interfaces, which
+/// scripts/vcan/with-vcan gives where it creates vcan0 itself.
 class CVcanInterface
 {
 public:
@@ -28,14 +28,13 @@ public:
     bool up() const { return link({ "set", m_name, "up" }); }
     bool down() const { return link({ "set", m_name, "down" }); }
 
-    static const char* trouble()
+    static const char* problem()
     {
-        return "No interface can be made here: run the test where VELMORA_VCAN=uml scripts/vcan/with-vcan COMMAND "
-               "does.";
+        return "No interface can be created here. Run this test as VELMORA_VCAN=uml scripts/vcan/with-vcan COMMAND.";
     }
 
 private:
-    // By whichever of the programs is there.
+    // Runs "ip link" by busybox or ip, whichever is installed.
     static bool link(const QStringList& arguments)
     {
         return QProcess::execute("busybox", QStringList{ "ip", "link" } + arguments) == 0 ||

@@ -1,4 +1,4 @@
-// Drives a modal dialog: what is to be done in it runs as soon as it is shown.
+// Drives a modal dialog: calls a function of the test as soon as the dialog is shown.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -1,4 +1,4 @@
-// The program candump of can-utils: somebody else's look at vcan0.
+// The program candump of can-utils, which logs vcan0 independently of this project.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -10,7 +10,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-/// Logs vcan0 from the end of its construction on.
+/// Logs vcan0 from construction on.
 class CCandump
 {
 public:
@@ -24,7 +24,7 @@ public:
     }
     ~CCandump() { end(); }
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// Ends it. @return the frames that it has seen, and one or more "7FE#" after them
+    /// Ends it. @return the frames logged, and one or more "7FE#" after them
     QStringList end()
     {
         awaitFrame("7FE#");
@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    /// Sends the frame until the log has it: at first candump may not listen yet.
+    /// Sends the frame until the log has it: candump may not have opened its socket yet.
     void awaitFrame(const QString& frame) const
     {
         const CRawCan bus;

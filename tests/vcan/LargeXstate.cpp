@@ -1,7 +1,7 @@
-// Preloaded behind xstate_preload: the kernel of a processor with large extended registers, as far as ptrace shows it.
+// Preloaded after xstate_preload: lets ptrace behave as on a processor with large extended registers.
 // SPDX-License-Identifier: MIT
 //
-// The set of registers has 8 KiB more behind what this machine has, and is set as a whole only.
+// The register set is 8 KiB larger than that of this machine, and can only be set as a whole.
 #include <dlfcn.h>
 #include <elf.h>
 #include <sys/ptrace.h>
@@ -22,14 +22,14 @@ constexpr std::size_t moreBytes = 8192;
 const tPtrace systemPtrace = reinterpret_cast<tPtrace>(dlsym(RTLD_NEXT, "ptrace"));
 alignas(64) std::uint8_t wholeSet[65536];
 
-// The set as this machine has it, in wholeSet. @return its size, 0 when it cannot be had
+// Reads the register set of this machine into wholeSet. @return its size, 0 if that fails
 std::size_t fetch(pid_t process, void* type)
 {
     iovec set = { wholeSet, sizeof wholeSet - moreBytes };
     return systemPtrace(PTRACE_GETREGSET, process, type, &set) < 0 ? 0 : set.iov_len;
 }
 
-// As the kernel does: as much as the caller has room for.
+// As the kernel does, fills as much as the caller has room for.
 long get(std::size_t size, iovec& wanted)
 {
     std::memset(wholeSet + size, 0, moreBytes);

@@ -13,7 +13,7 @@ inline constexpr WORD entryIndex = 0x2100;
 inline constexpr BYTE entrySub = 3;
 inline const CSdoTranscript entry(entryIndex, entrySub);
 
-// A buffer with a guard behind it.
+// A buffer, followed by guard bytes.
 struct tRead {
     explicit tRead(int size) : m_size(size) { bytes.fill('\xEE', size + 16); }
     int32_t operator()(WORD object = entryIndex, BYTE sub = entrySub)

@@ -1,4 +1,5 @@
-// The facade as CANopen master on vcan0 with a node that misbehaves: the stated error in its time, and on it goes.
+// The facade as CANopen master on vcan0 with a node that misbehaves: each fault is the stated error, in time, and the
+// next transfer succeeds.
 // SPDX-License-Identifier: MIT
 #include "CANopenAccess.h"
 #include "DemoEntries.h"
@@ -15,8 +16,8 @@ namespace
 {
 
 constexpr BYTE node = 5;
-constexpr WORD impatience = 1000; // milliseconds: what comes at all comes sooner, as a rule
-constexpr int late = 8000;        // comes when the impatient have given up
+constexpr WORD shortTimeout = 1000; // milliseconds; answers normally come sooner
+constexpr int late = 8000;          // milliseconds; an answer that comes after the short time-out
 constexpr int room = 100;
 
 // One object for each fault. Values of up to four bytes go in one answer, others in segments.
@@ -43,7 +44,7 @@ private Q_SLOTS:
     void write();
     void slowNodeIsWaitedFor();
     void answerAfterTheTimeOutIsNotTaken();
-    void abortBehindTheLastSegmentMayTakeItsPlace();
+    void abortAfterTheLastSegmentMayReplaceIt();
     void lostSimulatorIsATimeOut();
 
     void cleanupTestCase();
@@ -67,7 +68,7 @@ private:
 
 void TestAccessFaultsOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
     QStringList options = { "--can", "vcan0" };
     for (const char* fault : faults)
         options << "--fault" << fault;
@@ -85,7 +86,7 @@ void TestAccessFaultsOnVcan::cleanupTestCase()
     m_access.terminate();
 }
 
-// The facade is as good as before.
+// The next transfer succeeds.
 void TestAccessFaultsOnVcan::followGoodTransfer()
 {
     std::uint32_t value = 0;
@@ -95,19 +96,19 @@ void TestAccessFaultsOnVcan::followGoodTransfer()
     QCOMPARE(m_access.getLastAbort(), 0L);
 }
 
-// Our abort, where the node has to be told that we have given up, and nowhere else.
+// The abort that we have sent; `sent` is its code, 0: none.
 void TestAccessFaultsOnVcan::checkAbortSent(const CSdoTranscript& transcript, uint sent)
 {
     const QStringList aborts = m_bus->receiveAll().filter("605#80");
     QCOMPARE(aborts, sent != 0 ? QStringList(transcript.abort(sent)) : QStringList());
 }
 
-// Gets ready for the row; its name tells the place of the fault.
+// Prepares the row. @return the entry with the fault, which the name of the row gives
 TestAccessFaultsOnVcan::tPlace TestAccessFaultsOnVcan::prepare()
 {
     QFETCH(const int, outcome);
     m_bus->forget();
-    m_access.setSDOTimeout(outcome == timeOut ? impatience : sdoPatience, nullptr);
+    m_access.setSDOTimeout(outcome == timeOut ? shortTimeout : sdoPatience, nullptr);
     const QString place = QString(QTest::currentDataTag()).section('@', 1);
     return { place.section(':', 0, 0).toUShort(nullptr, 16),
              static_cast<BYTE>(place.section(':', 1).toUInt(nullptr, 16)) };
@@ -121,7 +122,7 @@ void TestAccessFaultsOnVcan::checkOutcome(bool well, qint64 elapsed)
     if (!well)
         QCOMPARE(m_access.getLastError(), outcome);
     if (outcome == timeOut)
-        QVERIFY2(elapsed >= impatience - 1 && elapsed < sdoPatience, qPrintable(QString::number(elapsed)));
+        QVERIFY2(elapsed >= shortTimeout - 1 && elapsed < sdoPatience, qPrintable(QString::number(elapsed)));
     if (outcome == aborted)
         QCOMPARE(m_access.getLastAbort(), long(abort));
 }
@@ -129,8 +130,8 @@ void TestAccessFaultsOnVcan::checkOutcome(bool well, qint64 elapsed)
 void TestAccessFaultsOnVcan::read_data()
 {
     QTest::addColumn<int>("outcome"); // the last error
-    QTest::addColumn<uint>("abort");  // code of the node
-    QTest::addColumn<uint>("sent");   // abort code of ours
+    QTest::addColumn<uint>("abort");  // code sent by the node
+    QTest::addColumn<uint>("sent");   // abort code sent by us
     QTest::newRow("silence@2000") << int(timeOut) << 0U << 0x05040000U;
     QTest::newRow("double@2002") << int(good) << 0U << 0U;
     QTest::newRow("abort=0x06060000@2003") << int(aborted) << 0x06060000U << 0U;
@@ -230,17 +231,17 @@ void TestAccessFaultsOnVcan::slowNodeIsWaitedFor()
     QCOMPARE(int(value), 70);
 }
 
-// The answer to the first read comes in the midst of the others. It is taken for none of them; one that is answered in
-// the very same moment may lose its answer to it, since the later message is the one that counts.
+// The answer to the first read comes during the others and is taken for none of them. A read whose own answer comes at
+// the same moment may lose it, since the later message overwrites the earlier one.
 void TestAccessFaultsOnVcan::answerAfterTheTimeOutIsNotTaken()
 {
-    QVERIFY(m_access.setSDOTimeout(impatience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(shortTimeout, nullptr));
     m_bus->forget();
     std::int8_t missed = 0;
     QVERIFY(!m_access.readInteger8(node, 0x2001, 0, &missed)); // delay
     QCOMPARE(m_access.getLastError(), int(timeOut));
     checkAbortSent(CSdoTranscript(0x2001), 0x05040000);
-    QVERIFY(m_access.setSDOTimeout(10 * impatience, nullptr)); // the one that may be lost need not take long
+    QVERIFY(m_access.setSDOTimeout(10 * shortTimeout, nullptr)); // keeps the read that may fail short
     int failures = 0;
     QStringList frames;
     const QDeadlineTimer deadline(patience);
@@ -253,12 +254,12 @@ void TestAccessFaultsOnVcan::answerAfterTheTimeOutIsNotTaken()
         failures += well ? 0 : 1;
     }
     QVERIFY2(failures <= 1, qPrintable(QString::number(failures)));
-    QVERIFY(!deadline.hasExpired()); // it has come
+    QVERIFY(!deadline.hasExpired()); // the late answer has come
     followGoodTransfer();
 }
 
-// Two messages at once: the later one counts.
-void TestAccessFaultsOnVcan::abortBehindTheLastSegmentMayTakeItsPlace()
+// Of two messages at once, the later one overwrites the earlier one.
+void TestAccessFaultsOnVcan::abortAfterTheLastSegmentMayReplaceIt()
 {
     QVERIFY(m_access.setSDOTimeout(sdoPatience, nullptr));
     BYTE data[room];
@@ -272,7 +273,7 @@ void TestAccessFaultsOnVcan::abortBehindTheLastSegmentMayTakeItsPlace()
 void TestAccessFaultsOnVcan::lostSimulatorIsATimeOut()
 {
     m_simulator.reset();
-    QVERIFY(m_access.setSDOTimeout(impatience, nullptr));
+    QVERIFY(m_access.setSDOTimeout(shortTimeout, nullptr));
     std::uint32_t value = 0;
     QVERIFY(!m_access.readUnsigned32(node, 0x1000, 0, &value));
     QCOMPARE(m_access.getLastError(), -50);

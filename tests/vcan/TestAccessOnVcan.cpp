@@ -59,12 +59,12 @@ private:
     std::optional<CRawCan> m_bus;
     std::optional<CSimulatorProcess> m_simulator;
     std::optional<CCandump> m_candump;
-    QStringList m_frames; // all that the transfers have had
+    QStringList m_frames; // of all transfers
 };
 
 void TestAccessOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
     m_simulator.emplace(QStringList{ "--can", "vcan0" }, CSimulatorProcess::silent);
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     _can_param param = { "vcan0", 29, 3, 1 };
@@ -80,7 +80,7 @@ void TestAccessOnVcan::cleanupTestCase()
     m_access.terminate();
 }
 
-// The frames of a transfer: as many as expected, and what else there may be. Heartbeats are left out.
+// Waits for `count` frames. @return these and any that came after them, without heartbeats
 QStringList TestAccessOnVcan::transfer(qsizetype count)
 {
     const auto isHeartbeat = [](const QString& frame) { return frame.startsWith("705#"); };
@@ -330,7 +330,7 @@ void TestAccessOnVcan::timeOutIsSetAndGiven()
     std::uint8_t value = 0;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!m_access.readUnsigned8(6, 0x1001, 0, &value)); // nobody there
+    QVERIFY(!m_access.readUnsigned8(6, 0x1001, 0, &value)); // no such node
     QVERIFY(timer.elapsed() >= 249 && timer.elapsed() < sdoPatience);
     QCOMPARE(m_access.getLastError(), -50);
     QCOMPARE(m_bus->receiveAll(), QStringList({ "606#4001100000000000", "606#8001100000000405" }));

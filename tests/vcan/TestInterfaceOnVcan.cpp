@@ -1,4 +1,4 @@
-// Interfaces that are not there, are of another kind, down, go down or vanish while the master uses them.
+// Interfaces that do not exist, are of another kind or down, or go down or vanish while the master uses them.
 // SPDX-License-Identifier: MIT
 #include "ScriptedNode.h"
 #include "SdoTranscript.h"
@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr BYTE node = 5;
-constexpr int shortTimeout = 2000; // milliseconds: long enough, as a rule, for what shall happen before
+constexpr int shortTimeout = 2000; // milliseconds; normally enough for what is to happen before it
 const CSdoTranscript entry(0x2100);
 const char fifteen[] = "vcantest-15char"; // as long as the name of an interface can be
 static_assert(sizeof fifteen == 16);
@@ -70,12 +70,12 @@ private:
 
 void TestInterfaceOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
     const CVcanInterface interface;
-    QVERIFY2(interface.exists(), CVcanInterface::trouble());
+    QVERIFY2(interface.exists(), CVcanInterface::problem());
 }
 
-// A whole transfer without any trouble.
+// A whole transfer succeeds.
 void TestInterfaceOnVcan::readsAgain(const CVcanInterface& interface)
 {
     CScriptedNode player(interface.name());
@@ -134,7 +134,7 @@ void TestInterfaceOnVcan::nameOf15CharactersIsTheLongest()
     readsAgain(interface);
 }
 
-// The system looks up 15 characters of the 16.
+// The system looks up only 15 of the 16 characters.
 void TestInterfaceOnVcan::noMoreThan16CharactersOfANameCount()
 {
     const CVcanInterface interface(fifteen);
@@ -190,7 +190,7 @@ void TestInterfaceOnVcan::tryAfterManyFailuresWorks()
 void TestInterfaceOnVcan::eachInterfaceIsABusOfItsOwn()
 {
     const CRawCan first("vcan0"), second("vcan1");
-    QVERIFY2(second.isOpen(), CRawCan::trouble("vcan1"));
+    QVERIFY2(second.isOpen(), CRawCan::problem("vcan1"));
     QCOMPARE(open("vcan1"), 0);
     QCOMPARE(nmt_start_remote_node(1), 0);
     QCOMPARE(second.receiveAll(), QStringList("000#0101"));
@@ -291,7 +291,7 @@ void TestInterfaceOnVcan::vanishedInterfaceWorksAgainAfterInit()
     QCOMPARE(open(interface.name()), 0);
     QVERIFY(interface.remove());
     QVERIFY(interface.create());
-    QCOMPARE(nmt_reset_node(0), -20); // the socket is that of the interface that went
+    QCOMPARE(nmt_reset_node(0), -20); // the socket belongs to the interface that was removed
     QCOMPARE(open(interface.name()), 0);
     QCOMPARE(nmt_reset_node(0), 0);
     readsAgain(interface);

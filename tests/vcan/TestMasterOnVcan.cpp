@@ -54,7 +54,7 @@ private:
 
 void TestMasterOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
 }
 
 void TestMasterOnVcan::init()
@@ -155,7 +155,7 @@ void TestMasterOnVcan::nmtRefusesNode128()
 void TestMasterOnVcan::requestTakesTheMessageThatComes()
 {
     QCOMPARE(cop_init(-1, &vcan0, 8), 0); // waits for 200 ms
-    // The other one sends again and again, since nothing on the bus tells that the request has begun.
+    // The other thread sends again and again, since nothing on the bus shows that the request has begun.
     std::atomic<bool> ended = false;
     std::thread other([&] {
         for (; !ended; usleep(10000)) {
@@ -240,7 +240,7 @@ void TestMasterOnVcan::resetToABadIndexStopsTheController()
 void TestMasterOnVcan::initAgainStartsAnew()
 {
     m_bus->send("123#01");
-    QCOMPARE(cop_init(-1, &vcan0, 0), 0); // the socket goes, and what waits in it
+    QCOMPARE(cop_init(-1, &vcan0, 0), 0); // closes the socket with all frames in it
     m_bus->send("124#02");
     QCOMPARE(masterQueue::readAll(), QStringList("124#02"));
 }

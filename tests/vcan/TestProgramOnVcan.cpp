@@ -24,7 +24,7 @@ namespace
 const QString initializeTitle = "Velmora - Initialize Interface";
 const QString readTitle = "Velmora - Read parameter";
 const QString initialized = "CAN interface successfully initialized";
-const QString fallback = "Resistance is futile, prepare to assimilate!"; // codes without a text
+const QString fallback = "Resistance is futile, prepare to assimilate!"; // text of codes that have none of their own
 
 QString failureOf(const QString& interface)
 {
@@ -65,7 +65,7 @@ private:
     CDocumentDriver document() const { return CDocumentDriver(m_driver->document(0)); }
     QStringList frames() const;
 
-    // The program's own time-out, which may be short for the simulator on a busy machine.
+    // The program's own SDO time-out in milliseconds; the simulator on a busy machine may be slower.
     static constexpr WORD usual = 500;
     const QString m_sheet = VELMORA_SHARE "/velmora-demo.eds";
     std::optional<CTempSettings> m_store;
@@ -77,7 +77,7 @@ private:
 
 void TestProgramOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
     m_store.emplace();
     m_bus.emplace();
     m_simulator.emplace(QStringList{ "--can", "vcan0" });
@@ -93,7 +93,7 @@ void TestProgramOnVcan::init()
     m_bus->forget();
 }
 
-// What has been on the bus, without heartbeats.
+// The frames on the bus since the last call, without heartbeats.
 QStringList TestProgramOnVcan::frames() const
 {
     QStringList frames = m_bus->receiveAll();
@@ -277,7 +277,7 @@ void TestProgramOnVcan::readsOnTheGatewayAndBackOnVcan0()
     QCOMPARE(document().value(), QString("4294967295"));
     QVERIFY(m_simulator->hasLogged("5 read 0x2006 0x0 u32"));
     document().send("1");
-    QCOMPARE(frames(), QStringList()); // another way
+    QCOMPARE(frames(), QStringList()); // the gateway is used
     m_driver->choose("&Interface", "&Properties...");
     QVERIFY(m_catcher->only().text.startsWith("Hardware: Simulated CANopen gateway\n"));
 
@@ -294,7 +294,7 @@ void TestProgramOnVcan::readsOnTheGatewayAndBackOnVcan0()
 void TestProgramOnVcan::interfaceThatGoesDownShowsItsBox()
 {
     const CVcanInterface interface;
-    QVERIFY2(interface.exists(), CVcanInterface::trouble());
+    QVERIFY2(interface.exists(), CVcanInterface::problem());
     m_driver->initialize(interface.name());
     QCOMPARE(m_driver->statusText(), initialized);
     QVERIFY(interface.down());
@@ -303,7 +303,7 @@ void TestProgramOnVcan::interfaceThatGoesDownShowsItsBox()
     m_catcher->clear();
     QVERIFY(interface.up());
     sdo_timeout(usual);
-    document().read(); // nobody there
+    document().read(); // no such node on this bus
     sdo_timeout(sdoPatience);
     QCOMPARE(m_catcher->only().text, QString("Parameter could not be read.\n\nError code -50"));
     m_catcher->clear();
@@ -343,7 +343,7 @@ void TestProgramOnVcan::endsWithTheInterfaceClosed()
     QCOMPARE(m_catcher->count(), 0);
 }
 
-// The program as its users start it, once.
+// The real program.
 void TestProgramOnVcan::realProgramStartsOnVcan0()
 {
     const QString dialog = "Initialize CAN Interface", first = "CANopen Object Browser - Version 0.2 Build 61";

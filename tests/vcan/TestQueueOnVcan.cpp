@@ -43,7 +43,7 @@ private:
 
 void TestQueueOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
 }
 
 void TestQueueOnVcan::init()
@@ -78,7 +78,7 @@ void TestQueueOnVcan::extendedFramesAreDropped()
     QCOMPARE(can_config(receiveObject, 0x123, can_object_receive), 0);
     for (const char* frame : { "00000123#11", "1ABCD123#22", "00000321#R", "124#33" })
         QVERIFY(m_bus->send(frame));
-    QCOMPARE(can_read_queue(100), 4); // they count as taken
+    QCOMPARE(can_read_queue(100), 4); // dropped frames count as taken
     QCOMPARE(masterQueue::readAll(), QStringList("124#33"));
     QCOMPARE(can_data(receiveObject), 0);
 }
@@ -87,7 +87,7 @@ void TestQueueOnVcan::clearedQueueIsEmpty()
 {
     m_bus->send("123#01");
     m_bus->send("124#01");
-    QCOMPARE(cop_queue_clear(), -30); // they wait in the socket still
+    QCOMPARE(cop_queue_clear(), -30); // they still wait in the socket
     QCOMPARE(masterQueue::read().frame, "123#01");
     QCOMPARE(cop_queue_clear(), 0);
     QCOMPARE(cop_queue_clear(), -30);
@@ -96,7 +96,7 @@ void TestQueueOnVcan::clearedQueueIsEmpty()
 
 void TestQueueOnVcan::fullQueueDropsTheOldestAndSaysSoOnce()
 {
-    m_bus.reset(); // one receiver less
+    m_bus.reset(); // no other receiver is needed
     const CRawCan sender;
     constexpr int surplus = 3;
     for (int number = 0; number < queueCapacity + surplus; ++number) {

@@ -48,7 +48,7 @@ private:
 
 void TestSdoFaultsOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
 }
 
 void TestSdoFaultsOnVcan::init()
@@ -64,7 +64,7 @@ void TestSdoFaultsOnVcan::cleanup()
     cop_exit();
 }
 
-// After whatever has happened, the next transfer is as good as the first.
+// The next transfer succeeds.
 void TestSdoFaultsOnVcan::followGoodTransfer()
 {
     m_node.emplace();
@@ -136,7 +136,7 @@ void TestSdoFaultsOnVcan::badAnswerEndsTheTransfer()
 void TestSdoFaultsOnVcan::silentNodeIsATimeOut_data()
 {
     QTest::addColumn<bool>("reads");
-    QTest::addColumn<int>("requests"); // behind this one there is silence
+    QTest::addColumn<int>("requests"); // the node does not answer this one
     QTest::newRow("read") << true << 1;
     QTest::newRow("read segment") << true << 2;
     QTest::newRow("write") << false << 1;
@@ -149,7 +149,7 @@ void TestSdoFaultsOnVcan::silentNodeIsATimeOut()
     QFETCH(const bool, reads);
     QFETCH(const int, requests);
     const QStringList frames = reads ? entry.upload(pattern(10)) : entry.download(pattern(10));
-    // The time-out becomes short at the last moment, so that no answer before is missed.
+    // The time-out is short from the last answer on only, so that no earlier answer is missed.
     const auto hurry = [](const CRawCan&) { sdo_timeout(shortTimeout); };
     for (int request = 0; request < requests - 1; ++request) {
         auto& step = m_node->expect(frames[2 * request]);
@@ -172,7 +172,7 @@ void TestSdoFaultsOnVcan::silentNodeIsATimeOut()
     followGoodTransfer();
 }
 
-// That the time-out counts for each answer, and not for the transfer, is shown on the fake bus, which owns the clock.
+// tests/cop shows, with a clock of its own, that the time-out is that of each answer and not of the transfer.
 void TestSdoFaultsOnVcan::slowNodeIsWaitedFor()
 {
     const QStringList frames = entry.upload(pattern(28));
@@ -192,7 +192,7 @@ void TestSdoFaultsOnVcan::foreignAnswersAreSkipped()
         .answer("00000585#4F00210377000000") // with an extended identifier
         .answer("585#4F00210477000000")      // of another sub-index
         .answer("585#8001210300000206")      // an abort of another index
-        .answer("705#05")                    // no answer at all
+        .answer("705#05")                    // no SDO answer
         .wait(20)
         .answer("585#4F00210301000000");
     m_node->play();
@@ -233,7 +233,7 @@ void TestSdoFaultsOnVcan::lateAnswerIsNotTakenForAnother()
     QCOMPARE(read.data(), QByteArray("\1"));
     QCOMPARE(m_node->difference(), QString());
 
-    // One that comes between two transfers belongs to none: the queue has it.
+    // An answer between two transfers belongs to none and goes to the queue.
     m_node.emplace();
     m_node->expect(entry.request(0x40));
     m_node->expect(entry.abort(0x05040000)).answer("585#4F00210377000000");

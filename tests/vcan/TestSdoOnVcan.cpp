@@ -47,7 +47,7 @@ private:
 
 void TestSdoOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
 }
 
 void TestSdoOnVcan::init()
@@ -185,7 +185,7 @@ void TestSdoOnVcan::segmentsWithoutDataAreWaitedThrough()
     QCOMPARE(m_node->difference(), QString());
 }
 
-// Each answer waits behind as many other messages as a bus of 1000 kbit/s carries in about 17 ms.
+// Each answer comes after as many other messages as a bus of 1000 kbit/s carries in about 17 ms.
 void TestSdoOnVcan::readsOnAFullBus()
 {
     constexpr int rounds = 10, others = 150;

@@ -15,7 +15,7 @@ namespace
 
 constexpr int longestDomain = 65536;
 
-// Bytes of which no seven in a row are like the seven before.
+// Bytes of which no seven equal the seven before them.
 QByteArray pattern(int size)
 {
     QByteArray data;
@@ -66,7 +66,7 @@ private:
 
 void TestSimulatorOnVcan::initTestCase()
 {
-    QVERIFY2(CRawCan::trouble().isEmpty(), CRawCan::trouble());
+    QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
 }
 
 void TestSimulatorOnVcan::init()
@@ -138,7 +138,7 @@ void TestSimulatorOnVcan::transcripts()
         QCOMPARE(frames[i] + " -> " + ask(frames[i]), frames[i] + " -> " + frames[i + 1]);
 }
 
-// Without the log, which would hold the domain in a single line and nobody reads meanwhile.
+// Without the log, which would hold the domain in a single line, and which the test does not read meanwhile.
 void TestSimulatorOnVcan::domainOf64KiBGoesBothWays()
 {
     start({}, CSimulatorProcess::silent);
@@ -278,7 +278,7 @@ void TestSimulatorOnVcan::floodComesBeforeTheAnswer()
 void TestSimulatorOnVcan::interfaceThatIsTakenDownComesBack()
 {
     const CVcanInterface interface;
-    QVERIFY2(interface.exists(), CVcanInterface::trouble());
+    QVERIFY2(interface.exists(), CVcanInterface::problem());
     const CRawCan bus(interface.name());
     CSimulatorProcess simulator({ "--can", interface.name() });
     QVERIFY2(simulator.hasLogged(QString("CAN on ") + interface.name()), simulator.log());
@@ -288,7 +288,7 @@ void TestSimulatorOnVcan::interfaceThatIsTakenDownComesBack()
     QVERIFY(simulator.hasLogged("can cannot send: Network is down\n"));
     QVERIFY(interface.up());
     QVERIFY(simulator.hasLogged("can sends again\n"));
-    bus.forget(); // the socket tells once that the interface was down
+    bus.forget(); // the socket reports once that the interface was down
     QVERIFY(bus.send("605#4000100000000000"));
     QVERIFY(bus.waitFor("585#4300100091010F00"));
     QCOMPARE(simulator.end(SIGTERM), 0);
@@ -297,7 +297,7 @@ void TestSimulatorOnVcan::interfaceThatIsTakenDownComesBack()
 void TestSimulatorOnVcan::interfaceThatVanishesEndsTheSimulator()
 {
     const CVcanInterface interface;
-    QVERIFY2(interface.exists(), CVcanInterface::trouble());
+    QVERIFY2(interface.exists(), CVcanInterface::problem());
     QProcess simulator;
     simulator.start(VELMORA_SIM, { "--can", interface.name(), "--node", "5=" VELMORA_SHARE "/velmora-demo.eds" });
     QVERIFY(QTest::qWaitFor([&] { return simulator.readAllStandardOutput().contains("CAN on"); }, patience));

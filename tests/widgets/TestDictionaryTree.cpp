@@ -50,11 +50,11 @@ private:
     }
     static void entry(CCANopenObject* object, int subIndex, const char* name)
     {
-        auto made = std::make_unique<CCANopenObjectEntry>(object->getIndex(), uchar(subIndex));
-        made->setName(name);
-        object->m_objectEntryArray.push_back(std::move(made));
+        auto added = std::make_unique<CCANopenObjectEntry>(object->getIndex(), uchar(subIndex));
+        added->setName(name);
+        object->m_objectEntryArray.push_back(std::move(added));
     }
-    /// Fills the tree. One line an item, behind one "-" for each level; " +" marks open ones.
+    /// Fills the tree. Each item with one "-" for each level before it; " +" marks expanded ones.
     QString shown()
     {
         dictionaryTree::populate(m_tree.get(), "root", *m_dictionary);

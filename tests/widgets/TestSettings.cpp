@@ -18,14 +18,14 @@ private Q_SLOTS:
     void newSettingsHoldNothing();
     void recentFilesStandInNumberedSlots();
     void usedInterfacesStandInNumberedSlots();
-    void theSettingsFileHasItsOldForm();
+    void theSettingsFileHasTheseGroupsAndKeys();
     void onlyTenElementsAreWritten();
     void aShorterListLeavesTheTailSlots();
     void emptySlotsAreUnused();
     void displayModeIsStoredAsANumber();
     void aForeignDisplayModeReadsAsStoredOrAsZero_data();
     void aForeignDisplayModeReadsAsStoredOrAsZero();
-    void anUnwritableFileCostsNothing();
+    void anUnwritableFileIsIgnored();
     void promotedMovesANameToTheFront_data();
     void promotedMovesANameToTheFront();
     void withoutDropsEveryEqualName();
@@ -56,7 +56,7 @@ void TestSettings::usedInterfacesStandInNumberedSlots()
     QCOMPARE(m_store->value("Used Interfaces/Interface2"), QString("can0"));
 }
 
-void TestSettings::theSettingsFileHasItsOldForm()
+void TestSettings::theSettingsFileHasTheseGroupsAndKeys()
 {
     settings::setRecentFiles({ "/tmp/a.eds" });
     settings::setDisplayMode(valueFormats::modeOct);
@@ -120,7 +120,7 @@ void TestSettings::aForeignDisplayModeReadsAsStoredOrAsZero()
     QTEST(int{ settings::displayMode() }, "mode");
 }
 
-void TestSettings::anUnwritableFileCostsNothing()
+void TestSettings::anUnwritableFileIsIgnored()
 {
     qputenv("XDG_CONFIG_HOME", "/dev/null/none");
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null/none");

@@ -184,7 +184,7 @@ void TestConnectNodeDialog::aNodeIdOutOfRangeIsRefused()
     CConnectNodeDialog dialog;
     CBoxCatcher boxes;
     QFETCH(const int, node);
-    spinBox(dialog)->setRange(0, 255); // the box itself lets no such number in
+    spinBox(dialog)->setRange(0, 255); // the spin box would refuse the number
     spinBox(dialog)->setValue(node);
     dialog.show();
     QTest::mouseClick(button(dialog, "connect"), Qt::LeftButton);

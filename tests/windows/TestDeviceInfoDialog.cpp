@@ -107,7 +107,7 @@ private Q_SLOTS:
     void aRevisionShowsBothHalves_data();
     void aRevisionShowsBothHalves();
     void withoutDeviceInfoOnlyTheFilePageIsFilled();
-    void aNullDictionaryIsReportedAndCostsNothing();
+    void aNullDictionaryIsReported();
     void okClosesIt();
 };
 
@@ -209,7 +209,7 @@ void TestDeviceInfoDialog::withoutDeviceInfoOnlyTheFilePageIsFilled()
     QCOMPARE(dialog.windowTitle(), QString("sheet.eds"));
 }
 
-void TestDeviceInfoDialog::aNullDictionaryIsReportedAndCostsNothing()
+void TestDeviceInfoDialog::aNullDictionaryIsReported()
 {
     CDeviceInfoDialog dialog;
     QTest::ignoreMessage(QtWarningMsg,

@@ -39,7 +39,7 @@ private Q_SLOTS:
     void aTypedInterfaceEntersAtTheTop();
     void spellingIsKeptAsTyped();
     void onlyTheFirstTenEntriesAreWritten();
-    void olderEntriesBehindTheListStay();
+    void olderEntriesAfterTheListStay();
     void nothingIsStoredWithoutSaving();
 
 private:
@@ -311,7 +311,7 @@ void TestInitInterfaceDialog::onlyTheFirstTenEntriesAreWritten()
     QVERIFY(!m_store->contains("Used Interfaces/Interface11"));
 }
 
-void TestInitInterfaceDialog::olderEntriesBehindTheListStay()
+void TestInitInterfaceDialog::olderEntriesAfterTheListStay()
 {
     storeHistory({ "a", "b" });
     CInitInterfaceDialog dialog;

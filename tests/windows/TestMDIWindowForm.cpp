@@ -251,7 +251,7 @@ void TestMDIWindowForm::pressingAGroupOrTheRootClearsTheForm_data()
 {
     QTest::addColumn<QString>("text");
     for (const char* text : { "CANopen: Object dictionary", "CiA DS-301", "Manufacturer specific", "Device profile",
-                              "6f01: ", "2003: ", " 1: " }) // what has no name reads as a group
+                              "6f01: ", "2003: ", " 1: " }) // an item without a name counts as a group
         QTest::newRow(text) << text;
 }
 
@@ -275,7 +275,7 @@ void TestMDIWindowForm::pressingAGroupOrTheRootClearsTheForm()
 void TestMDIWindowForm::pressingAnEntryOfTheSameObjectRefillsTheEntryPartOnly()
 {
     m_document->press("1018: Identity Object");
-    // What the program does not refill keeps a mark.
+    // A field that is not refilled keeps the mark.
     m_document->find<QLineEdit>("object name line edit")->setText("mark");
     m_document->find<QGroupBox>("object description group box")->setTitle("mark");
     m_document->type("5");
@@ -328,7 +328,7 @@ void TestMDIWindowForm::aCompoundObjectWithoutEntriesMissesItsEntryOnTheSecondPr
 
 void TestMDIWindowForm::subIndexFFEqualsNone()
 {
-    // A first press looks every sub-index up, later ones only those below FF.
+    // The first press on an object looks up every sub-index, later ones only those below FF.
     m_document->press("2002: Structured", "ff: Structure");
     QCOMPARE(m_document->field("object name"), QString("Structured"));
     QCOMPARE(m_document->box("entry description"), QString("Entry: Subndex ffh"));

@@ -93,7 +93,7 @@ void TestMDIWindowModes::choosingAModeStoresIt()
     document.choose(mode);
     QCOMPARE(document.modes(), mode);
     QTEST(m_settings->value("Settings/Display"), "stored");
-    document.choose(mode); // what is on stays on
+    document.choose(mode); // choosing it again changes nothing
     QCOMPARE(document.modes(), mode);
     QCOMPARE(document.statuses(), QStringList());
     QCOMPARE(CNewDocument().modes(), mode);
@@ -148,7 +148,7 @@ void TestMDIWindowModes::everyWindowKeepsItsOwnMode()
 
 void TestMDIWindowModes::settingsThatCannotBeWrittenAreNoObstacle()
 {
-    QTemporaryFile obstacle; // a file where the folder of the settings would be
+    QTemporaryFile obstacle; // a file in place of the settings' folder
     QVERIFY(obstacle.open());
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(obstacle.fileName()));
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, obstacle.fileName());

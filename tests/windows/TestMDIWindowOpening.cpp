@@ -70,7 +70,7 @@ QByteArray sheetOfRecords(int count)
     return lists + sections;
 }
 
-// Processor time, in ticks; -1 when it cannot be opened.
+// Processor time in ticks; -1 if the sheet cannot be opened.
 std::clock_t timeToOpen(const QByteArray& sheet)
 {
     CNewDocument document;
@@ -303,8 +303,8 @@ void TestMDIWindowOpening::objectsWithoutAProfileAreOtherObjects()
     QCOMPARE(CDocumentDriver::children(document.item("Other objects")), QStringList({ "1000: Two", "2000: One" }));
 }
 
-// Ten times the objects: ten times the time, far from a hundred times. Processor time, to which others on the machine
-// can only add: the least counts, and one round does as a rule.
+// Ten times the objects take about ten times the processor time, far from a hundred times. Other processes can only
+// make it longer: the shortest time counts, and one round is normally enough.
 void TestMDIWindowOpening::tenThousandObjectsOpenQuickly()
 {
     const QByteArray small = sheetOfRecords(1000), large = sheetOfRecords(10000);
@@ -315,7 +315,7 @@ void TestMDIWindowOpening::tenThousandObjectsOpenQuickly()
     }
     const QString times = QString("%1 and %2 ticks").arg(smallTime).arg(largeTime);
     QVERIFY2(smallTime > 0 && largeTime > 0 && largeTime < 30 * smallTime, qPrintable(times));
-    QVERIFY2(largeTime < 100 * CLOCKS_PER_SEC, qPrintable(times)); // about 100 times what it takes
+    QVERIFY2(largeTime < 100 * CLOCKS_PER_SEC, qPrintable(times)); // about 100 times the usual time
 }
 
 void TestMDIWindowOpening::tenThousandObjectsAreAllThere()

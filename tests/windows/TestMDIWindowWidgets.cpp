@@ -155,7 +155,7 @@ void TestMDIWindowWidgets::labelledFields()
     QTEST(field->whatsThis(), "help");
     QTEST(label->whatsThis(), "help");
     if (kind == "check box")
-        QCOMPARE(m_document->find<QCheckBox>(name + " check box")->text(), QString()); // the label carries it
+        QCOMPARE(m_document->find<QCheckBox>(name + " check box")->text(), QString()); // the label has it
     else
         QCOMPARE(m_document->field(name), QString());
 }
@@ -255,7 +255,7 @@ void TestMDIWindowWidgets::mnemonicsWork()
     QVERIFY(QTest::qWaitForWindowActive(m_document->window, patience));
     m_document->choose(key == 'H' ? "dec" : "hex");
     QTest::keyClick(m_document->window, key, Qt::AltModifier);
-    AWAIT_COMPARE(m_document->modes(), modes); // the button shows itself pressed for a moment
+    AWAIT_COMPARE(m_document->modes(), modes); // the button is shown as pressed for a moment
     QTest::keyClick(m_document->window, 'V', Qt::AltModifier);
     QVERIFY(m_document->newValue()->hasFocus());
 }

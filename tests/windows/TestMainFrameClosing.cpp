@@ -16,7 +16,7 @@
 namespace
 {
 
-/// A document that does not want to be closed.
+/// A document that refuses to close.
 class CRefusingDocument : public CMDIWindow
 {
 public:
@@ -161,7 +161,7 @@ void TestMainFrameClosing::closingFromCodeDuringTheFirstDialog()
     bool closed = false;
     const CWhenShown<CInitInterfaceDialog> dialog([&](CInitInterfaceDialog* shown) {
         closed = driver.frame.close();
-        QTimer::singleShot(0, shown, &QDialog::reject); // in case that it outlives the frame's window
+        QTimer::singleShot(0, shown, &QDialog::reject); // in case the dialog is still open
     });
     driver.frame.initializeInterface();
     QVERIFY(closed);

@@ -53,7 +53,7 @@ private Q_SLOTS:
 
 private:
     void store(const QStringList& names);
-    QStringList stored() const; // up to the last slot that holds something
+    QStringList stored() const; // up to the last slot in use
 
     std::optional<CTempSettings> m_store;
 };
@@ -184,7 +184,7 @@ void TestMainFrameRecentFiles::removedNameLeavesTheLastOneTwiceInTheMenu()
     CFrameDriver driver;
     driver.frame.deleteFileName("a");
     QCOMPARE(CFrameDriver::textsOf(driver.seeRecentMenu()), QStringList({ "b", "c", "c" }));
-    driver.frame.setRecentFile("d"); // the doubles go on until they are written over
+    driver.frame.setRecentFile("d"); // duplicates stay until they are overwritten
     QCOMPARE(CFrameDriver::textsOf(driver.seeRecentMenu()), QStringList({ "d", "b", "c", "c" }));
 }
 
