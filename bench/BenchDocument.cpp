@@ -1,7 +1,7 @@
 // Opening a data sheet in a document window, from the call to the painted tree.
 // SPDX-License-Identifier: MIT
-#include "SheetMaker.h"
 #include "MDIWindow.h"
+#include "SheetMaker.h"
 
 #include <QApplication>
 #include <QTreeWidget>

@@ -1,7 +1,7 @@
 // Exchanges with the simulator's gateway, compared with bare exchanges of lines of the same length over TCP.
 // SPDX-License-Identifier: MIT
-#include "gateway/GatewayThread.h"
 #include "SheetMaker.h"
+#include "gateway/GatewayThread.h"
 #include "tcp/tcp_open.h"
 
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 // velmora-sim: simulated CANopen devices behind an ASCII gateway and on CAN.
 // SPDX-License-Identifier: MIT
-#include "can/CanDevice.h"
 #include "Options.h"
 #include "SignalQuit.h"
+#include "can/CanDevice.h"
 #include "gateway/SimulatedGateway.h"
 
 #include <QCoreApplication>

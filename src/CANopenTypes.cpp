@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "CANopenTypes.h"
 
-#include "values/DateTimeText.h"
 #include "base/Assertion.h"
 #include "base/Digits.h"
+#include "values/DateTimeText.h"
 
 #include <QDateTime>
 

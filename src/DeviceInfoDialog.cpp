@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceInfoDialog.h"
 
-#include "widgets/FieldRow.h"
-#include "widgets/WindowTitle.h"
 #include "base/Assertion.h"
 #include "dic/CANopen.h"
+#include "widgets/FieldRow.h"
+#include "widgets/WindowTitle.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>

@@ -3,10 +3,10 @@
 #include "InitInterfaceDialog.h"
 
 #include "base/NodeId.h"
+#include "dic/CANopenDeviceInfo.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
-#include "dic/CANopenDeviceInfo.h"
 
 #include <QComboBox>
 #include <QGridLayout>

@@ -4,14 +4,14 @@
 
 #include "ConnectNodeDialog.h"
 #include "DeviceInfoDialog.h"
+#include "base/Assertion.h"
+#include "dic/CANopenReader.h"
 #include "widgets/DictionaryListView.h"
 #include "widgets/DictionaryTree.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WaitCursor.h"
 #include "widgets/WindowTitle.h"
-#include "base/Assertion.h"
-#include "dic/CANopenReader.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>

@@ -4,8 +4,8 @@
 
 #include "CANopenAccess.h"
 #include "MDIWindow.h"
-#include "widgets/MessageBoxes.h"
 #include "base/Product.h"
+#include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WindowTitle.h"
 

@@ -3,8 +3,8 @@
 #include "MainFrame.h"
 
 #include "InitInterfaceDialog.h"
-#include "access/InterfaceText.h"
 #include "MDIWindow.h"
+#include "access/InterfaceText.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/WaitCursor.h"
 

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Faults.h"
 #include "can/CanFrame.h"
 #include "can/SdoServer.h"
-#include "Faults.h"
 
 /// The right answer, and its place in the transfer.
 struct tSdoStep {

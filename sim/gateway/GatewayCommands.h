@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "gateway/GatewayGrammar.h"
 #include "device/SimulatedNetwork.h"
+#include "gateway/GatewayGrammar.h"
 
 #include <QByteArray>
 

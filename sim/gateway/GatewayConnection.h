@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "device/Log.h"
 #include "gateway/GatewayCommands.h"
 #include "gateway/GatewayFaults.h"
-#include "device/Log.h"
 
 #include <QByteArray>
 #include <QObject>

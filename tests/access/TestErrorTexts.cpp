@@ -1,7 +1,7 @@
 // Tests of the texts of error codes and SDO abort codes, row by row, and of the codes themselves.
 // SPDX-License-Identifier: MIT
-#include "base/CANopenErrors.h"
 #include "access/ErrorTexts.h"
+#include "base/CANopenErrors.h"
 
 #include <QByteArray>
 #include <QSet>

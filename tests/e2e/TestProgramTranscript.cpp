@@ -32,11 +32,7 @@ class TestProgramTranscript : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_store.emplace();
-        m_sheet.emplace(sheetText);
-    }
+    void init();
 
     void initialisingAndOpeningSendNothing();
     void aSession();
@@ -52,6 +48,12 @@ private:
     std::optional<CTempSettings> m_store;
     std::optional<CSheetFile> m_sheet;
 };
+
+void TestProgramTranscript::init()
+{
+    m_store.emplace();
+    m_sheet.emplace(sheetText);
+}
 
 void TestProgramTranscript::initialisingAndOpeningSendNothing()
 {

@@ -35,7 +35,6 @@ private Q_SLOTS:
     void showsTheProperties();
     void closesTheDocumentAndDisconnects();
     void keepsFileInterfaceAndDisplayMode();
-
     void cleanupTestCase();
 
 private:

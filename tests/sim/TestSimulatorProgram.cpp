@@ -1,8 +1,8 @@
 // The program itself: its options, messages, exit statuses and log.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
-#include "gateway/LineClient.h"
 #include "SimulatorProcess.h"
+#include "gateway/LineClient.h"
 
 #include <QProcess>
 #include <QTcpServer>

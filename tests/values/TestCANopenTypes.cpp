@@ -46,122 +46,20 @@ class TestCANopenTypes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void unsigned8WithinItsLimits_data()
-    {
-        addRows({
-            { "255", 255 },       { "256", refused }, { "260", refused },  { "1000", refused }, { "0", 0 },
-            { "1", 1 },           { "+7", 7 },        { "+007", 7 },       { "+", refused },    { "+ ", 0 },
-            { "-1", refused },    { "-0", refused },  { "0377", 255 },     { "0400", refused }, { "00377", 255 },
-            { "00", 0 },          { "08", refused },  { "0xff", 255 },     { "0XFf", 255 },     { "0x0ff", 255 },
-            { "0x100", refused }, { "0x", 0 },        { "0x ", 0 },        { "0xg", refused },  { " 12 ", 12 },
-            { "\t12\t ", 12 },    { "12a", refused }, { "12 3", refused }, { "12\n", refused }, { "1.5", refused },
-            { "", refused },      { "   ", refused }, { "\t", refused },   { "0 ", 0 },         { " 0", 0 },
-            { "0 1", refused },   { "abc", refused }, { "000000012", 10 }, { "+0000255", 255 }, { "+0x10", refused },
-            { "\xB2", refused },
-        });
-    }
+    void unsigned8WithinItsLimits_data();
     void unsigned8WithinItsLimits() { check(CCANopenTypes::ascii2unsigned8); }
-
-    void integer8WithinItsLimits_data()
-    {
-        addRows({
-            { "127", 127 },       { "128", refused },  { "130", refused }, { "-128", -128 }, { "-129", refused },
-            { "-130", refused },  { "-0128", -128 },   { "-0", 0 },        { "-", refused }, { "--1", refused },
-            { "-+1", refused },   { "+127", 127 },     { "0x80", -128 },   { "0xFF", -1 },   { "0x7F", 127 },
-            { "0x100", refused }, { "-0x1", refused }, { "0377", -1 },     { "0200", -128 }, { "0400", refused },
-            { " -5 ", -5 },       { "- 5", refused },  { "", refused },    { "0", 0 },
-        });
-    }
+    void integer8WithinItsLimits_data();
     void integer8WithinItsLimits() { check(CCANopenTypes::ascii2integer8); }
-
-    void unsigned16WithinItsLimits_data()
-    {
-        addRows({
-            { "65535", 65535 },
-            { "65536", refused },
-            { "65540", refused },
-            { "100000", refused },
-            { "0177777", 65535 },
-            { "0200000", refused },
-            { "0xFFFF", 65535 },
-            { "0x00FFFF", 65535 },
-            { "0x10000", refused },
-            { "-1", refused },
-            { "", refused },
-        });
-    }
+    void unsigned16WithinItsLimits_data();
     void unsigned16WithinItsLimits() { check(CCANopenTypes::ascii2unsigned16); }
-
-    void integer16WithinItsLimits_data()
-    {
-        addRows({
-            { "32767", 32767 },
-            { "32768", refused },
-            { "-32768", -32768 },
-            { "-32769", refused },
-            { "0x8000", -32768 },
-            { "0xFFFF", -1 },
-            { "0177777", -1 },
-            { "0200000", refused },
-            { "0x10000", refused },
-            { "", refused },
-        });
-    }
+    void integer16WithinItsLimits_data();
     void integer16WithinItsLimits() { check(CCANopenTypes::ascii2integer16); }
-
-    void unsigned32WithinItsLimits_data()
-    {
-        addRows({
-            { "4294967295", 4294967295 },
-            { "4294967296", refused },
-            { "4294967300", refused },
-            { "10000000000", refused },
-            { "037777777777", 4294967295 },
-            { "040000000000", refused },
-            { "0xFFFFFFFF", 4294967295 },
-            { "0x100000000", refused },
-            { "00000000012", 10 },
-            { "-1", refused },
-            { "", refused },
-        });
-    }
+    void unsigned32WithinItsLimits_data();
     void unsigned32WithinItsLimits() { check(CCANopenTypes::ascii2unsigned32); }
-
-    void integer32WithinItsLimits_data()
-    {
-        addRows({
-            { "2147483647", 2147483647 },
-            { "2147483648", refused },
-            { "-2147483648", -2147483648 },
-            { "-2147483649", refused },
-            { "-9999999999", refused },
-            { "0xFFFFFFFF", -1 },
-            { "0x80000000", -2147483648 },
-            { "037777777777", -1 },
-            { "040000000000", refused },
-            { "0x100000000", refused },
-            { "", refused },
-        });
-    }
+    void integer32WithinItsLimits_data();
     void integer32WithinItsLimits() { check(CCANopenTypes::ascii2integer32); }
-
-    void aNullTextIsReportedAndCountsAsEmpty()
-    {
-        SDO_t_UNSIGNED8 value = 5;
-        QTest::ignoreMessage(QtWarningMsg, assertion("string"));
-        QCOMPARE(CCANopenTypes::ascii2unsigned8(nullptr, &value), false);
-        QCOMPARE(int(value), 0);
-    }
-
-    void aNullResultIsReportedAndNotStored()
-    {
-        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
-        QCOMPARE(CCANopenTypes::ascii2integer32("12", nullptr), true);
-        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
-        QCOMPARE(CCANopenTypes::ascii2integer32("x", nullptr), false);
-        QTest::ignoreMessage(QtWarningMsg, assertion("value"));
-        QCOMPARE(CCANopenTypes::ascii2date("2009-12-24", nullptr), true);
-    }
+    void aNullTextIsReportedAndCountsAsEmpty();
+    void aNullResultIsReportedAndNotStored();
 
 private:
     template <typename Value>
@@ -174,6 +72,117 @@ private:
         QCOMPARE(result.value_or(0), value.value_or(0));
     }
 };
+
+void TestCANopenTypes::unsigned8WithinItsLimits_data()
+{
+    addRows({
+        { "255", 255 },       { "256", refused }, { "260", refused },  { "1000", refused }, { "0", 0 },
+        { "1", 1 },           { "+7", 7 },        { "+007", 7 },       { "+", refused },    { "+ ", 0 },
+        { "-1", refused },    { "-0", refused },  { "0377", 255 },     { "0400", refused }, { "00377", 255 },
+        { "00", 0 },          { "08", refused },  { "0xff", 255 },     { "0XFf", 255 },     { "0x0ff", 255 },
+        { "0x100", refused }, { "0x", 0 },        { "0x ", 0 },        { "0xg", refused },  { " 12 ", 12 },
+        { "\t12\t ", 12 },    { "12a", refused }, { "12 3", refused }, { "12\n", refused }, { "1.5", refused },
+        { "", refused },      { "   ", refused }, { "\t", refused },   { "0 ", 0 },         { " 0", 0 },
+        { "0 1", refused },   { "abc", refused }, { "000000012", 10 }, { "+0000255", 255 }, { "+0x10", refused },
+        { "\xB2", refused },
+    });
+}
+
+void TestCANopenTypes::integer8WithinItsLimits_data()
+{
+    addRows({
+        { "127", 127 },       { "128", refused },  { "130", refused }, { "-128", -128 }, { "-129", refused },
+        { "-130", refused },  { "-0128", -128 },   { "-0", 0 },        { "-", refused }, { "--1", refused },
+        { "-+1", refused },   { "+127", 127 },     { "0x80", -128 },   { "0xFF", -1 },   { "0x7F", 127 },
+        { "0x100", refused }, { "-0x1", refused }, { "0377", -1 },     { "0200", -128 }, { "0400", refused },
+        { " -5 ", -5 },       { "- 5", refused },  { "", refused },    { "0", 0 },
+    });
+}
+
+void TestCANopenTypes::unsigned16WithinItsLimits_data()
+{
+    addRows({
+        { "65535", 65535 },
+        { "65536", refused },
+        { "65540", refused },
+        { "100000", refused },
+        { "0177777", 65535 },
+        { "0200000", refused },
+        { "0xFFFF", 65535 },
+        { "0x00FFFF", 65535 },
+        { "0x10000", refused },
+        { "-1", refused },
+        { "", refused },
+    });
+}
+
+void TestCANopenTypes::integer16WithinItsLimits_data()
+{
+    addRows({
+        { "32767", 32767 },
+        { "32768", refused },
+        { "-32768", -32768 },
+        { "-32769", refused },
+        { "0x8000", -32768 },
+        { "0xFFFF", -1 },
+        { "0177777", -1 },
+        { "0200000", refused },
+        { "0x10000", refused },
+        { "", refused },
+    });
+}
+
+void TestCANopenTypes::unsigned32WithinItsLimits_data()
+{
+    addRows({
+        { "4294967295", 4294967295 },
+        { "4294967296", refused },
+        { "4294967300", refused },
+        { "10000000000", refused },
+        { "037777777777", 4294967295 },
+        { "040000000000", refused },
+        { "0xFFFFFFFF", 4294967295 },
+        { "0x100000000", refused },
+        { "00000000012", 10 },
+        { "-1", refused },
+        { "", refused },
+    });
+}
+
+void TestCANopenTypes::integer32WithinItsLimits_data()
+{
+    addRows({
+        { "2147483647", 2147483647 },
+        { "2147483648", refused },
+        { "-2147483648", -2147483648 },
+        { "-2147483649", refused },
+        { "-9999999999", refused },
+        { "0xFFFFFFFF", -1 },
+        { "0x80000000", -2147483648 },
+        { "037777777777", -1 },
+        { "040000000000", refused },
+        { "0x100000000", refused },
+        { "", refused },
+    });
+}
+
+void TestCANopenTypes::aNullTextIsReportedAndCountsAsEmpty()
+{
+    SDO_t_UNSIGNED8 value = 5;
+    QTest::ignoreMessage(QtWarningMsg, assertion("string"));
+    QCOMPARE(CCANopenTypes::ascii2unsigned8(nullptr, &value), false);
+    QCOMPARE(int(value), 0);
+}
+
+void TestCANopenTypes::aNullResultIsReportedAndNotStored()
+{
+    QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+    QCOMPARE(CCANopenTypes::ascii2integer32("12", nullptr), true);
+    QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+    QCOMPARE(CCANopenTypes::ascii2integer32("x", nullptr), false);
+    QTest::ignoreMessage(QtWarningMsg, assertion("value"));
+    QCOMPARE(CCANopenTypes::ascii2date("2009-12-24", nullptr), true);
+}
 
 QTEST_APPLESS_MAIN(TestCANopenTypes)
 #include "TestCANopenTypes.moc"

@@ -37,7 +37,6 @@ private Q_SLOTS:
     void everyOtherValueRefusesToBeWritten();
     void whatDoesNotExistIsAnAbort();
     void candumpHasSeenTheSameFrames();
-
     void numbersOfAllWidths();
     void shortBufferIsFilledAndNoMore();
     void nmtCommandsChangeTheState();
@@ -46,7 +45,6 @@ private Q_SLOTS:
     void messagesGoToTheQueue();
     void timeOutIsSetAndGiven();
     void versionTextsAreThoseOfTheMaster();
-
     void cleanupTestCase();
 
 private:

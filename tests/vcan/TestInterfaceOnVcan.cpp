@@ -57,7 +57,6 @@ private Q_SLOTS:
     void failedTriesLeaveNoDescriptor();
     void tryAfterManyFailuresWorks();
     void eachInterfaceIsABusOfItsOwn();
-
     void interfaceThatIsDownTakesNoMessage();
     void interfaceThatGoesDownDuringAReadIsATimeOut();
     void interfaceThatGoesDownDuringAWriteIsATimeOut();

@@ -4,12 +4,12 @@
 #include "DemoEntries.h"
 #include "DocumentDriver.h"
 #include "FrameDriver.h"
-#include "base/Product.h"
 #include "ProgramRun.h"
 #include "RawCan.h"
 #include "SimulatorProcess.h"
 #include "TempSettings.h"
 #include "VcanInterface.h"
+#include "base/Product.h"
 #include "cop/cop_api.h"
 #include "cop/cop_sdo.h"
 

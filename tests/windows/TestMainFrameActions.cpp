@@ -93,7 +93,6 @@ private Q_SLOTS:
     void slotsKeepTheirOrderAndThereAreNoSignals();
     void versionIsAText();
     void highlightedItemShowsItsStatusTip();
-
     void deviceInfoStartsDisabledAlsoInTheToolBar();
     void closeCloseAllAndPrintStartEnabled();
     void withoutWindowsMenusDisableTheirItems();

@@ -57,7 +57,6 @@ private Q_SLOTS:
     void refusingDocumentKeepsTheInterface();
     void closeAllPassesOverARefusingDocument();
     void deletedFrameDisconnectsTheGateway();
-
     void closingFromCodeDuringTheFirstDialog();
     void closingFromCodeDuringTheConnectDialog();
     void closingADocumentDuringItsConnectDialog();

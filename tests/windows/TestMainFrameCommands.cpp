@@ -27,14 +27,12 @@ private Q_SLOTS:
     void cancelledFileDialogAborts();
     void symbolicLinksAreResolved();
     void keysWorkFromInsideADocument();
-
     void closeKeyClosesTheActiveDocument();
     void closeWithoutDocumentDoesNothing();
     void closeMenuItemClosesTheActiveDocument();
     void closeAllClosesEveryDocument();
     void exitKeyClosesTheFrame();
     void exitMenuItemClosesTheFrame();
-
     void notRealizedCommands_data();
     void notRealizedCommands();
     void notRealizedMenuItems();
@@ -43,7 +41,6 @@ private Q_SLOTS:
     void contextHelpKeyStartsWhatsThisMode();
     void menusOpenByTheirMnemonics();
     void keyboardAloneChoosesAnItem();
-
     void deviceInfoWithoutDocumentDoesNothing();
     void deviceInfoShowsTheActiveDocument();
 

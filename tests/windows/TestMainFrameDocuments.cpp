@@ -37,14 +37,12 @@ private Q_SLOTS:
     void newDocumentIsUnnamedAndHasAnIcon();
     void newDocumentIsActive();
     void messagesOfADocumentGoToTheStatusBar();
-
     void captionStaysExactWhileADocumentIsMaximised();
     void captionStaysExactWithAnyFileName_data();
     void captionStaysExactWithAnyFileName();
     void captionLosesTheVersionAfterAFile_data();
     void captionLosesTheVersionAfterAFile();
     void captionStaysWhenTheDocumentOpensNoFile();
-
     void windowsMenuWithoutWindows();
     void windowsMenuListsTheDocuments();
     void windowsMenuShowsNamesAsTheyAre();

@@ -31,13 +31,11 @@ private Q_SLOTS:
     void menuListsTheUsedSlotsInOrder();
     void menuIsFilledAnewEachTime();
     void namesStandInTheMenuAsTheyAre();
-
     void setRecentFile_data();
     void setRecentFile();
     void deleteFileName_data();
     void deleteFileName();
     void removedNameLeavesTheLastOneTwiceInTheMenu();
-
     void openedFileEntersTheListAtTheTop();
     void openingAListedFileMovesItToTheTop();
     void menuItemOpensItsFile_data();

@@ -1,7 +1,7 @@
 // Interfaces of this machine that cannot be opened. Frames are tested where there is a CAN interface (tests/vcan).
 // SPDX-License-Identifier: MIT
-#include "can/CanDevice.h"
 #include "DemoSheet.h"
+#include "can/CanDevice.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 // Frames on their way to the bus: their order and their pace.
 // SPDX-License-Identifier: MIT
-#include "can/CanSender.h"
 #include "Patience.h"
+#include "can/CanSender.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
 #include "FaultList.h"
-#include "gateway/GatewayThread.h"
 #include "LineClient.h"
+#include "gateway/GatewayThread.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -1,9 +1,9 @@
 // The gateway over real sockets, as transcripts: what a client sends and what it gets.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
-#include "gateway/GatewayThread.h"
 #include "LineClient.h"
 #include "base/Product.h"
+#include "gateway/GatewayThread.h"
 
 #include <QElapsedTimer>
 #include <QMutex>
