@@ -85,7 +85,7 @@ public:
                 return false;
         return true;
     }
-    /// The first exchange of a transfer. The master sets up two message objects for it and empties the socket each time.
+    /// The first exchange of a transfer. The master sets up two message objects for it and empties the socket.
     bool initiate(int object, can_frame& frame) const
     {
         drain(frame);

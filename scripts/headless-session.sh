@@ -6,10 +6,10 @@ pictures=0
 
 # Starts an X server, a window manager and the browser.
 start_browser() {
-    # Inside User Mode Linux, Xvfb would take the host's displays for dead ones and remove their locks: the display
-    # number is chosen here. -dumbSched: no scheduling timer, whose signals can come faster there than a process is
-    # created. On a busy machine: -noreset: no reset when the last client leaves, which would disconnect a client that
-    # is just connecting (a window manager ends then); -r: no repeated keys when a release is late.
+    # The display number is chosen here: inside User Mode Linux, Xvfb cannot see the host's processes and would remove
+    # the locks of the host's displays. -dumbSched: no scheduling timer; inside User Mode Linux its signals can come
+    # faster than a process is created. -noreset: no reset when the last client leaves, which on a busy machine would
+    # disconnect a client that is just connecting. -r: no repeated keys when a busy machine handles a release late.
     local display=$((RANDOM + 100))
     start Xvfb ":$display" -displayfd 7 -screen 0 1280x800x24 -nolisten tcp -dumbSched -noreset -r 7> "$demo/display"
     wait_for test -s "$demo/display" || fail "Xvfb did not start"
@@ -21,7 +21,7 @@ start_browser() {
 }
 
 # window TITLE: waits until a window with exactly this title has the keyboard focus. A window manager that is still
-# starting may leave the request of a new window until its next event: each attempt changes a property, which is one.
+# starting may handle a new window only at its next event: each attempt causes one, by changing a property.
 window() {
     activate() {
         [ "$(xdotool getactivewindow getwindowname)" = "$1" ] && return

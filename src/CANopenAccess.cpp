@@ -53,7 +53,7 @@ std::int32_t copyText(const char* text, char* buffer, short size)
     return ERR_NO_ERROR;
 }
 
-// Where the signatures of the libraries differ.
+// Adapters for functions of a library whose signature differs from that of the table.
 
 std::int32_t initMaster(long board, void* param, BYTE baudrate)
 {
@@ -344,15 +344,15 @@ bool CCANopenAccess::storeSdoResult(std::int32_t result)
     return storeResult(result);
 }
 
-// For everything else: the result becomes the last error as it is. A text query may make it an abort code.
+// For everything else: the result becomes the last error unchanged. Text queries to a gateway may return an abort code.
 bool CCANopenAccess::storeResult(std::int32_t result)
 {
     m_lastError = result;
     return result == 0;
 }
 
-// For what the SocketCAN master answers without the bus. Kept: success leaves the last error as it was, so that a query
-// of the interface does not hide an earlier failure.
+// For the SDO time-out and the version texts. Kept: with the SocketCAN master, which does not use the bus for them,
+// success leaves the last error as it was: compatible behaviour.
 bool CCANopenAccess::storeLocalResult(std::int32_t result)
 {
     return (result == ERR_NO_ERROR && m_library == librarySocketCAN) || storeResult(result);

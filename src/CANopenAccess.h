@@ -61,8 +61,8 @@ public:
     bool readInteger8(BYTE node, WORD index, BYTE subindex, std::int8_t* value);
     bool readInteger16(BYTE node, WORD index, BYTE subindex, std::int16_t* value);
     bool readInteger32(BYTE node, WORD index, BYTE subindex, std::int32_t* value);
-    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null. With the SocketCAN master success
-    /// leaves the last error unchanged, also for its version texts.
+    /// Sets the time-out of SDO transfers in milliseconds. `previous` may be null. With the SocketCAN master, this call
+    /// and the two version texts below leave the last error unchanged when they succeed.
     bool setSDOTimeout(WORD timeout, WORD* previous);
 
     /// Network management of one node.

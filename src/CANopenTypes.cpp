@@ -208,7 +208,7 @@ bool CCANopenTypes::date2ascii(SDO_t_DATE value, QString& string)
     }
     const QTime time(member.hour, member.minutes, member.milliseconds / 1000, member.milliseconds % 1000);
     const QDate date(member.year + (member.year > 69 ? 1900 : 2000), member.month, member.day_of_month);
-    // Two texts, not one local moment: that would shift a time that daylight saving skips.
+    // Date and time are converted separately: one local moment would shift a time that daylight saving skips.
     string =
         date.toString(QStringLiteral("yyyy-MM-dd")) + QLatin1Char(' ') + time.toString(QStringLiteral("hh:mm:ss.zzz"));
     return true;

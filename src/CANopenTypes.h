@@ -44,8 +44,8 @@ union [[gnu::packed]] SDO_t_TIME_OF_DAY {
 };
 static_assert(sizeof(SDO_t_TIME_OF_DAY) == 6);
 
-/// Text to value and back. `false` means that the text is no value of the type. A null text is warned about and counts
-/// as empty; a null result is warned about and not stored.
+/// Text to value and back. `false` means that the text is no value of the type. A null pointer causes a warning in the
+/// log; a null text is then taken as empty, and for a null result nothing is stored.
 class CCANopenTypes
 {
 public:

@@ -19,7 +19,7 @@ public:
 
     /// The node-id in the spin box, 1 to 127.
     int getNodeId() const;
-    /// True after a connect; false before, after off-line and after the dialog was just closed.
+    /// True after Connect or a double click on a node; otherwise false.
     bool getConnectFlag() const;
 
     static const char* version();

@@ -27,7 +27,7 @@ public:
 
     /// Appends the stored history to the interface box.
     void loadSettings();
-    /// Stores the first ten entries of the interface box; older stored entries behind them are left alone.
+    /// Stores the first ten entries of the interface box; when there are fewer, further stored ones stay unchanged.
     void saveSettings() const;
 
     static const char* version();

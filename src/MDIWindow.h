@@ -43,15 +43,15 @@ public:
     explicit CMDIWindow(QWidget* parent = nullptr, const char* name = nullptr, Qt::WindowFlags flags = {});
     ~CMDIWindow() override;
 
-    /// Loads the data sheet `fileName` and shows its tree; called once. With an `access`, which stays the caller's, the
-    /// user is asked for a node first. The window may be closed, and deleted, while one of its dialogs runs.
+    /// Loads the data sheet `fileName` and shows its tree; called once. With an `access`, which is borrowed, the user
+    /// is asked for a node first. The window may be closed, and deleted, while one of its dialogs runs.
     /// @return false when the file could not be loaded, the dialog was cancelled or the window was deleted
     bool openDocument(const QString& fileName, CCANopenAccess* access);
 
     /// Shows the device and file information of the dictionary in a modal dialog.
     void showDeviceInfo();
 
-    /// Forgets the facade before its owner deletes it: the document stays off-line from now on, its titles stay.
+    /// Forgets the facade before its owner deletes it: the document can no longer read or send. Its titles stay.
     void releaseAccess();
 
     /// A document never refuses to close.
@@ -111,7 +111,7 @@ private:
     tObjectDescription m_objectDescription;
     tEntryDescription m_entryDescription;
     tDataAccess m_dataAccess;
-    CCANopenAccess* m_CANopen; // the frame's; null while off-line
+    CCANopenAccess* m_CANopen; // borrowed from the frame; null without an interface
     unsigned char m_nodeId;    // 0: off-line
     unsigned short m_index;    // 0: no object
     unsigned char m_subIndex;  // 255: no entry

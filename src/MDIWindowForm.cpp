@@ -1,4 +1,4 @@
-// The widgets of the document window: what they are called, what they say and where they stand.
+// The widgets of the document window: their names, texts and places.
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 

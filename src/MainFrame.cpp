@@ -50,7 +50,7 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
     frame->setWindowIcon(document->windowIcon()); // otherwise that of the program
     frame->resize(documentSize.grownBy(frame->contentsMargins()));
 
-    // Ctrl+W is the shortcut of the program's Close; with two owners the key would do nothing.
+    // The system menu also has Ctrl+W, the shortcut of the program's Close; with two owners the key would do nothing.
     for (QAction* action : frame->systemMenu()->actions())
         if (!action->shortcuts().isEmpty())
             action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4));

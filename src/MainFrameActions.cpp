@@ -36,14 +36,14 @@ struct CMainFrame::tAction {
     const char* icon;     // "" for none
     const char* statusTip;
     const char* whatsThis;
-    QAction* CMainFrame::*member; // keeps the action; null when the frame never uses it again
+    QAction* CMainFrame::*member; // where the frame stores the action; null when it needs it only here
     void (*handler)(CMainFrame& frame);
 };
 
 struct CMainFrame::tMenu {
     const char* name;
     const char* title;
-    QMenu* CMainFrame::*member;        // keeps the menu; null when the frame never uses it again
+    QMenu* CMainFrame::*member;        // where the frame stores the menu; null when it needs it only here
     void (CMainFrame::*aboutToShow)(); // null when the menu needs no update; otherwise `member` is set
     const char* const* items; // names of actions and submenus, ends with null; null for a separator of the menu bar
 };

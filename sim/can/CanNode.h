@@ -19,7 +19,7 @@ struct tCanContext {
     tLog log;
 };
 
-/// Listens to its device, so that what the other front-end changes there shows on the bus.
+/// Is the listener of its device, so that changes made through the gateway show on the bus, too.
 class CCanNode : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ public:
     /// Sends the boot-up message and starts the heartbeat.
     void start();
 
-    /// Takes the data of a frame to the SDO server. A stopped device does not answer.
+    /// Gives the data of a frame to the SDO server and sends its answer. A stopped device does not answer.
     void receiveSdo(const QByteArray& request);
 
 private:
@@ -53,5 +53,5 @@ private:
     const tFault* m_fault = nullptr; // of the current transfer
     QTimer m_heartbeat;
     std::unique_ptr<QObject> m_delays = std::make_unique<QObject>(); // deleting it drops the delayed answers
-    int m_delayed = 0;                                               // how many they are
+    int m_delayed = 0;                                               // number of delayed answers
 };

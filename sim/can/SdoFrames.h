@@ -1,5 +1,4 @@
-// The layout of SDO frames (CiA 301), for the server and its faults. The simulator has its own on purpose, so that
-// client and server never share a mistake.
+// The layout of SDO frames (CiA 301), for the server and its faults. Not shared with the program: see AbortCodes.h.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -88,7 +88,7 @@ private:
     tSdoTransfer m_transfer;
     std::optional<qsizetype> m_announced; // the size of a segmented download
     QByteArray m_source;                  // the bytes of a segmented upload
-    qsizetype m_position = 0;             // of the next one in it
+    qsizetype m_position = 0;             // of the next byte in m_source
     quint32 m_emptySegments = 0;          // still to come
     unsigned m_toggle = 0;                // expected in the next segment
 };

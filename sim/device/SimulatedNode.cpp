@@ -164,7 +164,7 @@ tAbortCode CSimulatedNode::checkLimits(const tEntry& entry, const QByteArray& da
     return abortNone;
 }
 
-// True when the entry is one that stores or restores; `result` is then the outcome.
+// Carries out a write to 0x1010 or 0x1011, sub-index 1 and above. @return false for other entries, `result` unchanged
 bool CSimulatedNode::storeOrRestore(unsigned index, unsigned subIndex, const QByteArray& data, tAbortCode* result)
 {
     const auto signature = std::find_if(std::begin(signatures), std::end(signatures),

@@ -9,7 +9,7 @@
 
 #include <optional>
 
-/// Each function takes what it is named after and advances. One that fails returns false or no value.
+/// Each function reads what it is named after and moves past it. One that fails returns false or no value.
 class CLineScanner
 {
 public:

@@ -63,7 +63,7 @@ short can_exit();
 /// checked, since the bit rate of the interface is configured elsewhere.
 /// @return also ERR_ALREADY_STARTED; ERR_BAUDRATE for index 1, which has no bit timing, and above 8
 short can_start(BYTE baudrate);
-/// Stops the controller. @return also ERR_BAUDRATE while it runs at index 1
+/// Stops the controller. @return also ERR_BAUDRATE while it runs at index 1, which can_start does not allow
 short can_reset();
 
 /// Not available from a raw socket: ERR_NOT_SUPPORTED once initialised. Nothing is stored through the pointers.

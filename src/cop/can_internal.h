@@ -4,8 +4,8 @@
 
 #include "base/CANopenErrors.h"
 
-inline constexpr uint32_t can_no_time_stamp = 0xFFFFFFFF; ///< of every message: none is measured
-inline constexpr int can_read_limit = 100; ///< messages a call takes, so that a busy bus does not hold it for long
+inline constexpr uint32_t can_no_time_stamp = 0xFFFFFFFF; ///< time stamp of every message: no time is measured
+inline constexpr int can_read_limit = 100; ///< messages that a call takes at most, so that a busy bus cannot block it
 
 /// The error that blocks sending and reading: ERR_NOT_INITIALIZED, ERR_NOT_STARTED or ERR_NO_ERROR.
 short can_check_started();

@@ -77,8 +77,8 @@ static int32_t cop_await(short* length, BYTE* data)
 int32_t cop_request(uint32_t cob_id, short* length, BYTE* data)
 {
     // Kept: no remote frame is sent; the message arrives only if the node sends it by itself.
-    // can_config and can_receive check the arguments. The length is clamped so that cutting it to its eight bits cannot
-    // make it valid.
+    // can_config and can_receive check the arguments. The control word has eight bits for the length: without the clamp
+    // a length of 264 would be taken as 8.
     const int expected = length != nullptr ? std::clamp<int>(*length, -1, can_length_max + 1) : 0;
     const auto control = static_cast<WORD>(can_object_receive_remote | expected << can_object_length_shift);
     cop_error = can_config(cop_receive_object, cob_id, control);

@@ -31,7 +31,7 @@ public:
     enum TObjectCategory : int { categoryOptional = 0, categoryMandatory = 1, categoryConditional = 2 };
     enum TObjectState : int { statePublic = 0, stateProtected = 1, statePrivate = 2, stateInvalid = -1 };
     // clang-format on
-    /// Where the object is described.
+    /// The profile that defines the object, and where it does so.
     struct tProfile {
         QString m_number, m_version, m_chapter, m_page, m_link;
     };
@@ -69,7 +69,7 @@ public:
     bool isDeviceProfileObject() const;        ///< index 0x6000 to 0x9FFF
     bool isSingleObject() const;               ///< a variable
     bool isMultipleObject() const;             ///< an array or a record
-    bool isStandardDataType() const;           ///< a simple type; some numbers count as standard and as complex
+    bool isStandardDataType() const;           ///< a simple type; some numbers are both standard and complex
     bool isComplexDataType() const;            ///< a structure
 
     /// Position of the first entry with that sub-index, or -1.

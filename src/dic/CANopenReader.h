@@ -5,8 +5,8 @@
 #include "dic/CANopen.h"
 #include "dic/EdsGrammar.h"
 
-/// Values may be wrong, the syntax may not: a value that is no number counts as 0, unknown sections and keys are
-/// skipped, but a line that is not INI syntax ends the load.
+/// A value that is no number reads as 0, unknown sections and keys are skipped, but a line that is not INI syntax ends
+/// the load.
 class CCANopenReader
 {
 public:

@@ -13,8 +13,8 @@ bool IsObject(const char* name, unsigned short* index);
 bool IsObjectEntry(const char* name, unsigned short* index, unsigned char* subIndex);
 
 /// Unsigned number, decimal ("20", "+20"), hexadecimal ("0x14") or octal ("024"), with blanks and tabs around it. "+"
-/// with only blanks after it is 0. False for an empty text, "+" alone, any other character, a sign '-' and numbers beyond
-/// 255.
+/// with only blanks after it is 0. False for an empty text, "+" alone, any other character ("-" included) and numbers
+/// above 255.
 bool Ascii2Unsigned8(const char* text, unsigned char* value);
 /// The same up to 65535.
 bool Ascii2Unsigned16(const char* text, unsigned short* value);

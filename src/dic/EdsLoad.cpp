@@ -30,7 +30,7 @@ enum TSection {
     sectionUnknown = -1 // all keys are skipped
 };
 
-// All names but those of objects and entries.
+// Section names other than those of objects and entries.
 constexpr struct {
     std::string_view name;
     TSection section;
@@ -67,10 +67,10 @@ private:
     void appendObject(unsigned short index);
 
     TSection m_section = sectionUnknown;
-    std::vector<int> m_firstPosition; // by index, or -1: as `CCANopen::find`, but without a search
+    std::vector<int> m_firstPosition; // by index: position of the first object with it, or -1
 };
 
-// Values that are no numbers count as 0.
+// Values that are no numbers read as 0.
 
 unsigned char number8(const char* value)
 {
@@ -90,7 +90,7 @@ std::uint32_t number32(const char* value)
     return Ascii2Unsigned32(value, &number) ? static_cast<std::uint32_t>(number) : 0;
 }
 
-// Kept: what is no number counts as false, also "Yes": the feature counts as not supported.
+// Kept: a text that is no number, even "Yes", reads as false.
 bool flag(const char* value)
 {
     return number16(value) != 0;

@@ -40,5 +40,5 @@ private:
     QString m_section; // without brackets
     QString m_key;
     QString m_value; // without white space at its ends
-    QString m_line;  // the line read last; kept because its memory is used again
+    QString m_line;  // the line read last; a member so that its memory is reused
 };

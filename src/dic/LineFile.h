@@ -40,6 +40,6 @@ private:
     qint64 m_bytesLeft = 0;                  // of the size found when the file was opened
     QByteArray m_bytes;                      // one block as it is in the file
     std::optional<QStringDecoder> m_decoder; // none: Windows-1252
-    QString m_text;                          // the block's characters ...
-    QStringView m_rest;                      // ... and those not yet delivered
+    QString m_text;                          // the characters of the block
+    QStringView m_rest;                      // the end of m_text that readLine has not returned yet
 };

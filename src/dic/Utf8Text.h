@@ -6,8 +6,8 @@
 #include <QStringDecoder>
 
 /// The text of a UTF-8 C string; a null text for a null pointer. A byte order mark is a character like any other.
-/// Decoding reserves one character for each byte, up to three times what is needed; this is given back, since texts stay
-/// in memory as long as their document is open.
+/// Decoding reserves one character for each byte, up to three times what is needed; the unused memory is freed, since
+/// texts stay as long as their document is open.
 inline QString textFromUtf8(const char* utf8)
 {
     if (utf8 == nullptr)

@@ -101,7 +101,7 @@ static int top_readline(int socket, char* buffer, int size)
         const ssize_t received = recv(socket, &byte, 1, 0);
         if (received == 0)
             return count;
-        // A socket with a permanent error stays readable, and with no time left `select` does not block.
+        // With a permanent error the socket stays readable, so that `select` alone would never report the time-out.
         if (received < 0 && rest.tv_sec == 0 && rest.tv_usec == 0)
             return 0;
         // Kept: after a failed receive the previous byte is stored again. A broken connection fails once and then
@@ -136,7 +136,7 @@ static int32_t top_exchange(Evaluator evaluator, Out... out)
     top_await(top_sequence_of(top_buffer));
 
     // Kept: after a time-out the buffer holds the command itself, or the last line with another number. It is evaluated
-    // like an answer, so that a read may succeed with a value that nobody sent, and there is no ERR_TIMEOUT.
+    // like an answer, so that a read may succeed with a value that no device sent, and there is no ERR_TIMEOUT.
     if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>) {
         uint32_t abort = 0;
         const int32_t result = evaluator(top_buffer, out..., &abort);

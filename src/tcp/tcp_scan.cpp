@@ -14,7 +14,7 @@
 // The grammar of the items:
 //
 //   blanks    = { " " | TAB }
-//   number    = hexadecimal | octal | decimal
+//   number    = hex | octal | decimal
 //   hex       = "0" ( "x" | "X" ) { "0"-"9" | "a"-"f" | "A"-"F" }
 //   octal     = "0" { "0"-"7" }
 //   decimal   = [ "+" | "-" ] digit { digit }          a sign only in signed numbers

@@ -16,7 +16,7 @@ enum TDisplayMode : int { modeHex = 0, modeDec = 1, modeOct = 2 };
 enum tDirection { read, sent };
 
 /// The text of an integer. `type` is the number of the data type, Integer8 to Unsigned32; `bits` holds the value as
-/// two's complement, of which only as many bits count as the type has. Empty for other data types.
+/// two's complement; bits above the width of the type are ignored. Empty for other data types.
 /// Example: -1 as Integer8 is "-1", "377" or "0xFF".
 QString integer(int type, tDirection direction, std::uint32_t bits, TDisplayMode mode);
 

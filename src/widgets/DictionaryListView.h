@@ -4,8 +4,8 @@
 
 #include <QTreeWidget>
 
-/// Its own signals come last in the handling of an event, so that the receiver may show a dialog and delete the tree.
-/// The signals of the base class do not allow that.
+/// Its own signals are emitted last by an event handler, so that a receiver may show a dialog and delete the tree.
+/// With the signals of the base class it must not.
 class CDictionaryListView : public QTreeWidget
 {
     Q_OBJECT

@@ -16,7 +16,7 @@ struct tFieldText {
 namespace fieldRow
 {
 
-/// The longest text of a data sheet, which fields that show one take whole: a line's.
+/// Characters that a field for a text of a data sheet can hold: as many as the longest line, so that none is cut.
 inline constexpr int longestText = 0x10000;
 
 /// Gives a field or button its object name, tool tip and what's-this text.

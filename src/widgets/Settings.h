@@ -1,4 +1,4 @@
-// The persistent settings: keys, limits and defaults stand here only. Lists are kept in ten numbered slots.
+// The persistent settings, with their keys, limits and defaults. Lists are stored in ten numbered slots.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -22,11 +22,11 @@ void setRecentFiles(const QStringList& files);
 QStringList usedInterfaces();
 void setUsedInterfaces(const QStringList& interfaces);
 
-/// The display mode, stored as its number; hexadecimal when there is none. Another number comes as it is stored.
+/// The stored display mode; hexadecimal when none is stored. A stored number that is no mode is returned unchanged.
 valueFormats::TDisplayMode displayMode();
 void setDisplayMode(valueFormats::TDisplayMode mode);
 
-/// `list` with `name` in front, held only once. Compares case-sensitively.
+/// `list` with `name` as its first element and without other elements equal to it. Compares case-sensitively.
 QStringList promoted(const QStringList& list, const QString& name);
 
 /// `list` without any element equal to `name`. Compares case-sensitively.

@@ -1,4 +1,4 @@
-// The wait cursor for the duration of a scope: of a blocking call, never of a message box.
+// Shows the wait cursor as long as the object lives: during a blocking call, never during a message box.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -1,7 +1,7 @@
 # Fails when the static library LIBRARY calls anything that takes memory from the heap or frees it. NM lists symbols.
 # SPDX-License-Identifier: MIT
 execute_process(COMMAND ${NM} -u ${LIBRARY} OUTPUT_VARIABLE symbols RESULT_VARIABLE result)
-# Both libraries open a socket: without that nm has shown something else than what they call.
+# Both libraries call `socket`: if nm does not list it, its output is not what they call.
 if(NOT result EQUAL 0 OR NOT symbols MATCHES " U socket\n")
     message(FATAL_ERROR "cannot tell what ${LIBRARY} calls: ${result}")
 endif()

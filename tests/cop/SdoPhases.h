@@ -11,7 +11,7 @@
 /// How an answer is treated, by its first byte.
 enum tVerdict { good, unexpected, wrongToggle, aborted };
 struct tVerdicts {
-    int last; // of the bytes of this row, which follow those of the row before
+    int last; // the row is for first bytes up to this one that no earlier row covers
     tVerdict verdict;
 };
 using tVerdictTable = std::vector<tVerdicts>;

@@ -273,12 +273,12 @@ void TestIniReader::zeroBytes_data()
 {
     columns();
     QTest::newRow("in a comment") << bytes("[a]\n;\0x\nk=1\n") << QStringList{ "1 a k=1", "-1" };
-    QTest::newRow("behind a semicolon") << bytes("[a]\nk=1;\0\n") << QStringList{ "1 a k=1", "-1" };
+    QTest::newRow("after a semicolon") << bytes("[a]\nk=1;\0\n") << QStringList{ "1 a k=1", "-1" };
     QTest::newRow("in a value") << bytes("[a]\nk=1\0002\nl=3\n")
                                 << QStringList{ QString("1 a k=1") + QChar(0) + '2', "2 a l=3", "-1" };
     QTest::newRow("in a key") << bytes("[a]\nk\0=1\n") << QStringList{ "0 in line 2" };
     QTest::newRow("in a section name") << bytes("[a\0]\nk=1\n") << QStringList{ "0 in line 1" };
-    QTest::newRow("behind a header") << bytes("[a]\0\nk=1\n") << QStringList{ "0 in line 1" };
+    QTest::newRow("after a header") << bytes("[a]\0\nk=1\n") << QStringList{ "0 in line 1" };
     QTest::newRow("after blanks") << bytes("[a]\n \0\n") << QStringList{ "0 in line 2" };
     QTest::newRow("as a line") << bytes("[a]\nk=1\n\0\n") << QStringList{ "1 a k=1", "0 in line 3" };
     QTest::newRow("only") << QByteArray(1000, '\0') << QStringList{ "0 in line 1" };

@@ -167,7 +167,7 @@ private:
         return m_command.isEmpty() || countsOn() ? QString() : m_call + " has another number";
     }
 
-    // The numbers of the page count as those on the wire do; rows that show one command with several answers repeat it.
+    // The numbers on the page increase as those on the wire do; rows with several answers to one command repeat it.
     bool countsOn()
     {
         const long shown = m_number - std::exchange(m_shown, m_number);

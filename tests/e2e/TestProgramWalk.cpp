@@ -1,4 +1,4 @@
-// A walk through the whole program with the simulated device, one step a test: each goes on where the one before ended.
+// A walk through the whole program with the simulated device, one step a test: each continues where the last one ended.
 // SPDX-License-Identifier: MIT
 #include "BoxCatcher.h"
 #include "DeviceInfoDialog.h"

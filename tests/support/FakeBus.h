@@ -58,7 +58,7 @@ public:
     int waiting() const;                                          ///< frames that read() could deliver now
 
     /// Makes the `nth` call from now on (1: the next one) and the `times` - 1 after it fail with `error`. A failing
-    /// read also makes the socket readable, as an interface that goes down does. close() releases the descriptor anyway.
+    /// read also makes the socket readable, as an interface that goes down does. close() still releases the descriptor.
     void fail(ECall call, int error, int nth = 1, int times = 1);
     /// Makes the next write() take only `bytes` of the frame; nothing is sent.
     void shortWrite(int bytes);

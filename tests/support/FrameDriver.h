@@ -27,9 +27,9 @@ public:
     CFrameDriver();
     /// Makes the frame the active window, as the window manager does when a dialog ends.
     void activate();
-    /// Puts the pointer beside the frame, where it causes no status tips. A menu remembers where the pointer was when it
-    /// opened. Qt 6.8 closes the menu, choosing nothing, if it is pressed in that place, and in any place as long as the
-    /// pointer has not been set.
+    /// Puts the pointer beside the frame, where it causes no status tips. A menu stores where the pointer was when it
+    /// opened. In Qt 6.8, a press at that place closes the menu without choosing an item; so does a press at any place
+    /// until the pointer has been set.
     void putPointerAside() const;
 
     QAction* action(const char* name) const { return frame.findChild<QAction*>(name); }

@@ -1,3 +1,3 @@
-// Nothing of its own: stands for the headers that are precompiled for all tests.
+// Empty: the target of the headers that are precompiled for all tests needs a source.
 // SPDX-License-Identifier: MIT
 int main() {}

@@ -1,4 +1,4 @@
-// A walk through the whole program on vcan0 with the simulated device; each test goes on where the one before ended.
+// A walk through the whole program on vcan0 with the simulated device; each test continues where the one before ended.
 // SPDX-License-Identifier: MIT
 #include "BoxCatcher.h"
 #include "DemoEntries.h"

@@ -243,7 +243,7 @@ void TestMDIWindowAccess::aGatewayThatHangsUpDuringAReadLeavesTheDocumentUsable(
     document.press("Manufacturer specific");
     QCOMPARE(document.value(), QString());
 
-    // The interface is initialised again, which is the same facade: the document goes on.
+    // The interface is initialised again with the same facade: the document can read again.
     CFakeGateway other;
     other.expect("[#] 5 read 0x2000 0x0 u8\r\n", "[#] 9\r\n");
     QVERIFY(document.access.terminate());

@@ -45,8 +45,8 @@ private Q_SLOTS:
     void withoutInterfaceTextTheFacadeRefuses();
     void failureDeletesTheFacade();
     void failureShowsItsBoxBeforeItDeletesTheFacade();
-    void frameMayGoWhileTheBoxOfAFailureIsOpen_data();
-    void frameMayGoWhileTheBoxOfAFailureIsOpen();
+    void frameMayBeDeletedWhileTheBoxOfAFailureIsOpen_data();
+    void frameMayBeDeletedWhileTheBoxOfAFailureIsOpen();
     void failureTakesTheFacadeFromTheDocuments();
     void afterAFailureInitialisingWorksAgain();
     void documentsStayOfflineAfterALaterSuccess();
@@ -189,14 +189,14 @@ void TestMainFrameInterface::failureShowsItsBoxBeforeItDeletesTheFacade()
     QCOMPARE(catcher.boxes().last().text, notInitialized);
 }
 
-void TestMainFrameInterface::frameMayGoWhileTheBoxOfAFailureIsOpen_data()
+void TestMainFrameInterface::frameMayBeDeletedWhileTheBoxOfAFailureIsOpen_data()
 {
     QTest::addColumn<bool>("deleted");
     QTest::newRow("closed") << false;
     QTest::newRow("deleted") << true;
 }
 
-void TestMainFrameInterface::frameMayGoWhileTheBoxOfAFailureIsOpen()
+void TestMainFrameInterface::frameMayBeDeletedWhileTheBoxOfAFailureIsOpen()
 {
     QFETCH(const bool, deleted);
     const CSheetFile sheet(sheetText);

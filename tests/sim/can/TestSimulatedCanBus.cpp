@@ -207,7 +207,7 @@ void TestSimulatedCanBus::heartbeatFollowsItsTimeAtOnce()
     QCOMPARE(probe.take().first(2), (QByteArrayList{ "705 7F", "705 7F" }));
 }
 
-// A client that writes all the time would otherwise keep the heartbeat away.
+// If each write restarted the timer, a client that writes all the time would suppress the heartbeat.
 void TestSimulatedCanBus::heartbeatKeepsItsPaceUnderOtherWrites()
 {
     CCanBusProbe probe;
