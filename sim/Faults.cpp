@@ -36,7 +36,7 @@ const char* readWhat(const QString& what, tFaultKinds kinds, tFault& fault)
         return kind->number == numberNeeded ? "a number is missing, as in error=103" : nullptr;
     const auto number = readNumber(what.mid(equals + 1));
     if (kind->number == numberNone || !number || number->negative || number->bits > kind->highest)
-        return "wrong number behind '='";
+        return "wrong number after '='";
     fault.argument = static_cast<quint32>(number->bits);
     return nullptr;
 }
@@ -47,11 +47,11 @@ const char* readPlace(const QString& place, tFault& fault)
     const qsizetype colon = place.indexOf(u':');
     fault.index = readHexadecimal(place.left(colon), 1, 0xFFFF);
     if (!fault.index)
-        return "wrong index behind '@'";
+        return "wrong index after '@'";
     if (colon < 0)
         return nullptr;
     fault.subIndex = readHexadecimal(place.mid(colon + 1), 0, 0xFF);
-    return fault.subIndex ? nullptr : "wrong sub-index behind ':'";
+    return fault.subIndex ? nullptr : "wrong sub-index after ':'";
 }
 
 } // namespace

@@ -61,7 +61,7 @@ QString serveCan(std::unique_ptr<CCanDevice>& can, CSimulatedNetwork& network, c
     if (options.verbose)
         can->setLog(print);
     QObject::connect(can.get(), &CCanDevice::interfaceRemoved, qApp, [name = options.canInterface] {
-        QCoreApplication::exit(fail(QStringLiteral("%1 is gone").arg(name), exitFrontEnd));
+        QCoreApplication::exit(fail(QStringLiteral("%1 was removed").arg(name), exitFrontEnd));
     });
     const QString error = can->open(options.canInterface);
     return error.isEmpty() ? error : QStringLiteral("cannot use %1: %2").arg(options.canInterface, error);

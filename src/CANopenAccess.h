@@ -23,7 +23,8 @@ struct _top_param {
 };
 
 /// Every operation that returns `bool` is true on success; after a failure `getLastError` is its error. Without a bound
-/// library operations fail with ERR_NOT_INITIALIZED. Each blocks until it is answered or has timed out.
+/// library, each operation that needs one fails with ERR_NOT_INITIALIZED. Each blocks until it is answered or has timed
+/// out.
 class CCANopenAccess
 {
 public:

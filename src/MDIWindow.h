@@ -17,6 +17,11 @@ class QRadioButton;
 class QSplitter;
 class QTreeWidgetItem;
 
+namespace parameterTransfer
+{
+enum TOutcome : int;
+}
+
 class CMDIWindow : public QMainWindow
 {
     Q_OBJECT
@@ -93,7 +98,7 @@ private:
     void fillEntryPart(const CCANopenObjectEntry& entry);
 
     const CCANopenObjectEntry* selectedEntry(const QString& boxTitle);
-    QString failureText(int outcome, const char* action) const;
+    QString failureText(parameterTransfer::TOutcome outcome, const char* action) const;
     void reportFailure(const QString& title, const QString& text, const QString& outcome);
     void showValue(const QString& text);
     void setDisplayMode(TDisplayMode mode);

@@ -50,7 +50,7 @@ const CCANopenObjectEntry* CMDIWindow::selectedEntry(const QString& boxTitle)
 }
 
 /// Why a parameter could not be read or sent, for the user. `action` is "read" or "sent".
-QString CMDIWindow::failureText(int outcome, const char* action) const
+QString CMDIWindow::failureText(TOutcome outcome, const char* action) const
 {
     if (outcome == textInvalid)
         return QStringLiteral("Invalid data entered.\n\nPlease, try again!");

@@ -170,7 +170,7 @@ constexpr tCanFault rows[] = {
     { .kind = { "segment", "abort 0x08000000 in place of the answer to segment NUMBER (1)", numberOptional, 1,
                 mostSegments },
       .defects = abortSegment },
-    { .kind = { "last", "abort 0x08000000 in place of the last confirmation; behind the last segment of an upload",
+    { .kind = { "last", "abort 0x08000000 in place of the last confirmation; after the last segment of an upload",
                 numberNone, 0, 0 },
       .defects = abortLast,
       .frames = abortAfterLast },

@@ -49,27 +49,33 @@ tGatewayAnswer abortAnswer(tAbortCode code)
     return { "ERROR: " + hexadecimal(code, 8), {}, 0 };
 }
 
-const CGatewayCommands::tHandler CGatewayCommands::handlers[] = {
-    { commandRead, &CGatewayCommands::read },
-    { commandWrite, &CGatewayCommands::write },
-    { commandNmt, &CGatewayCommands::nmt },
-    { commandInit, &CGatewayCommands::init },
-    { commandSetTimeOut, &CGatewayCommands::setTimeOut },
-    { commandInfo, &CGatewayCommands::info },
-    { commandRemoteFrame, &CGatewayCommands::remoteFrame },
-    { commandSend, &CGatewayCommands::send },
-    { commandReceive, &CGatewayCommands::receive },
-};
-
 tGatewayAnswer CGatewayCommands::execute(const tGatewayRequest& request)
 {
     if (request.error != gatewayNoError)
         return errorAnswer(request.error);
     if (request.node > lastNodeId)
         return errorAnswer(gatewayNode);
-    const auto row = std::find_if(std::begin(handlers), std::end(handlers),
-                                  [&request](const tHandler& each) { return each.command == request.rule->command; });
-    return (this->*row->handle)(request);
+    switch (request.rule->command) {
+    case commandRead:
+        return read(request);
+    case commandWrite:
+        return write(request);
+    case commandNmt:
+        return nmt(request);
+    case commandInit:
+        return init(request);
+    case commandSetTimeOut:
+        return setTimeOut(request);
+    case commandInfo:
+        return info(request);
+    case commandRemoteFrame:
+        return remoteFrame(request);
+    case commandSend:
+        return send(request);
+    case commandReceive:
+        break;
+    }
+    return receive(request);
 }
 
 // The device that a transfer is for; null when it cannot answer, with `error` set to what the client gets instead.

@@ -38,12 +38,6 @@ public:
     tGatewayAnswer execute(const tGatewayRequest& request);
 
 private:
-    struct tHandler {
-        tGatewayCommand command;
-        tGatewayAnswer (CGatewayCommands::*handle)(const tGatewayRequest& request);
-    };
-    static const tHandler handlers[];
-
     struct tMessage {
         quint32 identifier;
         QByteArray data;

@@ -76,7 +76,7 @@ constexpr tGatewayFault rows[] = {
     { .kind = commonFaults::abort, .text = abortText },
     // on the gateway only
     { .kind = { "drop", "the connection is closed", numberNone, 0, 0 }, .delivery = deliverDrop },
-    { .kind = { "garbage", "bytes that are no answer, behind the right number", numberNone, 0, 0 },
+    { .kind = { "garbage", "bytes that are no answer, after the right number", numberNone, 0, 0 },
       .lines = garbageLine },
     { .kind = { "sequence", "the answer with the number of the command before", numberNone, 0, 0 },
       .lines = otherLine },

@@ -44,10 +44,10 @@ static char ifname[IFNAMSIZ]; // network interface; without a terminator when it
 static int family = PF_CAN;   // the socket's protocol family, type and protocol
 static int type = SOCK_RAW;
 static int protocol = CAN_RAW;
-static char hardware[256];      // text of can_hardware
-static char software[256];      // text of can_software
-static int init = 0;            // 1 after a successful can_init
-static BYTE can_baudrate = 255; // index noted by can_start
+static char hardware[256]; // text of can_hardware
+static char software[256]; // text of can_software
+static int init = 0;       // 1 after a successful can_init
+BYTE can_baudrate = 255;
 CAN_STATE can_state = { .byte = can_state_stopped };
 static uint64_t llUntilStop = 0;           // end of the timer, in microseconds since the epoch
 static MSG_OBJ msg_buf[can_objects];       // the message objects
@@ -160,11 +160,11 @@ short can_reset()
 {
     if (init == 0)
         return ERR_NOT_INITIALIZED;
-    // Never refused: can_start does not run at index 1, which has no bit timing.
-    const bool refused = can_state.b.can_stopped == 0 && can_baudrate == 1;
-    if (!refused)
-        can_state.b.can_stopped = 1;
-    return refused ? ERR_BAUDRATE : ERR_NO_ERROR;
+    // Kept: refuses index 1, with which can_start never starts: compatible behaviour.
+    if (can_state.b.can_stopped == 0 && can_baudrate == 1)
+        return ERR_BAUDRATE;
+    can_state.b.can_stopped = 1;
+    return ERR_NO_ERROR;
 }
 
 short can_status(BYTE*)

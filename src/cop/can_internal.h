@@ -7,6 +7,9 @@
 inline constexpr uint32_t can_no_time_stamp = 0xFFFFFFFF; ///< time stamp of every message: no time is measured
 inline constexpr int can_read_limit = 100; ///< messages that a call takes at most, so that a busy bus cannot block it
 
+/// The bit-rate index noted by `can_start`; 255 before the first one.
+extern BYTE can_baudrate;
+
 /// The error that blocks sending and reading: ERR_NOT_INITIALIZED, ERR_NOT_STARTED or ERR_NO_ERROR.
 short can_check_started();
 

@@ -162,7 +162,8 @@ static bool sdo_exchange(const sdo_phase& phase, BYTE toggle = 0)
 
 static void sdo_send_expedited(short length, const BYTE* data)
 {
-    // Kept: a length of 0 sends 0x33 and four zero bytes: its four unused bytes overflow the two bits for them.
+    // Kept: a length of 0 sends 0x33 and four zero bytes: four unused bytes do not fit into the two bits that count
+    // them.
     sdo_build_multiplexed(sdo_download_expedited | (sdo_initiate_data - length) * (1 << sdo_initiate_unused_shift));
     std::copy_n(data, length, cop_buffer + 4);
     sdo_exchange(sdo_download_initiate);

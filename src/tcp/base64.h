@@ -16,10 +16,10 @@ int base64_encode(const unsigned char* input, int length, char* output, int room
 
 /// Decodes one group of `length` characters (up to four) into at most `room` bytes (up to three).
 ///
-/// There are no errors: a byte whose character is outside the alphabet is written but not counted. When `length` is
-/// smaller than the room needs, the character after the group must be readable and outside the alphabet. `"QUJD"` gives
-/// `"ABC"`, `"QQ"` gives `"A"`, and a single character gives one byte, its six bits shifted left by two.
-/// @return the number of bytes counted; `room` bytes are written, counted or not
+/// There are no errors: a character outside the alphabet gives some bits, and its byte is written but not counted. When
+/// `length` is smaller than the room needs, the character after the group must be readable and outside the alphabet.
+/// `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a single character gives one byte, its six bits shifted left by two.
+/// @return the number of bytes counted; as many as there is room for are written, at most three, counted or not
 int base64_decode(const char* input, int length, unsigned char* output, int room);
 
 /// The revision text of this module.

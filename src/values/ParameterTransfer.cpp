@@ -66,8 +66,8 @@ tResult readString(const tParameter& from)
     int length = 0;
     if (!readBytes(from, buffer.data(), longestString, length))
         return { transferFailed, {} };
-    return { transferDone,
-             QString::fromLatin1(reinterpret_cast<const char*>(buffer.data())) }; // to its first zero byte
+    const auto* characters = reinterpret_cast<const char*>(buffer.data());
+    return { transferDone, QString::fromLatin1(characters) }; // to the first zero byte
 }
 
 tResult sendString(const tParameter& to, const QString& input)

@@ -22,7 +22,7 @@ struct tParameter {
     valueFormats::TDisplayMode mode;
 };
 
-enum TOutcome {
+enum TOutcome : int {
     transferDone,
     transferFailed,   ///< the facade's last error and last abort tell why
     textInvalid,      ///< nothing was sent: the text is no value of the type

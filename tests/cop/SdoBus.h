@@ -1,4 +1,5 @@
 // A fake bus with the master started on it, its exchanges with the SDO server of node 5, and results of transfers.
+// One file, although long: the tests of the SDO client share all of it.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -2,6 +2,7 @@
 // the places of its queue and in its timer.
 // SPDX-License-Identifier: MIT
 #include "StartedBus.h"
+#include "cop/can_internal.h"
 
 #include <QtTest>
 
@@ -17,6 +18,7 @@ class TestCanCtrlState : public QObject
 private Q_SLOTS:
     void nothingIsOpenAtFirst(); // has to run first
     void stateBitsHaveTheirPlaces();
+    void resetRefusesIndex1WhileStarted();
     void failedBindKeepsItsSocketButIsNotInitialised();
     void failedOpeningLeavesAllButTheSocketAlone_data();
     void failedOpeningLeavesAllButTheSocketAlone();
@@ -92,6 +94,23 @@ void TestCanCtrlState::stateBitsHaveTheirPlaces()
     QCOMPARE(stateOf([](CAN_STATE& state) { state.b.warning_level = 1; }), 0x20);
     QCOMPARE(stateOf([](CAN_STATE& state) { state.b.bus_off = 1; }), 0x40);
     QCOMPARE(stateOf([](CAN_STATE& state) { state.b.can_stopped = 1; }), 0x80);
+}
+
+void TestCanCtrlState::resetRefusesIndex1WhileStarted()
+{
+    CStartedBus bus;
+    can_baudrate = 1; // can_start refuses it
+    QCOMPARE(can_reset(), ERR_BAUDRATE);
+    QCOMPARE(can_state.byte, 0x00);
+    can_state.byte = 0x80;
+    QCOMPARE(can_reset(), 0);
+    can_state.byte = 0x00;
+    can_baudrate = 0;
+    QCOMPARE(can_reset(), 0);
+    can_exit();
+    can_baudrate = 1;
+    QCOMPARE(can_reset(), ERR_NOT_INITIALIZED);
+    can_baudrate = 255;
 }
 
 void TestCanCtrlState::failedBindKeepsItsSocketButIsNotInitialised()

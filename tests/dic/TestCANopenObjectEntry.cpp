@@ -81,6 +81,8 @@ void TestCANopenObjectEntry::textsAreStoredAsTheyAre()
     QCOMPARE(entry.getLowLimit(), QString(" 0x00 "));
     QCOMPARE(entry.getHighLimit(), QString("-007"));
     QCOMPARE(entry.getDefaultValue(), QString("$NODEID+0x200"));
+    entry.setName(nullptr);
+    QVERIFY(entry.getName().isNull());
 }
 
 void TestCANopenObjectEntry::anyNumberIsStoredInEnumerationFields()

@@ -122,7 +122,7 @@ void TestProgramFaults::aReadSurvivesTheFault()
     driver.initialize(simulator.interface());
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
-    document.press(entry);
+    document.reach(entry);
     if (error.isEmpty()) {
         QCOMPARE(catcher.count(), 0);
         QCOMPARE(document.value(), value);
@@ -132,7 +132,7 @@ void TestProgramFaults::aReadSurvivesTheFault()
         QVERIFY(!catcher.only().waitCursor);
     }
     const qsizetype boxes = catcher.count();
-    document.press(other); // a late answer does no harm
+    document.reach(other); // a late answer does no harm
     QCOMPARE(document.value(), otherValue);
     QCOMPARE(catcher.count(), boxes);
 }
@@ -165,7 +165,7 @@ void TestProgramFaults::aSendSurvivesTheFault()
     driver.initialize(simulator.interface());
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
-    document.press(entry);
+    document.reach(entry);
     const QString before = document.value();
     catcher.clear();
     document.send("77");
@@ -178,7 +178,7 @@ void TestProgramFaults::aSendSurvivesTheFault()
         QCOMPARE(document.value(), before);
     }
     const qsizetype boxes = catcher.count();
-    document.press(other);
+    document.reach(other);
     QCOMPARE(document.value(), otherValue);
     QCOMPARE(catcher.count(), boxes);
 }
@@ -191,9 +191,9 @@ void TestProgramFaults::droppedConnectionNeedsInitialisingAgain()
     driver.initialize(simulator.interface());
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
-    document.press(entry);
+    document.reach(entry);
     QCOMPARE(document.value(), QString("5")); // the command itself is taken for the answer
-    document.press(other);
+    document.reach(other);
     document.read();
     document.read(); // by now sending fails
     QVERIFY(catcher.count() > 0);
@@ -220,10 +220,10 @@ void TestProgramFaults::everyFaultAtOnceLeavesTheProgramUsable()
     for (const char* item : { "1001: Error register", "1002: Manufacturer status register", "1005: COB-ID SYNC message",
                               "1006: Communication cycle period", "1008: Manufacturer device name",
                               "100a: Manufacturer software version", "100c: Guard time" })
-        document.press(item);
+        document.reach(item);
     QCOMPARE(catcher.count(), 2);
     driver.initialize(simulator.interface());
-    document.press(other);
+    document.reach(other);
     QCOMPARE(document.value(), otherValue);
     QCOMPARE(catcher.count(), 2);
 }
@@ -242,7 +242,7 @@ void TestProgramFaults::simulatorThatEndsIsAnErrorAndNoCrash()
     const CRefusingPort refusing(interface.section(':', 1).toUShort()); // no other process may get it
     QVERIFY(refusing.port() != 0);
     const CDocumentDriver document(driver.document(0));
-    document.press(other);
+    document.reach(other);
     document.read();
     document.read();
     QCOMPARE(catcher.boxes().last().text, notRead + "Error code -793");
@@ -259,7 +259,7 @@ void TestProgramFaults::simulatorThatEndsIsAnErrorAndNoCrash()
     driver.initialize(next.interface());
     driver.open(sheet, 5);
     const CDocumentDriver opened(driver.document(1));
-    opened.press(other);
+    opened.reach(other);
     QCOMPARE(opened.value(), otherValue);
 }
 
@@ -276,7 +276,7 @@ void TestProgramFaults::waitCursorIsShownWhileTheGatewayIsAwaited()
         shapes << (QGuiApplication::overrideCursor() != nullptr ? QGuiApplication::overrideCursor()->shape() : -1);
         return __real_select(arguments...);
     };
-    CDocumentDriver(driver.document(0)).press(entry);
+    CDocumentDriver(driver.document(0)).reach(entry);
     CDocumentDriver(driver.document(0)).send("1");
     QCOMPARE(catcher.count(), 0);
     QVERIFY(!shapes.isEmpty());

@@ -47,11 +47,11 @@ void TestProgramNodes::everyNodeHasItsValues()
     driver.open(sheet, 5);
     driver.open(sheet, 7);
     const CDocumentDriver five(driver.document(0)), seven(driver.document(1));
-    seven.press("1017: Producer heartbeat time");
+    seven.reach("1017: Producer heartbeat time");
     seven.send("77");
     QVERIFY(simulator.hasLogged("7 write 0x1017 0x0 u16 0x4D"));
     driver.workspace()->setActiveSubWindow(driver.subWindow(0));
-    five.press("1017: Producer heartbeat time");
+    five.reach("1017: Producer heartbeat time");
     QCOMPARE(five.value(), QString("1000"));
     five.send("55");
     seven.read();
@@ -59,8 +59,8 @@ void TestProgramNodes::everyNodeHasItsValues()
     five.read();
     QCOMPARE(five.value(), QString("55"));
     // Values that depend on the node-id.
-    five.press("1014: COB-ID EMCY");
-    seven.press("1014: COB-ID EMCY");
+    five.reach("1014: COB-ID EMCY");
+    seven.reach("1014: COB-ID EMCY");
     QCOMPARE(five.value(), QString::number(0x85));
     QCOMPARE(seven.value(), QString::number(0x87));
     QCOMPARE(catcher.count(), 0);
@@ -76,8 +76,8 @@ void TestProgramNodes::twoDocumentsShareANode()
     driver.open(sheet, 5);
     driver.open(sheet, 5);
     const CDocumentDriver first(driver.document(0)), second(driver.document(1));
-    first.press("1017: Producer heartbeat time");
-    second.press("1017: Producer heartbeat time");
+    first.reach("1017: Producer heartbeat time");
+    second.reach("1017: Producer heartbeat time");
     second.send("123");
     QCOMPARE(first.value(), QString("1000"));
     first.read();
@@ -95,13 +95,13 @@ void TestProgramNodes::offlineDocumentBesideAConnectedOne()
     driver.open(sheet, 5);
     QCOMPARE(driver.documentCount(), 2);
     const CDocumentDriver offline(driver.document(0)), connected(driver.document(1));
-    offline.press("1000: Device type");
+    offline.reach("1000: Device type");
     QVERIFY(offline.value().isEmpty());
     QCOMPARE(offline.box("data access"), QString("Data access: N/A"));
     offline.read();
     QCOMPARE(catcher.only().text,
              QString("Data access is not possible in off-line mode!\n\nClose the document and connect to a device."));
-    connected.press("1000: Device type");
+    connected.reach("1000: Device type");
     QCOMPARE(connected.value(), QString("0x000F0191"));
     QCOMPARE(catcher.count(), 1);
 }
@@ -116,8 +116,8 @@ void TestProgramNodes::documentKeepsItsDisplayMode()
     driver.open(sheet, 5);
     const CDocumentDriver first(driver.document(0)), second(driver.document(1));
     second.choose("dec");
-    first.press("1000: Device type");
-    second.press("1000: Device type");
+    first.reach("1000: Device type");
+    second.reach("1000: Device type");
     QCOMPARE(first.value(), QString("00003600621"));
     QCOMPARE(second.value(), QString("983441"));
 }
@@ -131,12 +131,12 @@ void TestProgramNodes::nodeThatIsNotThereIsAnError()
     driver.open(sheet, 99);
     driver.open(sheet, 5);
     const CDocumentDriver absent(driver.document(0)), present(driver.document(1));
-    absent.press("1000: Device type");
+    absent.reach("1000: Device type");
     QCOMPARE(catcher.only().title, QString("Velmora - Read parameter"));
     QVERIFY(catcher.only().text.startsWith("Parameter could not be read.\n\n"));
     QCOMPARE(absent.value(), catcher.only().text);
     QCOMPARE(driver.statusText(), QString("Parameter 'Device type' could not be read from node #99"));
-    present.press("1000: Device type");
+    present.reach("1000: Device type");
     QCOMPARE(present.value(), QString("0x000F0191"));
     QCOMPARE(catcher.count(), 1);
 }
@@ -150,7 +150,7 @@ void TestProgramNodes::initialisingAgainKeepsTheDocuments()
     driver.initialize(first.interface());
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
-    document.press("1017: Producer heartbeat time");
+    document.reach("1017: Producer heartbeat time");
     document.send("1");
     driver.initialize(second.interface());
     document.read();
@@ -197,7 +197,7 @@ void TestProgramNodes::values()
     driver.initialize(simulator.interface());
     driver.open(sheet, 5);
     const CDocumentDriver document(driver.document(0));
-    document.press(QTest::currentDataTag());
+    document.reach(QTest::currentDataTag());
     QStringList shown = { document.value() };
     for (const char* mode : { "dec", "oct" }) {
         document.choose(mode);

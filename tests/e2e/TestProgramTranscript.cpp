@@ -63,9 +63,9 @@ void TestProgramTranscript::initialisingAndOpeningSendNothing()
         driver.initialize(loopback(gateway));
         driver.open(m_sheet->name(), 5);
         const CDocumentDriver document(driver.document(0));
-        document.press("CANopen: Node #5");
-        document.press("CiA DS-301");
-        document.press("1018: Identity"); // an object with entries is not read
+        document.reach("CANopen: Node #5");
+        document.reach("CiA DS-301");
+        document.reach("1018: Identity"); // an object with entries is not read
         driver.press(Qt::Key_Q);
     }
     QVERIFY(gateway.awaitClosed());
@@ -89,25 +89,25 @@ void TestProgramTranscript::aSession()
     driver.initialize(loopback(gateway));
     driver.open(m_sheet->name(), 5);
     const CDocumentDriver document(driver.document(0));
-    document.press("1000: Device Type");
+    document.reach("1000: Device Type");
     QCOMPARE(document.value(), QString("0x000F0191"));
     document.hit(document.item("1018: Identity"), Qt::Key_Return); // opens it and sends nothing
-    document.press(" 1: Vendor");
+    document.reach(" 1: Vendor");
     QCOMPARE(document.value(), QString("0x0000F0B5"));
     document.choose("dec");
-    document.press("2000: Offset");
+    document.reach("2000: Offset");
     QCOMPARE(document.value(), QString("-5"));
     document.send("-2");
     QCOMPARE(document.value(), QString("-2"));
     document.choose("hex");
-    document.press("2001: Position");
+    document.reach("2001: Position");
     QCOMPARE(document.value(), QString("0x0000000000A"));
     document.send("10");
     QCOMPARE(document.value(), QString("0x0000000A"));
     QCOMPARE(catcher.count(), 0);
     document.send("-1");
     QCOMPARE(catcher.only().text, QString("Parameter could not be sent.\n\nSDO transfer aborted: 0x6090032"));
-    document.press("1008: Name");
+    document.reach("1008: Name");
     QCOMPARE(document.value(), QString("ABC"));
     document.send("ABCD");
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
@@ -123,7 +123,7 @@ void TestProgramTranscript::highestNodeAndSubIndex()
     driver.initialize(loopback(gateway));
     driver.open(sheet.name(), 127);
     const CDocumentDriver document(driver.document(0));
-    document.press("fe: Entry");
+    document.reach("fe: Entry");
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
     QCOMPARE(document.value(), QString("0xFFFF"));
 }
@@ -136,7 +136,7 @@ void TestProgramTranscript::numbersGoOnOverConnections()
     driver.initialize(loopback(gateway));
     driver.open(m_sheet->name(), 5);
     const CDocumentDriver document(driver.document(0));
-    document.press("1000: Device Type");
+    document.reach("1000: Device Type");
     const long first = gateway.lastNumber();
     document.read();
     QCOMPARE(gateway.lastNumber(), first + 1);
@@ -155,7 +155,7 @@ void TestProgramTranscript::answersToEarlierCommandsAreSkipped()
     driver.initialize(loopback(gateway));
     driver.open(m_sheet->name(), 5);
     const CDocumentDriver document(driver.document(0));
-    document.press("1000: Device Type");
+    document.reach("1000: Device Type");
     QCOMPARE(document.value(), QString("0x00000004"));
     QCOMPARE(catcher.count(), 0);
 }
@@ -178,7 +178,7 @@ void TestProgramTranscript::gatewayThatHangsUp()
     driver.initialize(loopback(gateway));
     driver.open(m_sheet->name(), 5);
     const CDocumentDriver document(driver.document(0));
-    document.press("1000: Device Type");
+    document.reach("1000: Device Type");
     const qsizetype boxes = catcher.count();
     driver.initialize(loopback(gateway));
     QCOMPARE(driver.statusText(), QString("CAN interface successfully initialized"));

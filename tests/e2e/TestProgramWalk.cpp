@@ -73,7 +73,7 @@ void TestProgramWalk::opensTheSampleSheetConnectedToNode5()
 
 void TestProgramWalk::selectingAnEntryReadsIt()
 {
-    document().press("1000: Device type");
+    document().reach("1000: Device type");
     QCOMPARE(document().value(), QString("0x000F0191"));
     QCOMPARE(document().box("object description"), QString("Object: Index 1000h"));
     QCOMPARE(document().box("entry description"), QString("Entry: Subndex  0h"));
@@ -84,14 +84,14 @@ void TestProgramWalk::selectingAnEntryReadsIt()
     auto* identity = document().item("1018: Identity object");
     document().hit(identity, Qt::Key_Return);
     QVERIFY(identity->isExpanded());
-    document().press(" 1: Vendor-ID");
+    document().reach(" 1: Vendor-ID");
     QCOMPARE(document().value(), QString("0x0000F0B5"));
     QVERIFY(m_simulator->hasLogged("5 read 0x1018 0x1 u32"));
 }
 
 void TestProgramWalk::readsInThreeDisplayModes()
 {
-    document().press("1017: Producer heartbeat time");
+    document().reach("1017: Producer heartbeat time");
     QCOMPARE(document().value(), QString("0x03E8"));
     const std::pair<const char*, const char*> modes[] = {
         { "dec", "1000" }, { "oct", "001750" }, { "hex", "0x03E8" }, { "dec", "1000" }
@@ -111,9 +111,9 @@ void TestProgramWalk::sendsAValueAndReadsItBack()
     QCOMPARE(document().value(), QString("500"));
     QCOMPARE(m_driver->statusText(), QString("Parameter 'Producer heartbeat time' successfully sent to node #5"));
     QVERIFY(m_simulator->hasLogged("5 write 0x1017 0x0 u16 0x1F4"));
-    document().press("1000: Device type");
+    document().reach("1000: Device type");
     QCOMPARE(document().value(), QString("983441"));
-    document().press("1017: Producer heartbeat time");
+    document().reach("1017: Producer heartbeat time");
     QCOMPARE(document().value(), QString("500"));
     QCOMPARE(m_catcher->count(), 0);
 }
@@ -129,7 +129,7 @@ void TestProgramWalk::sendsByReturn()
 
 void TestProgramWalk::sendsATextAndReadsItBack()
 {
-    document().press("2008: Location");
+    document().reach("2008: Location");
     QCOMPARE(document().value(), QString("Machine hall 3"));
     document().send("Boiler \"south\", 2nd floor");
     QVERIFY(document().value().isEmpty());
@@ -140,7 +140,7 @@ void TestProgramWalk::sendsATextAndReadsItBack()
 
 void TestProgramWalk::refusesAWrongValue()
 {
-    document().press("1017: Producer heartbeat time");
+    document().reach("1017: Producer heartbeat time");
     for (const char* wrong : { "abc", "65536", "-1", "0x10000" }) {
         m_catcher->clear();
         document().send(wrong);
@@ -148,7 +148,7 @@ void TestProgramWalk::refusesAWrongValue()
         QCOMPARE(m_catcher->only().text, QString("Invalid data entered.\n\nPlease, try again!"));
         QCOMPARE(document().value(), QString("250"));
     }
-    document().press("1005: COB-ID SYNC message");
+    document().reach("1005: COB-ID SYNC message");
     QVERIFY(m_simulator->hasLogged("5 read 0x1005 0x0 u32")); // and so all that came before
     QVERIFY(!m_simulator->log().contains("abc"));
 }
@@ -169,7 +169,7 @@ void TestProgramWalk::showsTheAbortOfTheDevice_data()
 
 void TestProgramWalk::showsTheAbortOfTheDevice()
 {
-    document().press(QTest::currentDataTag());
+    document().reach(QTest::currentDataTag());
     const QString before = document().value();
     QVERIFY(!before.isEmpty());
     QFETCH(const QString, value);
@@ -185,7 +185,7 @@ void TestProgramWalk::showsTheAbortOfTheDevice()
 
 void TestProgramWalk::goesOnAfterTheFailures()
 {
-    document().press("1017: Producer heartbeat time");
+    document().reach("1017: Producer heartbeat time");
     QCOMPARE(document().value(), QString("250"));
     document().send("30000");
     document().read();

@@ -72,7 +72,7 @@ Faults (KIND or KIND=NUMBER)
   abort     SDO abort code NUMBER
  on the gateway:
   drop      the connection is closed
-  garbage   bytes that are no answer, behind the right number
+  garbage   bytes that are no answer, after the right number
   sequence  the answer with the number of the command before
   bytewise  the answer, one byte at a time
   overlong  the answer in a line of more than 2000 characters
@@ -85,7 +85,7 @@ Faults (KIND or KIND=NUMBER)
   foreign   before the answer to the initiate the same for another index
   flood     NUMBER frames with other COB-IDs before each answer (1000)
   segment   abort 0x08000000 in place of the answer to segment NUMBER (1)
-  last      abort 0x08000000 in place of the last confirmation; behind the last segment of an upload
+  last      abort 0x08000000 in place of the last confirmation; after the last segment of an upload
   filler    the unused bytes of answers are NUMBER (0xFF)
   empty     NUMBER segments without data before an upload (3)
   surplus   an upload has NUMBER bytes more than it announces (1000)

@@ -58,6 +58,15 @@ void CDocumentDriver::press(QTreeWidgetItem* item, Qt::MouseButton button) const
     QTest::mouseClick(tree()->viewport(), button, {}, placeOf(item));
 }
 
+void CDocumentDriver::reach(QTreeWidgetItem* item) const
+{
+    if (QTreeWidgetItem* above = item->parent(); above != nullptr && !above->isExpanded()) {
+        reach(above);
+        QTest::keyClick(tree(), Qt::Key_Return);
+    }
+    press(item);
+}
+
 void CDocumentDriver::doubleClick(QTreeWidgetItem* item) const
 {
     press(item);

@@ -68,6 +68,9 @@ public:
     void press(const QString& text) const { press(item(text)); }
     /// Clicks the item of an entry, for example " 1: Vendor Id" below "1018: Identity Object".
     void press(const QString& object, const QString& entry) const { press(item(entry, item(object))); }
+    /// Clicks the item as a user reaches it: each closed item above it is clicked and opened by the Return key.
+    void reach(QTreeWidgetItem* item) const;
+    void reach(const QString& text) const { reach(item(text)); }
     void doubleClick(QTreeWidgetItem* item) const;
     /// Moves the highlight to the item without clicking it, then presses the key.
     void hit(QTreeWidgetItem* item, Qt::Key key) const;

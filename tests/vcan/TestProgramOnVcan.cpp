@@ -155,12 +155,12 @@ void TestProgramOnVcan::opensTheSampleSheetConnectedToNode5()
 
 void TestProgramOnVcan::selectingAnEntryReadsItInTheseFrames()
 {
-    document().press("1000: Device type");
+    document().reach("1000: Device type");
     QCOMPARE(document().value(), QString("0x000F0191"));
     QCOMPARE(m_driver->statusText(), QString("Parameter 'Device type' successfully read from node #5"));
     QCOMPARE(frames(), QStringList({ "605#4000100000000000", "585#4300100091010F00" }));
 
-    document().press("1009: Manufacturer hardware version");
+    document().reach("1009: Manufacturer hardware version");
     QCOMPARE(document().value(), QString("HW 1.2"));
     QCOMPARE(frames(), QStringList({ "605#4009100000000000", "585#4109100006000000", "605#6000000000000000",
                                      "585#03485720312E3200" }));
@@ -169,7 +169,7 @@ void TestProgramOnVcan::selectingAnEntryReadsItInTheseFrames()
 
 void TestProgramOnVcan::readsInThreeDisplayModes()
 {
-    document().press("1017: Producer heartbeat time");
+    document().reach("1017: Producer heartbeat time");
     QCOMPARE(document().value(), QString("0x03E8"));
     for (const auto& [mode, text] :
          { std::pair("oct", "001750"), std::pair("hex", "0x03E8"), std::pair("dec", "1000") }) {
@@ -190,7 +190,7 @@ void TestProgramOnVcan::sendsInTheseFramesAndReadsBack()
     QCOMPARE(frames(), QStringList({ "605#2B171000F4010000", "585#6017100000000000", "605#4017100000000000",
                                      "585#4B171000F4010000" }));
 
-    document().press("2008: Location");
+    document().reach("2008: Location");
     m_bus->forget();
     document().send("Hall 4, \"north\"");
     QVERIFY(document().value().isEmpty());
@@ -206,7 +206,7 @@ void TestProgramOnVcan::browsesTheWholeDictionary()
 {
     int leaves = 0;
     for (QTreeWidgetItemIterator item(document().tree()); *item != nullptr; ++item) {
-        document().press(*item);
+        document().reach(*item);
         leaves += (*item)->childCount() == 0 ? 1 : 0;
     }
     qsizetype readable = 0;
@@ -233,7 +233,7 @@ void TestProgramOnVcan::showsTheAbortOfTheDevice()
 {
     QFETCH(const QString, value);
     QFETCH(const QString, abort);
-    document().press(QTest::currentDataTag());
+    document().reach(QTest::currentDataTag());
     const QString before = document().value();
     document().send(value);
     QCOMPARE(m_catcher->only().title, QString("Velmora - Send parameter"));
@@ -252,7 +252,7 @@ void TestProgramOnVcan::silentNodeShowsItsBox()
     sdo_timeout(usual);
     QElapsedTimer timer;
     timer.start();
-    absent.press("1000: Device type");
+    absent.reach("1000: Device type");
     QVERIFY(timer.elapsed() >= usual - 1 && timer.elapsed() < sdoPatience);
     sdo_timeout(sdoPatience);
     QCOMPARE(m_catcher->only().title, readTitle);
@@ -263,8 +263,8 @@ void TestProgramOnVcan::silentNodeShowsItsBox()
     QCOMPARE(frames(), QStringList({ "663#4000100000000000", "663#8000100000000405" }));
     m_driver->press(Qt::Key_W);
     QCOMPARE(m_driver->documentCount(), 1);
-    document().press("1018: Identity object");
-    document().press(" 1: Vendor-ID");
+    document().reach("1018: Identity object");
+    document().reach(" 1: Vendor-ID");
     QCOMPARE(document().value(), QString("61621"));
 }
 
@@ -273,7 +273,7 @@ void TestProgramOnVcan::readsOnTheGatewayAndBackOnVcan0()
     m_driver->initialize(m_simulator->interface());
     QCOMPARE(m_driver->statusText(), initialized);
     QVERIFY(m_simulator->hasLogged("connected"));
-    document().press("2006: Operating hours alarm");
+    document().reach("2006: Operating hours alarm");
     QCOMPARE(document().value(), QString("4294967295"));
     QVERIFY(m_simulator->hasLogged("5 read 0x2006 0x0 u32"));
     document().send("1");
@@ -330,7 +330,7 @@ void TestProgramOnVcan::failedInterfaceLeavesTheDocumentOffline()
     m_catcher->clear();
     m_driver->press(Qt::Key_W);
     m_driver->open(m_sheet, 5);
-    document().press("1000: Device type");
+    document().reach("1000: Device type");
     QCOMPARE(document().value(), QString("983441"));
     QCOMPARE(m_catcher->count(), 0);
 }

@@ -305,7 +305,7 @@ void TestSimulatorOnVcan::interfaceThatVanishesEndsTheSimulator()
     QVERIFY(simulator.waitForFinished(patience));
     QCOMPARE(simulator.exitStatus(), QProcess::NormalExit);
     QCOMPARE(simulator.exitCode(), 1);
-    QCOMPARE(simulator.readAllStandardError(), QByteArray("velmora-sim: ") + interface.name() + " is gone\n");
+    QCOMPARE(simulator.readAllStandardError(), QByteArray("velmora-sim: ") + interface.name() + " was removed\n");
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorOnVcan)

@@ -50,7 +50,7 @@ void TestCanFaults::faultsAreReadWithTheirNumbers()
     const auto fault = readFault(text, canFaultKinds(), &message);
     QCOMPARE(fault.has_value(), argument >= 0);
     if (!fault) {
-        QCOMPARE(message, QStringLiteral("fault \"%1\": wrong number behind '='").arg(text));
+        QCOMPARE(message, QStringLiteral("fault \"%1\": wrong number after '='").arg(text));
         return;
     }
     QCOMPARE(static_cast<int>(fault->argument), argument);

@@ -1,4 +1,5 @@
 // The object store of a simulated device: access rights, widths, limits, stored values and NMT states.
+// One file, although long: all tests use the data sheet below.
 // SPDX-License-Identifier: MIT
 #include "SheetFile.h"
 #include "device/SimulatedNetwork.h"
