@@ -1,27 +1,14 @@
-// A facade bound to a fake gateway, and the facade's operations as rows.
+// The facade's operations as rows.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include "CANopenAccess.h"
-#include "FakeGateway.h"
+#include "GatewayLink.h"
 
 #include <QTest>
 
 inline constexpr int gatewayLibrary = 700;
 inline constexpr long readOnly = 0x06010002;
-
-/// A facade that is bound to a fake gateway.
-struct tBound {
-    CFakeGateway gateway;
-    CCANopenAccess access;
-    bool bound = false;
-
-    tBound()
-    {
-        _top_param param = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
-        bound = access.initialize(gatewayLibrary, 0, &param, 0);
-    }
-};
 
 /// How the result of an operation is stored.
 enum tEnding { transfer, plain };

@@ -145,8 +145,7 @@ void TestCANopenAccess::refusedGatewayLeavesTheObjectUnbound()
 
 void TestCANopenAccess::secondInitializeFailsWithoutTouchingTheLibrary()
 {
-    tBound on;
-    QVERIFY(on.bound);
+    CGatewayLink on;
     QCOMPARE(on.access.getLastError(), 0);
     CFakeGateway other;
     _top_param param = { CFakeGateway::address, other.port(), { 1, 1, 255 } };
@@ -163,7 +162,7 @@ void TestCANopenAccess::secondInitializeFailsWithoutTouchingTheLibrary()
 
 void TestCANopenAccess::terminatedObjectCanBeInitializedAgain()
 {
-    tBound on;
+    CGatewayLink on;
     QVERIFY(on.access.terminate());
     QCOMPARE(on.access.getLastError(), 0);
     QVERIFY(on.gateway.awaitClosed());
@@ -219,7 +218,7 @@ void TestCANopenAccess::copyrightIsCopiedUpToTheSize()
 
 void TestCANopenAccess::errorTextOfZeroIsTheLastError()
 {
-    tBound on;
+    CGatewayLink on;
     QVERIFY(!on.access.clearQueue());
     QCOMPARE(QByteArray(on.access.getErrorText(0)), QByteArray("Function not supported!"));
     QCOMPARE(QByteArray(on.access.getErrorText(4)), QByteArray("Transfer aborted."));
@@ -232,7 +231,7 @@ void TestCANopenAccess::errorTextOfZeroIsTheLastError()
 
 void TestCANopenAccess::abortTextOfZeroIsTheLastAbort()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] 5 read 0x2000 0x1 d\r\n", "[#] Error: 0x06090011\r\n");
     QVERIFY(!readDomain(on.access));
     QCOMPARE(QByteArray(on.access.getAbortText(0)), QByteArray("Sub-index does not exist."));
@@ -242,7 +241,7 @@ void TestCANopenAccess::abortTextOfZeroIsTheLastAbort()
 
 void TestCANopenAccess::codesOfTheGatewayHaveTheFallbackText()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] 5 start\r\n", "[#] Error: 103\r\n");
     QVERIFY(!on.access.startRemoteNode(5));
     QCOMPARE(QByteArray(on.access.getErrorText(0)), QByteArray("Resistance is futile, prepare to assimilate!"));

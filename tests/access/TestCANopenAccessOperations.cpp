@@ -35,7 +35,7 @@ private Q_SLOTS:
 void TestCANopenAccessOperations::everyOperationSucceeds()
 {
     const tOperation& operation = fetched();
-    tBound on;
+    CGatewayLink on;
     QVERIFY(!on.access.clearQueue()); // sets an error, which success replaces
     on.gateway.expect(operation.line, operation.answer);
     QVERIFY(operation.run(on.access));
@@ -46,7 +46,7 @@ void TestCANopenAccessOperations::everyOperationSucceeds()
 void TestCANopenAccessOperations::errorNumberIsTheLastError()
 {
     const tOperation& operation = fetched();
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect(operation.line, "[#] Error: 103\r\n");
     const bool reset = QByteArray(operation.name) == "reset"; // any answer is success
     QCOMPARE(operation.run(on.access), reset);
@@ -58,7 +58,7 @@ void TestCANopenAccessOperations::errorNumberIsTheLastError()
 void TestCANopenAccessOperations::abortOfATransferIsErrorFour()
 {
     const tOperation& operation = fetched();
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect(operation.line, "[#] Error: 0x06010002\r\n");
     const bool reset = QByteArray(operation.name) == "reset";
     const bool version = QByteArray(operation.name).endsWith("Version");
@@ -76,7 +76,7 @@ void TestCANopenAccessOperations::abortOfATransferIsErrorFour()
 
 void TestCANopenAccessOperations::writeAnsweredByAnAbortKeepsItsCode()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] 5 write 0x2000 0x1 u8 0x7\r\n", "[#] ERROR: 0x06010002\r\n");
     QVERIFY(!on.access.writeUnsigned8(5, 0x2000, 1, 7));
     QCOMPARE(on.access.getLastError(), 4);
@@ -88,7 +88,7 @@ void TestCANopenAccessOperations::writeAnsweredByAnAbortKeepsItsCode()
 void TestCANopenAccessOperations::successClearsTheLastAbort()
 {
     for (const tOperation& operation : operations) {
-        tBound on;
+        CGatewayLink on;
         on.gateway.expect("[#] 5 read 0x2000 0x1 d\r\n", "[#] Error: 0x06010002\r\n");
         on.gateway.expect(operation.line, operation.answer);
         QVERIFY(!readDomain(on.access));
@@ -100,7 +100,7 @@ void TestCANopenAccessOperations::successClearsTheLastAbort()
 
 void TestCANopenAccessOperations::otherFailuresKeepTheLastAbort()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] 5 read 0x2000 0x1 d\r\n", "[#] Error: 0x06010002\r\n");
     on.gateway.expect("[#] 5 read 0x2000 0x1 u8\r\n", "[#] word\r\n");
     on.gateway.expect("[#] 5 write 0x2000 0x1 u8 0x7\r\n", { "", tGatewayAnswer::hangUp });
@@ -121,7 +121,7 @@ void TestCANopenAccessOperations::otherFailuresKeepTheLastAbort()
 
 void TestCANopenAccessOperations::valuesArriveInEveryWidth()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.answerWith([](const std::string& line) {
         return line.find("u8") != std::string::npos    ? "[#] 0xFE\r\n"
                : line.find("u16") != std::string::npos ? "[#] 0xFEDC\r\n"
@@ -175,7 +175,7 @@ void TestCANopenAccessOperations::negativeIntegersAreSentAsTheirComplement()
 {
     QFETCH(int, width);
     QFETCH(int, value);
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect(QTest::currentDataTag(), "[#] OK\r\n");
     QVERIFY(width == 8    ? on.access.writeInteger8(5, 0x2000, 1, static_cast<int8_t>(value))
             : width == 16 ? on.access.writeInteger16(5, 0x2000, 1, static_cast<int16_t>(value))
@@ -185,7 +185,7 @@ void TestCANopenAccessOperations::negativeIntegersAreSentAsTheirComplement()
 
 void TestCANopenAccessOperations::domainArrivesInTheBuffer()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] 127 read 0x1008 0x0 d\r\n", "[#] QUJDREU=\r\n");
     on.gateway.expect("[#] 127 read 0x1008 0x0 d\r\n", "[#] QUJDREU=\r\n");
     QByteArray buffer(8, '~');
@@ -203,7 +203,7 @@ void TestCANopenAccessOperations::domainArrivesInTheBuffer()
 
 void TestCANopenAccessOperations::queueIsReadOrEmpty()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] receive\r\n", "[#] 0x181 2 0x11 0x22\r\n");
     on.gateway.expect("[#] receive\r\n", "[#] OK\r\n");
     WORD id[2] = { 0, 0xABCD };
@@ -220,7 +220,7 @@ void TestCANopenAccessOperations::queueIsReadOrEmpty()
 
 void TestCANopenAccessOperations::operationsWithoutALineFail()
 {
-    tBound on;
+    CGatewayLink on;
     short length = 0;
     BYTE data[8] = {};
     QVERIFY(!on.access.clearQueue());
@@ -236,7 +236,7 @@ void TestCANopenAccessOperations::operationsWithoutALineFail()
 
 void TestCANopenAccessOperations::sdoTimeoutClearsThePreviousOne()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] set sdo_timeout 500\r\n", "[#] OK\r\n");
     WORD previous = 1234;
     QVERIFY(on.access.setSDOTimeout(500, &previous));
@@ -246,7 +246,7 @@ void TestCANopenAccessOperations::sdoTimeoutClearsThePreviousOne()
 
 void TestCANopenAccessOperations::versionsArriveInTheBuffer()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.expect("[#] info hardware\r\n", "[#] \"Board 3\"\r\n");
     on.gateway.expect("[#] info software\r\n", "[#] \"Release 2.10\"\r\n");
     char text[100] = {};
@@ -260,7 +260,7 @@ void TestCANopenAccessOperations::versionsArriveInTheBuffer()
 
 void TestCANopenAccessOperations::nullBuffersOfVersionsAreRefused()
 {
-    tBound on;
+    CGatewayLink on;
     on.gateway.answerWith([](const std::string&) { return "[#] text\r\n"; });
     QVERIFY(!on.access.getHardwareVersion(nullptr, 100));
     QCOMPARE(on.access.getLastError(), ERR_NULL_POINTER);
