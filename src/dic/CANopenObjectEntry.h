@@ -47,8 +47,6 @@ public:
 
     // Texts are UTF-8 and kept as they are; the numbers of enumerations are not checked.
     void setName(const char* name);
-    /// Shares the text instead of copying it: an entry can have the name of its object.
-    void shareName(const QString& name) { m_name = name; }
     void setDataType(int dataType) { m_dataType = static_cast<TEntryType>(dataType); }
     void setCategory(int category) { m_category = static_cast<TEntryCategory>(category); }
     void setAccess(int access) { m_access = static_cast<TEntryAccess>(access); }
@@ -56,6 +54,11 @@ public:
     void setLowLimit(const char* lowLimit);
     void setHighLimit(const char* highLimit);
     void setDefaultValue(const char* defaultValue);
+    // The same with texts that are shared instead of copied: most of a dictionary are the same few words.
+    void setName(const QString& name) { m_name = name; }
+    void setLowLimit(const QString& lowLimit) { m_lowLimit = lowLimit; }
+    void setHighLimit(const QString& highLimit) { m_highLimit = highLimit; }
+    void setDefaultValue(const QString& defaultValue) { m_defaultValue = defaultValue; }
     void setObjectFlags(std::uint32_t objectFlags) { m_objectFlags = objectFlags; }
 
     /// The limits as one text: "0,..,127", "0,..." without an upper limit, "...," without a lower one; without limits

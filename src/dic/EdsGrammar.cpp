@@ -37,10 +37,12 @@ constexpr bool startsWithDigit(std::string_view text, unsigned base)
 
 constexpr bool takeOneOf(std::string_view& text, std::string_view characters)
 {
-    if (text.empty() || characters.find(text.front()) == std::string_view::npos)
-        return false;
-    text.remove_prefix(1);
-    return true;
+    for (const char each : characters) // not by find: the characters are few
+        if (text.starts_with(each)) {
+            text.remove_prefix(1);
+            return true;
+        }
+    return false;
 }
 
 // Takes up to `most` hexadecimal digits. False if there are fewer than `least` or more than `most`, or after a prefix
@@ -106,7 +108,8 @@ constexpr bool takeNumber(std::string_view& text, Number& value)
 
 constexpr void skipSpace(std::string_view& text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    while (takeOneOf(text, " \t")) {
+    }
 }
 
 template <typename Number>

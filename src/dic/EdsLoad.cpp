@@ -11,8 +11,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -42,6 +44,29 @@ constexpr struct {
     { "ManufacturerObjects", sectionManufacturerObjects },
 };
 
+// Texts by their UTF-8. Of equal texts that come near each other, all but the first share its memory.
+class CTextPool
+{
+public:
+    QString text(const char* utf8)
+    {
+        const std::string_view wanted(utf8);
+        tSlot& slot = m_slots[std::hash<std::string_view>()(wanted) % m_slots.size()];
+        if (slot.utf8 != wanted) {
+            slot.text = textFromUtf8(wanted);
+            slot.utf8 = wanted;
+        }
+        return slot.text;
+    }
+
+private:
+    struct tSlot {
+        std::string utf8;
+        QString text = QStringLiteral("");
+    };
+    std::vector<tSlot> m_slots{ 1024 };
+};
+
 class CEdsLoad
 {
 public:
@@ -57,6 +82,7 @@ public:
     CCANopenDeviceInfo* m_deviceInfo = nullptr;
     QByteArray m_edsVersion = "4.0"; // for the device information, when its section begins
     QByteArray m_description = "";
+    CTextPool m_pool;
 
     void declareObject(unsigned short index);
     CCANopenObjectEntry& appendEntry(unsigned short index, unsigned char subIndex, int category);
@@ -103,12 +129,16 @@ struct tKey {
     void (*apply)(Target& target, const char* value);
 };
 
+// False when there is no such key.
 template <typename Target, std::size_t N>
-void applyKey(const tKey<Target> (&keys)[N], std::string_view name, Target& target, const char* value)
+bool applyKey(const tKey<Target> (&keys)[N], std::string_view name, Target& target, const char* value)
 {
-    const auto key = std::ranges::find(keys, name, &tKey<Target>::name);
-    if (key != std::end(keys))
-        key->apply(target, value);
+    for (const tKey<Target>& key : keys)
+        if (key.name.front() == name.front() && key.name == name) { // most differ in their first letter
+            key.apply(target, value);
+            return true;
+        }
+    return false;
 }
 
 void setUnlessEmpty(QString& text, const char* value)
@@ -165,7 +195,7 @@ constexpr tKey<CEdsLoad> objectKeys[] = {
         load.m_object->setClass(number8(value));
         if (!load.m_object->isMultipleObject())
             load.appendEntry(load.m_object->getIndex(), 0, load.m_object->getCategory())
-                .shareName(load.m_object->getName());
+                .setName(load.m_object->getName());
     } },
     { "DataType",      [](auto& load, auto value) {
         load.m_object->setDataType(number16(value));
@@ -175,20 +205,20 @@ constexpr tKey<CEdsLoad> objectKeys[] = {
 };
 
 // Keys that describe an entry only in a section of its own.
-constexpr tKey<CCANopenObjectEntry> subIndexKeys[] = {
-    { "ParameterName", [](auto& entry, auto value) { entry.setName(value); } },
-    { "DataType",      [](auto& entry, auto value) { entry.setDataType(number16(value)); } },
+constexpr tKey<CEdsLoad> subIndexKeys[] = {
+    { "ParameterName", [](auto& load, auto value) { load.m_entry->setName(load.m_pool.text(value)); } },
+    { "DataType",      [](auto& load, auto value) { load.m_entry->setDataType(number16(value)); } },
 };
 
-constexpr tKey<CCANopenObjectEntry> entryKeys[] = {
-    { "AccessType",   [](auto& entry, auto value) { entry.setAccess(entry.getAccessByName(value)); } },
-    { "PDOMapping",   [](auto& entry, auto value) {
-        entry.setPDOMapping(flag(value) ? entry.mappingDefault : entry.mappingNo);
+constexpr tKey<CEdsLoad> entryKeys[] = {
+    { "AccessType",   [](auto& load, auto value) { load.m_entry->setAccess(load.m_entry->getAccessByName(value)); } },
+    { "PDOMapping",   [](auto& load, auto value) {
+        load.m_entry->setPDOMapping(flag(value) ? load.m_entry->mappingDefault : load.m_entry->mappingNo);
     } },
-    { "LowLimit",     [](auto& entry, auto value) { entry.setLowLimit(value); } },
-    { "HighLimit",    [](auto& entry, auto value) { entry.setHighLimit(value); } },
-    { "DefaultValue", [](auto& entry, auto value) { entry.setDefaultValue(value); } },
-    { "ObjFlags",     [](auto& entry, auto value) { entry.setObjectFlags(number32(value)); } },
+    { "LowLimit",     [](auto& load, auto value) { load.m_entry->setLowLimit(load.m_pool.text(value)); } },
+    { "HighLimit",    [](auto& load, auto value) { load.m_entry->setHighLimit(load.m_pool.text(value)); } },
+    { "DefaultValue", [](auto& load, auto value) { load.m_entry->setDefaultValue(load.m_pool.text(value)); } },
+    { "ObjFlags",     [](auto& load, auto value) { load.m_entry->setObjectFlags(number32(value)); } },
 };
 // clang-format on
 
@@ -223,20 +253,20 @@ void CEdsLoad::enterSection(const char* name)
 {
     unsigned short index = 0;
     unsigned char subIndex = 0;
-    const auto known = std::ranges::find(sections, name, [](const auto& row) { return row.name; });
+    const auto known = std::ranges::find(sections, std::string_view(name), [](const auto& row) { return row.name; });
     if (known != std::end(sections)) {
         m_section = known->section;
         if (m_section == sectionDeviceInfo)
             enterDeviceInfo();
-    } else if (IsObject(name, &index)) {
-        m_section = sectionObject;
-        chooseObject(index);
-        m_entry = nullptr;
     } else if (IsObjectEntry(name, &index, &subIndex)) {
         m_section = sectionObjectEntry;
         chooseObject(index);
         appendEntry(index, subIndex,
                     subIndex == 0 ? int{ CCANopenObject::categoryMandatory } : m_object->getCategory());
+    } else if (IsObject(name, &index)) {
+        m_section = sectionObject;
+        chooseObject(index);
+        m_entry = nullptr;
     } else {
         m_section = sectionUnknown;
     }
@@ -246,9 +276,11 @@ void CEdsLoad::processKey(std::string_view key, const char* value)
 {
     switch (m_section) {
     case sectionFileInfo:
-        return applyKey(fileInfoKeys, key, *this, value);
+        applyKey(fileInfoKeys, key, *this, value);
+        return;
     case sectionDeviceInfo:
-        return applyKey(deviceInfoKeys, key, *m_deviceInfo, value);
+        applyKey(deviceInfoKeys, key, *m_deviceInfo, value);
+        return;
     case sectionMandatoryObjects:
     case sectionOptionalObjects:
     case sectionManufacturerObjects:
@@ -256,16 +288,16 @@ void CEdsLoad::processKey(std::string_view key, const char* value)
             declareObject(number16(value));
         return;
     case sectionObject:
-        applyKey(objectKeys, key, *this, value);
-        break;
+        if (!applyKey(objectKeys, key, *this, value) && m_entry)
+            applyKey(entryKeys, key, *this, value);
+        return;
     case sectionObjectEntry:
-        applyKey(subIndexKeys, key, *m_entry, value);
-        break;
+        if (!applyKey(subIndexKeys, key, *this, value))
+            applyKey(entryKeys, key, *this, value);
+        return;
     case sectionUnknown:
         return;
     }
-    if (m_entry)
-        applyKey(entryKeys, key, *m_entry, value);
 }
 
 // The first section of a load creates the device information, further ones add to it.
@@ -333,10 +365,10 @@ bool loadEdsFile(CCANopen& dictionary, const char* fileName)
         case -1:
             return true;
         case 1:
-            load.enterSection(reader.getSection().toUtf8().constData());
+            load.enterSection(reader.section());
             [[fallthrough]];
         case 2:
-            load.processKey(reader.getKeyName().toUtf8().constData(), reader.getKeyValue().toUtf8().constData());
+            load.processKey(reader.keyName(), reader.keyValue());
             break;
         default:
             return false;

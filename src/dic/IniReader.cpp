@@ -11,6 +11,7 @@
 #include "dic/IniReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -18,59 +19,136 @@
 namespace
 {
 
-std::int32_t nLine = -1; // number of the line read last; -1: no file was opened yet
-bool bSection = false;   // a section header was read, but none of its items returned yet
+std::int32_t nLine = -1; // number of the line reached; -1: no file was opened yet
+bool bSection = false;   // a section header was read and none of its items delivered
 
-bool isNameCharacter(QChar c)
+// A character of UTF-8 and the number of its bytes. Bytes that are no UTF-8 give U+FFFD.
+struct tCharacter {
+    char32_t code;
+    std::size_t size;
+};
+
+constexpr tCharacter characterAt(std::string_view text)
 {
-    return c.isLetterOrNumber() || c == u'_';
+    const auto byte = [text](std::size_t place) { return static_cast<unsigned char>(text[place]); };
+    const unsigned first = byte(0);
+    const std::size_t size = first < 0x80 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (size == 1)
+        return { first, 1 };
+    if (first < 0xC2 || text.size() < size)
+        return { 0xFFFD, 1 };
+    char32_t code = first & (0x7FU >> size);
+    for (std::size_t place = 1; place < size; ++place)
+        code = code << 6 | (byte(place) & 0x3FU);
+    return { code, size };
 }
 
-bool isName(QStringView text)
+// The letters, digits and "_" of ASCII; false for all bytes of other characters.
+constexpr std::array<bool, 0x100> wordBytes = [] {
+    std::array<bool, 0x100> belongs{};
+    for (unsigned byte = 0; byte < 0x80; ++byte)
+        belongs[byte] =
+            (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_';
+    return belongs;
+}();
+
+bool isName(std::string_view text)
 {
-    return !text.isEmpty() && text != QStringView(u"_");
+    return text.size() > 1 || (text.size() == 1 && text.front() != '_');
 }
 
-// Removes all name characters at the start of `line` and returns them; there may be none.
-QStringView takeName(QStringView& line)
+// Bytes of a word character beyond ASCII at the start of `text`, else 0.
+std::size_t wideWordCharacter(std::string_view text)
 {
-    const auto end = std::find_if_not(line.begin(), line.end(), isNameCharacter);
-    const QStringView name = line.first(end - line.begin());
-    line = line.sliced(name.size());
+    if (static_cast<unsigned char>(text.front()) < 0x80)
+        return 0;
+    const auto [code, size] = characterAt(text);
+    return code <= 0xFFFF && QChar(static_cast<char16_t>(code)).isLetterOrNumber() ? size : 0;
+}
+
+// Takes the longest name at the start of `line`, perhaps none.
+std::string_view takeName(std::string_view& line)
+{
+    const char* const start = line.data();
+    const char* const end = start + line.size();
+    const char* next = start;
+    while (true) {
+        next = std::find_if_not(next, end, [](char byte) { return wordBytes[static_cast<unsigned char>(byte)]; });
+        const std::size_t size = next != end ? wideWordCharacter({ next, end }) : 0;
+        if (size == 0)
+            break;
+        next += size;
+    }
+    const std::string_view name(start, next);
+    line.remove_prefix(name.size());
     return name;
 }
 
-bool takeCharacter(QStringView& line, QChar c)
+bool takeCharacter(std::string_view& line, char c)
 {
-    if (!line.startsWith(c))
+    if (!line.starts_with(c))
         return false;
-    line = line.sliced(1);
+    line.remove_prefix(1);
     return true;
 }
 
-bool isRest(QStringView line)
+bool isRest(std::string_view line)
 {
-    for (const QChar c : line) {
-        if (c == u';')
+    for (const char c : line) {
+        if (c == ';')
             return true;
-        if (c != u' ' && c != u'\t')
+        if (c != ' ' && c != '\t')
             return false;
     }
     return true;
 }
 
-QStringView withoutLineEnd(QStringView line)
+std::string_view withoutLineEnd(std::span<const char> bytes)
 {
-    if (line.endsWith(u'\n'))
-        line.chop(1);
-    if (line.endsWith(u'\r'))
-        line.chop(1);
+    std::string_view line(bytes.data(), bytes.size());
+    if (line.ends_with('\n'))
+        line.remove_suffix(1);
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
     return line;
 }
 
-bool isCommentStart(QChar c)
+bool isCommentStart(char c)
 {
-    return c == u';' || c == u' ' || c == u'\t';
+    return c == ';' || c == ' ' || c == '\t';
+}
+
+constexpr bool isContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+// True for the visible characters of ASCII, where nothing is to be trimmed.
+constexpr bool isVisible(char byte)
+{
+    return byte > ' ' && byte < 0x7F;
+}
+
+// Without white space, as Unicode has it, at both ends.
+std::string_view trimmed(std::string_view text)
+{
+    if (!text.empty() && isVisible(text.front()) && isVisible(text.back()))
+        return text;
+    while (!text.empty()) {
+        const tCharacter first = characterAt(text);
+        if (!QChar::isSpace(first.code))
+            break;
+        text.remove_prefix(first.size);
+    }
+    while (!text.empty()) {
+        std::size_t start = text.size() - 1;
+        while (start > 0 && isContinuation(text[start]))
+            --start;
+        if (!QChar::isSpace(characterAt(text.substr(start)).code))
+            break;
+        text.remove_suffix(text.size() - start);
+    }
+    return text;
 }
 
 } // namespace
@@ -85,21 +163,22 @@ int CIniReader::moveToNextItem()
 {
     if (!m_file.isOpen())
         return -1;
-    while (m_file.readLine(m_line)) {
+    std::span<char> bytes;
+    while (m_file.takeLine(bytes) || readLine(bytes)) {
         if (nLine < std::numeric_limits<std::int32_t>::max())
             ++nLine;
-        const QStringView line = withoutLineEnd(m_line);
-        if (line.isEmpty())
+        const std::string_view line = withoutLineEnd(bytes);
+        if (line.empty())
             continue;
         if (isCommentStart(line.front())) {
             if (!isRest(line))
                 return 0;
-        } else if (line.front() == u'[') {
+        } else if (line.front() == '[') {
             if (!readSectionHeader(line))
                 return 0;
             bSection = true;
         } else {
-            if (!readKeyLine(line))
+            if (!readKeyLine(line, bytes))
                 return 0;
             return std::exchange(bSection, false) ? 1 : 2;
         }
@@ -108,27 +187,37 @@ int CIniReader::moveToNextItem()
     return -1;
 }
 
-bool CIniReader::readSectionHeader(QStringView line)
+// Reads a line from the file. Key and value, part of an earlier one, are kept, since that ends.
+bool CIniReader::readLine(std::span<char>& line)
 {
-    m_section.clear();
-    m_key.clear();
-    m_value.clear();
-    takeCharacter(line, u'[');
-    m_section = takeName(line).toString();
-    return takeCharacter(line, u']') && isName(m_section) && isRest(line);
+    m_key = m_keptKey = std::string(m_key);
+    m_value = m_keptValue = std::string(m_value);
+    return m_file.readLine(line);
 }
 
-bool CIniReader::readKeyLine(QStringView line)
+bool CIniReader::readSectionHeader(std::string_view line)
 {
-    m_key.clear();
-    m_value.clear();
-    if (m_section.isEmpty())
+    m_key = m_value = "";
+    takeCharacter(line, '[');
+    m_section = takeName(line);
+    return takeCharacter(line, ']') && isName(m_section) && isRest(line);
+}
+
+bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
+{
+    m_key = m_value = "";
+    if (m_section.empty())
         return false;
-    m_key = takeName(line).toString();
-    if (!takeCharacter(line, u'=') || !isName(m_key))
+    m_key = takeName(line);
+    if (!takeCharacter(line, '=') || !isName(m_key))
         return false;
-    const qsizetype comment = line.indexOf(u';');
-    m_value = (comment < 0 ? line : line.first(comment)).trimmed().toString();
+    m_value = trimmed(line.substr(0, line.find(';')));
+    // A zero byte after the value: in the line where that goes on, else in a copy.
+    char* const end = bytes.data() + (m_value.data() + m_value.size() - bytes.data());
+    if (end != bytes.data() + bytes.size())
+        *end = '\0';
+    else
+        m_value = m_keptValue = std::string(m_value);
     return true;
 }
 

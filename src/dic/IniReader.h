@@ -3,9 +3,11 @@
 #pragma once
 
 #include "dic/LineFile.h"
+#include "dic/Utf8Text.h"
 
-#include <QString>
-#include <QStringView>
+#include <span>
+#include <string>
+#include <string_view>
 
 /// Strict: a line that does not fit the grammar ends the reading. Line number and section state are kept once for the
 /// program, so that only one reader may be in use at a time.
@@ -23,9 +25,14 @@ public:
     /// file or without a file, 0 for a line that breaks the grammar; do not use the reader after that
     int moveToNextItem();
 
-    QString getSection() const { return m_section; }
-    QString getKeyName() const { return m_key; }
-    QString getKeyValue() const { return m_value; }
+    QString getSection() const { return textFromUtf8(m_section); }
+    QString getKeyName() const { return textFromUtf8(m_key); }
+    QString getKeyValue() const { return textFromUtf8(m_value); }
+
+    /// The same as UTF-8, without a conversion. Key and value are valid until the next item is read.
+    const char* section() const { return m_section.c_str(); }
+    std::string_view keyName() const { return m_key; }
+    const char* keyValue() const { return m_value.data(); }
 
     /// Number of the line reached, from 1; -1 before any file was opened.
     int getLineOfError() const;
@@ -33,12 +40,14 @@ public:
     static const char* version();
 
 private:
-    bool readSectionHeader(QStringView line);
-    bool readKeyLine(QStringView line);
+    bool readLine(std::span<char>& line);
+    bool readSectionHeader(std::string_view line);
+    bool readKeyLine(std::string_view line, std::span<char> bytes);
 
     CLineFile m_file;
-    QString m_section; // without brackets
-    QString m_key;
-    QString m_value; // without white space at its ends
-    QString m_line;  // the line read last; a member so that its memory is reused
+    std::string m_section;         // without brackets
+    std::string_view m_key;        // in the line read last, or m_keptKey
+    std::string_view m_value = ""; // likewise; without white space at its ends, and a zero byte after it
+    std::string m_keptKey;
+    std::string m_keptValue;
 };

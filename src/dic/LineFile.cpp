@@ -1,16 +1,31 @@
-// Lines of a text file: one pass over the bytes finds the character set, a second one decodes block by block.
+// Lines of a text file: one pass over the bytes finds the character set, a second one delivers the lines.
 // SPDX-License-Identifier: MIT
 #include "dic/LineFile.h"
 
 #include <QFileInfo>
+#include <QUtf8StringView>
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace
 {
 
 constexpr qsizetype blockSize = 0x10000;
+constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
+constexpr qsizetype longestCharacter = 4;
+
+constexpr bool isContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+// The first byte of a character of two UTF-16 units.
+constexpr bool isFirstOfFour(char byte)
+{
+    return static_cast<unsigned char>(byte) >= 0xF0;
+}
 
 // The characters of the bytes 0x80 to 0x9F in Windows-1252; all others are those of Latin-1.
 // clang-format off
@@ -22,13 +37,42 @@ constexpr std::array<char16_t, 32> windows1252 = {
 };
 // clang-format on
 
-QString fromWindows1252(QByteArrayView bytes)
+// Writes bytes of Windows-1252 as UTF-8, up to three bytes for each. Returns the end of what was written.
+char* toUtf8(const char* bytes, qint64 count, char* text)
 {
-    QString text = QString::fromLatin1(bytes);
-    for (QChar& c : text)
-        if (0x80 <= c.unicode() && c.unicode() < 0xA0)
-            c = windows1252[c.unicode() - 0x80U];
+    for (qint64 n = 0; n < count; ++n) {
+        const auto byte = static_cast<unsigned char>(bytes[n]);
+        const unsigned code = 0x80 <= byte && byte < 0xA0 ? windows1252[byte - 0x80U] : byte;
+        if (code < 0x80) {
+            *text++ = static_cast<char>(code);
+        } else if (code < 0x800) {
+            *text++ = static_cast<char>(0xC0 | code >> 6);
+            *text++ = static_cast<char>(0x80 | (code & 0x3F));
+        } else {
+            *text++ = static_cast<char>(0xE0 | code >> 12);
+            *text++ = static_cast<char>(0x80 | (code >> 6 & 0x3F));
+            *text++ = static_cast<char>(0x80 | (code & 0x3F));
+        }
+    }
     return text;
+}
+
+// The bytes of the longest whole characters that have at most `most` UTF-16 units.
+qsizetype bytesOfUnits(const char* text, qsizetype size, qsizetype most)
+{
+    if (size <= most) // a byte is at most one unit
+        return size;
+    qsizetype units = 0;
+    qsizetype end = 0;
+    for (qsizetype place = 0; place < size; ++place) {
+        if (isContinuation(text[place]))
+            continue;
+        end = place;
+        units += isFirstOfFour(text[place]) ? 2 : 1;
+        if (units > most)
+            return end;
+    }
+    return size;
 }
 
 } // namespace
@@ -41,62 +85,76 @@ bool CLineFile::open(const char* fileName)
     m_file.setFileName(name);
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
+    m_isOpen = true;
     const qint64 size = m_file.size();
     m_bytesLeft = size;
-    if (isUtf8())
-        m_decoder.emplace(QStringDecoder::Utf8);
+    m_isUtf8 = isUtf8();
     m_bytesLeft = m_file.seek(0) ? size : 0;
+    m_next = m_end = m_text.data();
+    if (m_isUtf8 && appendBlock() && QByteArrayView(m_next, m_end).startsWith(byteOrderMark))
+        m_next += byteOrderMark.size();
     return true;
 }
 
-bool CLineFile::readLine(QString& line)
+bool CLineFile::readLine(std::span<char>& line)
 {
-    line.resize(0);
-    while (!m_rest.isEmpty() || decodeNextBlock()) {
-        const QStringView part = m_rest.first(std::min(m_rest.size(), maxLine - line.size()));
-        const qsizetype lineFeed = part.indexOf(u'\n');
-        line.append(lineFeed < 0 ? part : part.first(lineFeed + 1));
-        m_rest = m_rest.sliced(lineFeed < 0 ? part.size() : lineFeed + 1);
-        if (lineFeed >= 0 || line.size() == maxLine)
-            return true;
+    if (takeLine(line))
+        return true;
+    while (true) {
+        const qsizetype size = m_end - m_next;
+        const auto* lineFeed = static_cast<const char*>(std::memchr(m_next, '\n', static_cast<std::size_t>(size)));
+        const qsizetype whole = lineFeed != nullptr ? lineFeed + 1 - m_next : size;
+        const qsizetype length = bytesOfUnits(m_next, whole, maxLine);
+        if (lineFeed == nullptr && length == size && appendBlock())
+            continue;
+        line = std::span(m_next, static_cast<std::size_t>(length));
+        m_next += length;
+        return length > 0;
     }
-    return !line.isEmpty();
 }
 
-// The next block of the file; empty at its end or when it cannot be read.
-QByteArrayView CLineFile::readBytes()
+// Reads the next bytes of the file. Returns their number, 0 at its end or when it cannot be read.
+qint64 CLineFile::readBytes(char* bytes, qint64 most)
 {
-    m_bytes.resize(blockSize);
-    const qint64 count = m_file.read(m_bytes.data(), std::min<qint64>(blockSize, m_bytesLeft));
+    const qint64 count = m_file.read(bytes, std::min(most, m_bytesLeft));
     m_bytesLeft = count > 0 ? m_bytesLeft - count : 0;
-    return QByteArrayView(m_bytes).first(std::max<qint64>(count, 0));
+    return std::max<qint64>(count, 0);
 }
 
+// Looks at all bytes, those of a character at the end of a block together with the next one.
 bool CLineFile::isUtf8()
 {
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    QString text;
-    for (QByteArrayView bytes = readBytes(); !bytes.isEmpty(); bytes = readBytes()) {
-        text = decoder.decode(bytes);
-        if (decoder.hasError())
+    m_block.resize(blockSize + longestCharacter);
+    qsizetype kept = 0; // bytes of an unfinished character, moved to the front
+    while (const qint64 count = readBytes(m_block.data() + kept, blockSize)) {
+        const qsizetype size = kept + count;
+        qsizetype end = size;
+        while (end > 0 && size - end < longestCharacter && isContinuation(m_block[end - 1]))
+            --end;
+        end = end > 0 && static_cast<unsigned char>(m_block[end - 1]) >= 0xC0 ? end - 1 : size;
+        if (!QUtf8StringView(m_block.constData(), end).isValidUtf8())
             return false;
+        kept = size - end;
+        std::memmove(m_block.data(), m_block.constData() + end, static_cast<std::size_t>(kept));
     }
-    text = decoder.decode("\n"); // an error if the file ends within a character
-    return !decoder.hasError();
+    return QUtf8StringView(m_block.constData(), kept).isValidUtf8();
 }
 
-// Decodes the next block into `m_text`; false at the end of the file.
-bool CLineFile::decodeNextBlock()
+// Appends the next block of the file to the text that has not been delivered; false at the end of the file.
+bool CLineFile::appendBlock()
 {
-    do {
-        const QByteArrayView bytes = readBytes();
-        if (bytes.isEmpty())
-            return false;
-        if (m_decoder)
-            m_text = m_decoder->decode(bytes);
-        else
-            m_text = fromWindows1252(bytes);
-        m_rest = m_text;
-    } while (m_rest.isEmpty()); // a short block may not complete a single character
-    return true;
+    const qsizetype rest = m_end - m_next;
+    const qsizetype room = m_isUtf8 ? blockSize : 3 * blockSize;
+    std::memmove(m_text.data(), m_next, static_cast<std::size_t>(rest));
+    if (m_text.size() < rest + room)
+        m_text.resize(rest + room);
+    m_next = m_text.data();
+    char* const block = m_next + rest;
+    if (m_isUtf8) {
+        m_end = block + readBytes(block, blockSize);
+    } else {
+        m_block.resize(blockSize);
+        m_end = toUtf8(m_block.constData(), readBytes(m_block.data(), blockSize), block);
+    }
+    return m_end > block;
 }

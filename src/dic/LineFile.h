@@ -1,21 +1,20 @@
-// A text file read line by line, in bounded memory whatever the file holds.
+// A text file read line by line as UTF-8, in bounded memory whatever the file holds.
 // SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QByteArray>
 #include <QFile>
-#include <QString>
-#include <QStringDecoder>
-#include <QStringView>
 
-#include <optional>
+#include <cstring>
+#include <span>
 
-/// The text is UTF-8 if the whole file is valid UTF-8 (a byte order mark is dropped), else Windows-1252, whose five
-/// bytes without a character become the control characters U+0081, 8D, 8F, 90 and 9D.
+/// The text is UTF-8 if the whole file is valid UTF-8 (a byte order mark at its start is dropped), else Windows-1252,
+/// which is converted; its five bytes without a character become the control characters U+0081, 8D, 8F, 90 and 9D.
 class CLineFile
 {
 public:
-    /// Longest line in UTF-16 units, line feed included. A longer one is read as several lines.
+    /// Longest line in UTF-16 units, line feed included. What is longer continues as the next line; a character of two
+    /// units is not divided.
     static constexpr qsizetype maxLine = 0x10000;
 
     CLineFile() = default;
@@ -24,22 +23,37 @@ public:
     /// Opens a regular file (name as `QFile::encodeName` gives it) and finds out its character set. Directories, pipes
     /// and devices are refused: some of them never end. False if nothing was opened.
     bool open(const char* fileName);
-    bool isOpen() const { return m_file.isOpen(); }
+    bool isOpen() const { return m_isOpen; }
 
-    /// Reads the next line with its line feed; only the last line and parts of a longer line can have none. Bytes that
-    /// are appended after `open` are not read; a file that is shortened ends earlier; bytes that are changed may read
-    /// as U+FFFD. False at the end; `line` is empty then.
-    bool readLine(QString& line);
+    /// Takes the next line if all of it has been read from the file already; the line before stays valid then.
+    /// @return false otherwise, see `readLine`
+    bool takeLine(std::span<char>& line)
+    {
+        auto* lineFeed = static_cast<char*>(std::memchr(m_next, '\n', static_cast<std::size_t>(m_end - m_next)));
+        if (lineFeed == nullptr || lineFeed - m_next >= maxLine)
+            return false;
+        line = std::span(m_next, lineFeed + 1);
+        m_next = lineFeed + 1;
+        return true;
+    }
+
+    /// Reads the next line with its line feed, which only the last line or a part of a longer line can lack. The file
+    /// ends where it ended when it was opened, or earlier if it has been cut since then; bytes changed since then may
+    /// break the UTF-8.
+    /// @return false at the end; otherwise `line` is UTF-8 that the caller may change, valid until the next call
+    bool readLine(std::span<char>& line);
 
 private:
-    QByteArrayView readBytes();
+    qint64 readBytes(char* bytes, qint64 most);
     bool isUtf8();
-    bool decodeNextBlock();
+    bool appendBlock();
 
     QFile m_file;
-    qint64 m_bytesLeft = 0;                  // of the size found when the file was opened
-    QByteArray m_bytes;                      // one block as it is in the file
-    std::optional<QStringDecoder> m_decoder; // none: Windows-1252
-    QString m_text;                          // the characters of the block
-    QStringView m_rest;                      // the end of m_text that readLine has not returned yet
+    qint64 m_bytesLeft = 0; // of the size found when the file was opened
+    bool m_isOpen = false;
+    bool m_isUtf8 = false;
+    QByteArray m_block;           // bytes of the file that are not UTF-8 yet
+    QByteArray m_text;            // UTF-8
+    char* m_next = m_text.data(); // the part of m_text that has not been delivered
+    char* m_end = m_next;
 };

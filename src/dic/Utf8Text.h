@@ -5,15 +5,25 @@
 #include <QString>
 #include <QStringDecoder>
 
-/// The text of a UTF-8 C string; a null text for a null pointer. A byte order mark is a character like any other.
-/// Decoding reserves one character for each byte, up to three times what is needed; the unused memory is freed, since
-/// texts stay as long as their document is open.
+#include <algorithm>
+#include <string_view>
+
+/// The text of UTF-8, without unused memory, since texts stay as long as their document is open. A byte order mark is a
+/// character like any other.
+inline QString textFromUtf8(std::string_view utf8)
+{
+    const auto size = static_cast<qsizetype>(utf8.size());
+    if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<signed char>(c) >= 0; }))
+        return QString::fromLatin1(utf8.data(), size);
+    using Flag = QStringConverter::Flag;
+    QString text = QStringDecoder(QStringDecoder::Utf8,
+                                  Flag::Stateless | Flag::ConvertInitialBom)(QByteArrayView(utf8.data(), size));
+    text.squeeze(); // decoding reserves one character for each byte
+    return text;
+}
+
+/// The same of a C string; a null text for a null pointer.
 inline QString textFromUtf8(const char* utf8)
 {
-    if (utf8 == nullptr)
-        return QString();
-    using Flag = QStringConverter::Flag;
-    QString text = QStringDecoder(QStringDecoder::Utf8, Flag::Stateless | Flag::ConvertInitialBom)(utf8);
-    text.squeeze();
-    return text;
+    return utf8 != nullptr ? textFromUtf8(std::string_view(utf8)) : QString();
 }

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void endlessLineIsReadInPieces();
     void endlessCommentGoesOnAsText(); // the rest of a long comment is a line, and no comment any more
     void lineLimitCountsCharactersNotBytes();
+    void characterIsNotDividedByTheLimit();
 };
 
 void TestLineFile::characterSets_data()
@@ -128,6 +129,16 @@ void TestLineFile::lineLimitCountsCharactersNotBytes()
     const QString value = QString::fromUtf8("ä").repeated(65533);
     QCOMPARE(items("[a]\nk=" + value.toUtf8() + "\n?\n"), (QStringList{ "1 a k=" + value, "0 in line 3" }));
     QCOMPARE(items("[a]\nk=" + value.toUtf8() + "xl=2\n"), (QStringList{ "1 a k=" + value + 'x', "2 a l=2", "-1" }));
+}
+
+void TestLineFile::characterIsNotDividedByTheLimit() // of two UTF-16 units the line has room for one
+{
+    const QByteArray value(65533, 'v');
+    QCOMPARE(items("[a]\nk=" + value + "\xF0\x9F\x98\x80\n"),
+             (QStringList{ "1 a k=" + QString(value), "0 in line 3" }));
+    const QByteArray shorter(65532, 'v');
+    QCOMPARE(items("[a]\nk=" + shorter + "\xF0\x9F\x98\x80l=2\n"),
+             (QStringList{ "1 a k=" + QString(shorter) + QString::fromUtf8("😀"), "2 a l=2", "-1" }));
 }
 
 QTEST_APPLESS_MAIN(TestLineFile)

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void objectCreatedByItsSectionIsOptionalAndHasNoProfile();
     void entrySectionAloneCreatesItsObject();
     void byteOrderMarkInsideAValueBelongsToIt(); // only the one at the start of the file is dropped
+    void equalTextsShareTheirMemory();
     void variableHasOneEntryWithItsName();
     void entryOfAnOptionalVariableIsOptional();
     void entryHasNoNameWhenTheNameComesAfterTheClass();
@@ -92,6 +93,16 @@ void TestSheetObjects::byteOrderMarkInsideAValueBelongsToIt()
     QCOMPARE(sheet.result, 1);
     QCOMPARE(sheet.entry(0, 0).getDefaultValue(), QChar(0xFEFF) + QString("5"));
     QCOMPARE(sheet.entry(0, 0).getLowLimit(), QString(QChar(0xFEFF)));
+}
+
+void TestSheetObjects::equalTextsShareTheirMemory()
+{
+    const CLoadedSheet sheet("[1003sub1]\nParameterName=Same\nLowLimit=0x10\n"
+                             "[1003sub2]\nParameterName=Same\nHighLimit=0x10\n");
+    const auto& first = sheet.entry(0, 0);
+    const auto& second = sheet.entry(0, 1);
+    QVERIFY(first.getName() == "Same" && first.getName().isSharedWith(second.getName()));
+    QVERIFY(first.getLowLimit() == "0x10" && first.getLowLimit().isSharedWith(second.getHighLimit()));
 }
 
 void TestSheetObjects::variableHasOneEntryWithItsName()
