@@ -99,8 +99,7 @@ void TestSheetObjects::equalTextsShareTheirMemory()
 {
     const CLoadedSheet sheet("[1003sub1]\nParameterName=Same\nLowLimit=0x10\n"
                              "[1003sub2]\nParameterName=Same\nHighLimit=0x10\n");
-    const auto& first = sheet.entry(0, 0);
-    const auto& second = sheet.entry(0, 1);
+    const CCANopenObjectEntry &first = sheet.entry(0, 0), &second = sheet.entry(0, 1);
     QVERIFY(first.getName() == "Same" && first.getName().isSharedWith(second.getName()));
     QVERIFY(first.getLowLimit() == "0x10" && first.getLowLimit().isSharedWith(second.getHighLimit()));
 }
