@@ -6,8 +6,11 @@
 #include "dic/CANopen.h"
 
 #include <QHash>
+#include <QHeaderView>
+#include <QStringBuilder>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -57,8 +60,9 @@ QTreeWidgetItem* CGroups::group(QTreeWidgetItem* parent, const QString& text)
 
 QTreeWidgetItem* createItem(QTreeWidgetItem* parent, unsigned number, int width, const QString& name)
 {
-    const QString text = QString::number(number, 16).rightJustified(width) + QStringLiteral(": ") + name;
-    return new QTreeWidgetItem(parent, { text });
+    auto* item = new QTreeWidgetItem(parent);
+    item->setText(0, QString::number(number, 16).rightJustified(width) % QLatin1String(": ") % name);
+    return item;
 }
 
 void addObject(QTreeWidgetItem* group, const CCANopenObject& object)
@@ -69,6 +73,26 @@ void addObject(QTreeWidgetItem* group, const CCANopenObject& object)
     for (const auto& entry : object.m_objectEntryArray)
         if (assertion(entry != nullptr, "ptrEntry", "MDIWindow", __LINE__))
             createItem(item, entry->getSubindex(), 2, entry->getName());
+}
+
+bool isBefore(const QTreeWidgetItem* a, const QTreeWidgetItem* b)
+{
+    return *a < *b; // by their texts, as the view sorts
+}
+
+/// Sorts the items below, level by level. Most data sheets list them in order already: one look is enough then.
+void sortBelow(QTreeWidgetItem* parent)
+{
+    bool inOrder = true;
+    for (int place = 1; place < parent->childCount() && inOrder; ++place)
+        inOrder = !isBefore(parent->child(place), parent->child(place - 1));
+    if (!inOrder) {
+        QList<QTreeWidgetItem*> items = parent->takeChildren();
+        std::stable_sort(items.begin(), items.end(), isBefore);
+        parent->addChildren(items);
+    }
+    for (int place = 0; place < parent->childCount(); ++place)
+        sortBelow(parent->child(place));
 }
 
 /// The number at the start of an item's text, which a colon and at least one word must follow.
@@ -83,14 +107,15 @@ bool readNumber(const QTreeWidgetItem* item, unsigned* number)
 void dictionaryTree::populate(QTreeWidget* view, const QString& rootText, const CCANopen& dictionary)
 {
     view->clear();
-    // Built outside the view and sorted once, since that is fast for a large dictionary.
+    // Built and sorted outside the view, since that is fast for a large dictionary.
     auto* root = new QTreeWidgetItem({ rootText });
     CGroups groups(root);
     for (const auto& object : dictionary.m_objectArray)
         if (assertion(object != nullptr, "ptrObject", "MDIWindow", __LINE__))
             addObject(groups.groupOf(*object), *object);
+    sortBelow(root);
     view->addTopLevelItem(root);
-    view->sortItems(0, Qt::AscendingOrder);
+    view->header()->setSortIndicator(0, Qt::AscendingOrder);
 
     if (QTreeWidgetItem* group = groups.communicationGroup())
         group->setExpanded(true);
