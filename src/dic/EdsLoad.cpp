@@ -44,13 +44,15 @@ constexpr struct {
     { "ManufacturerObjects", sectionManufacturerObjects },
 };
 
-// Texts by their UTF-8. Of equal texts that come near each other, all but the first share its memory.
+// Texts by their UTF-8. Of equal short texts that come near each other, all but the first share its memory.
 class CTextPool
 {
 public:
     QString text(const char* utf8)
     {
         const std::string_view wanted(utf8);
+        if (wanted.size() > longestShared)
+            return textFromUtf8(wanted);
         tSlot& slot = m_slots[std::hash<std::string_view>()(wanted) % m_slots.size()];
         if (slot.utf8 != wanted) {
             slot.text = textFromUtf8(wanted);
@@ -64,6 +66,7 @@ private:
         std::string utf8;
         QString text = QStringLiteral("");
     };
+    static constexpr std::size_t longestShared = 64; // bounds the memory of the slots
     std::vector<tSlot> m_slots{ 1024 };
 };
 

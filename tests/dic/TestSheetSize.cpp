@@ -122,12 +122,12 @@ private Q_SLOTS:
     void lineOfAnObjectListCostsLittle();
 
 private:
-    // Entries of an object that keep their values, with `letter` in one of them.
+    // Entries of an object that keep their values, no two alike, with `letter` in a name.
     static QByteArray names(const QByteArray& letter, int size)
     {
         QByteArray text = "[2000]\nParameterName=" + letter + "\n";
         for (int number = 0; number < size / 60030; ++number)
-            text += "[2000sub1]\nDefaultValue=" + QByteArray(60000, 'x') + '\n';
+            text += "[2000sub1]\nDefaultValue=" + QByteArray::number(number).rightJustified(60000, 'x') + '\n';
         return text;
     }
 
