@@ -34,6 +34,7 @@ CRawCan::CRawCan(const char* interface) : m_socket(open(interface)), m_echo(open
     setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_FILTER, nullptr, 0);
     setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_ERR_FILTER, &markers, sizeof markers);
     setsockopt(m_echo, SOL_CAN_RAW, CAN_RAW_RECV_OWN_MSGS, &yes, sizeof yes);
+    receiveAll(); // on a busy machine, a frame sent before may arrive only now
 }
 
 CRawCan::~CRawCan()
