@@ -23,11 +23,11 @@ void writeObject(QTextStream& out, const QString& index)
 
 } // namespace
 
-CSheet::CSheet(int objects)
+void writeSheet(const QString& fileName, int objects)
 {
-    QFile file(fileName());
+    QFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
-        qFatal("no temporary file");
+        qFatal("the sheet cannot be written");
     QTextStream out(&file);
     out << "[FileInfo]\nCreatedBy=benchmark\n[DeviceInfo]\nVendorName=Brask Works\n[ManufacturerObjects]\n";
     out << "SupportedObjects=" << objects << "\n";
@@ -35,6 +35,11 @@ CSheet::CSheet(int objects)
         out << n + 1 << "=0x" << QString::number(firstIndex + n, 16) << "\n";
     for (int n = 0; n < objects; ++n)
         writeObject(out, QString::number(firstIndex + n, 16));
+}
+
+CSheet::CSheet(int objects)
+{
+    writeSheet(fileName(), objects);
 }
 
 qint64 CSheet::size() const

@@ -5,7 +5,10 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// A data sheet of `objects` RECORD objects with five entries each, about 600 bytes an object, in a temporary folder.
+/// Writes a data sheet of `objects` RECORD objects with five entries each, about 600 bytes an object.
+void writeSheet(const QString& fileName, int objects);
+
+/// Such a sheet in a temporary folder.
 class CSheet
 {
 public:
