@@ -5,7 +5,8 @@
 build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
 can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan and the tests that run there
-test_packages=(git "${demo_packages[@]}")
+bench_packages=(libbenchmark-dev valgrind)
+test_packages=(git "${bench_packages[@]}" "${demo_packages[@]}")
 find_gcc > /dev/null || build_packages+=(g++)
 find_clang > /dev/null || test_packages+=(clang)
 
@@ -38,9 +39,11 @@ install_clang_tools() {
     install_missing "libclang-rt-$clang_major-dev" "clang-format-$clang_major" "clang-tidy-$clang_major"
 }
 
-# build PRESET: configures and builds, asan with clang and the others with gcc; prints the log only if it fails.
+# build PRESET [TARGET...]: configures and builds everything or these targets, asan with clang and the others with gcc;
+# prints the log only if it fails.
 build() {
-    local compiler
+    local compiler targets=()
+    [ $# -eq 1 ] || targets=(--target "${@:2}")
     if [ "$1" = asan ]; then compiler=$clang; else compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed"; fi
     stage "Building $1 with $compiler $(major_version "$compiler")"
     # When the compiler changes, cmake loses the settings of the preset: configure from scratch.
@@ -49,7 +52,7 @@ build() {
     [ "${cached##*/}" = "$compiler" ] || fresh=(--fresh)
     cmake --preset "$1" "${fresh[@]}" -D CMAKE_CXX_COMPILER="$compiler" > "build/$1.configure.log" 2>&1 ||
         { cat "build/$1.configure.log"; fail "configuring $1 failed"; }
-    cmake --build --preset "$1" -j "$(nproc)" > "build/$1.build.log" 2>&1 ||
+    cmake --build --preset "$1" -j "$(nproc)" "${targets[@]}" > "build/$1.build.log" 2>&1 ||
         { tail -n 60 "build/$1.build.log"; fail "building $1 failed"; }
     tail -n 1 "build/$1.build.log"
 }
