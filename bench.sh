@@ -42,7 +42,8 @@ sheet() {
     file=$scratch/$1.eds
     case "$1" in
         */*) file=$1; [ -r "$file" ] || fail "$file cannot be read" ;;
-        line) [ -e "$file" ] || { echo '[FileInfo]' && head -c $bytes_of_long_sheet /dev/zero | tr '\0' ';'; } > "$file" ;;
+        line) [ -e "$file" ] ||
+            { echo '[FileInfo]' && head -c $bytes_of_long_sheet /dev/zero | tr '\0' ';'; } > "$file" ;;
         comments) [ -e "$file" ] || awk -v size=$bytes_of_long_sheet 'BEGIN {
             print "[FileInfo]"; line = "; a comment that is as long as most lines are"
             for (; size > 0; size -= length(line) + 1) print line }' > "$file" ;;
