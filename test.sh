@@ -1,7 +1,6 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc) and in asan (clang), the tests on the CAN
-# interface vcan0 in dev, the formatting, clang-tidy, the performance in instructions and bytes, and the demonstration
-# without a display.
+# interface vcan0 in dev, the formatting, clang-tidy, and the demonstration without a display.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -86,9 +85,6 @@ else
     if $can; then suite_on_vcan; fi
     tidy
     build release
-    stage "Performance in instructions and bytes"
-    tests/bench/check-bench || fail "bench.sh does not compare with the aims"
-    ./bench.sh --counted --check || fail "the program misses an aim of its performance"
     stage "Demonstration without a display"
     tests/demo/check-demo || fail "demo.sh does not report programs that end"
     ./demo.sh --headless
