@@ -1,5 +1,6 @@
 // The facade's operations over the SocketCAN master on a fake bus: what they send, and their results.
 // SPDX-License-Identifier: MIT
+#include "EveryWidth.h"
 #include "MasterExchanges.h"
 
 #include <QByteArray>
@@ -119,24 +120,7 @@ void TestCANopenAccessMaster::valuesArriveInEveryWidth()
     for (int turn = 0; turn < 2; ++turn)
         for (const char* answer : { "4F 00 20 01 FE 00 00 00", "4B 00 20 01 DC FE 00 00", "43 00 20 01 98 BA DC FE" })
             on.bus.expect(0x605, "40 00 20 01 00 00 00 00").answer(0x585, answer);
-    uint8_t unsigned8 = 0;
-    uint16_t unsigned16 = 0;
-    uint32_t unsigned32 = 0;
-    int8_t integer8 = 0;
-    int16_t integer16 = 0;
-    int32_t integer32 = 0;
-    QVERIFY(on.access.readUnsigned8(5, 0x2000, 1, &unsigned8));
-    QVERIFY(on.access.readUnsigned16(5, 0x2000, 1, &unsigned16));
-    QVERIFY(on.access.readUnsigned32(5, 0x2000, 1, &unsigned32));
-    QVERIFY(on.access.readInteger8(5, 0x2000, 1, &integer8));
-    QVERIFY(on.access.readInteger16(5, 0x2000, 1, &integer16));
-    QVERIFY(on.access.readInteger32(5, 0x2000, 1, &integer32));
-    QCOMPARE(unsigned8, uint8_t(0xFE));
-    QCOMPARE(unsigned16, uint16_t(0xFEDC));
-    QCOMPARE(unsigned32, uint32_t(0xFEDCBA98));
-    QCOMPARE(integer8, int8_t(-2));
-    QCOMPARE(integer16, int16_t(-292));
-    QCOMPARE(integer32, int32_t(-19088744));
+    checkEveryWidth(on.access);
     QVERIFY(on.bus.finished());
 }
 

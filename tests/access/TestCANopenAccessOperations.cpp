@@ -1,6 +1,7 @@
 // The facade's operations over a scripted gateway: what they send, and their results.
 // SPDX-License-Identifier: MIT
 #include "AccessOperations.h"
+#include "EveryWidth.h"
 
 #include <QByteArray>
 #include <QtTest>
@@ -127,24 +128,8 @@ void TestCANopenAccessOperations::valuesArriveInEveryWidth()
                : line.find("u16") != std::string::npos ? "[#] 0xFEDC\r\n"
                                                        : "[#] 0xFEDCBA98\r\n";
     });
-    uint8_t unsigned8 = 0;
-    uint16_t unsigned16 = 0;
-    uint32_t unsigned32 = 0;
+    checkEveryWidth(on.access);
     int8_t integer8 = 0;
-    int16_t integer16 = 0;
-    int32_t integer32 = 0;
-    QVERIFY(on.access.readUnsigned8(5, 0x2000, 1, &unsigned8));
-    QVERIFY(on.access.readUnsigned16(5, 0x2000, 1, &unsigned16));
-    QVERIFY(on.access.readUnsigned32(5, 0x2000, 1, &unsigned32));
-    QVERIFY(on.access.readInteger8(5, 0x2000, 1, &integer8));
-    QVERIFY(on.access.readInteger16(5, 0x2000, 1, &integer16));
-    QVERIFY(on.access.readInteger32(5, 0x2000, 1, &integer32));
-    QCOMPARE(unsigned8, uint8_t(0xFE));
-    QCOMPARE(unsigned16, uint16_t(0xFEDC));
-    QCOMPARE(unsigned32, uint32_t(0xFEDCBA98));
-    QCOMPARE(integer8, int8_t(-2));
-    QCOMPARE(integer16, int16_t(-292));
-    QCOMPARE(integer32, int32_t(-19088744));
     on.gateway.answerWith(
         [](const std::string&) { return "[#] -2\r\n"; }); // refused: signed values are read as unsigned
     QVERIFY(!on.access.readInteger8(5, 0x2000, 1, &integer8));
