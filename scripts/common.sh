@@ -1,4 +1,4 @@
-# Shared by demo.sh and test.sh: stage titles, installation of missing packages, builds. Sourced, not run.
+# Shared by demo.sh, test.sh and bench.sh: stage titles, installation of missing packages, builds. Sourced, not run.
 # SPDX-License-Identifier: MIT
 . scripts/compilers.sh
 

@@ -118,11 +118,6 @@ bool isCommentStart(char c)
     return c == ';' || c == ' ' || c == '\t';
 }
 
-constexpr bool isContinuation(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
 // True for the visible characters of ASCII, where nothing is to be trimmed.
 constexpr bool isVisible(char byte)
 {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "dic/LineFile.h"
 
+#include "dic/Utf8Text.h"
+
 #include <QFileInfo>
 #include <QUtf8StringView>
 
@@ -15,11 +17,6 @@ namespace
 constexpr qsizetype blockSize = 0x10000;
 constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
 constexpr qsizetype longestCharacter = 4;
-
-constexpr bool isContinuation(char byte)
-{
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
 
 // The first byte of a character of two UTF-16 units.
 constexpr bool isFirstOfFour(char byte)
@@ -98,8 +95,6 @@ bool CLineFile::open(const char* fileName)
 
 bool CLineFile::readLine(std::span<char>& line)
 {
-    if (takeLine(line))
-        return true;
     while (true) {
         const qsizetype size = m_end - m_next;
         const auto* lineFeed = static_cast<const char*>(std::memchr(m_next, '\n', static_cast<std::size_t>(size)));

@@ -1,4 +1,4 @@
-// Texts of the dictionary from C strings, without unused memory.
+// UTF-8 and the texts of the dictionary that are made of it.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -7,6 +7,12 @@
 
 #include <algorithm>
 #include <string_view>
+
+/// True for the bytes of a UTF-8 character after its first one.
+constexpr bool isContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
 
 /// The text of UTF-8, without unused memory, since texts stay as long as their document is open. A byte order mark is a
 /// character like any other.
