@@ -54,7 +54,8 @@ char* toUtf8(const char* bytes, qint64 count, char* text)
     return text;
 }
 
-// The bytes of the longest whole characters that have at most `most` UTF-16 units.
+// The bytes of the longest whole characters that have at most `most` UTF-16 units. At most three bytes a unit, also when
+// the file was changed to something that is not UTF-8.
 qsizetype bytesOfUnits(const char* text, qsizetype size, qsizetype most)
 {
     if (size <= most) // a byte is at most one unit
@@ -69,7 +70,7 @@ qsizetype bytesOfUnits(const char* text, qsizetype size, qsizetype most)
         if (units > most)
             return end;
     }
-    return size;
+    return std::min(size, 3 * most);
 }
 
 } // namespace

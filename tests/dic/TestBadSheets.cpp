@@ -68,6 +68,7 @@ private Q_SLOTS:
     void linkToItselfIsAnEmptySheet();
     void fileThatShrinksWhileItIsReadEndsThere();
     void fileThatGrowsWhileItIsReadDoesNotHang();
+    void fileThatTurnsIntoContinuationBytesIsReadInLines();
     void anyBytesLoadOrFail();          // random, but the same in every run
     void anyPiecesOfASheetLoadOrFail(); // these get further than random bytes
 
@@ -192,6 +193,20 @@ void TestBadSheets::fileThatGrowsWhileItIsReadDoesNotHang()
     while (result == 2)
         result = reader.moveToNextItem();
     QVERIFY(result == -1 || result == 0);
+}
+
+void TestBadSheets::fileThatTurnsIntoContinuationBytesIsReadInLines() // none of them begins a character
+{
+    const QByteArray text = "[a]\nk=1\n;" + QByteArray(1000000, 'x');
+    const CSheetFile file(text);
+    CIniReader reader(file.name());
+    QFile changed(file.path());
+    QVERIFY(changed.open(QIODevice::ReadWrite));
+    changed.write("[a]\nk=1\n;" + QByteArray(1000000, '\x80'));
+    changed.close();
+    QCOMPARE(reader.moveToNextItem(), 1);
+    QCOMPARE(reader.moveToNextItem(), 0); // the rest of the comment is not one
+    QCOMPARE(reader.getLineOfError(), 4);
 }
 
 void TestBadSheets::anyBytesLoadOrFail()
