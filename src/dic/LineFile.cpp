@@ -54,8 +54,8 @@ char* toUtf8(const char* bytes, qint64 count, char* text)
     return text;
 }
 
-// The bytes of the longest whole characters that have at most `most` UTF-16 units. At most three bytes a unit, also when
-// the file was changed to something that is not UTF-8.
+// The bytes of the longest whole characters that have at most `most` UTF-16 units. At most three bytes a unit, even
+// when the file was changed to something that is not UTF-8.
 qsizetype bytesOfUnits(const char* text, qsizetype size, qsizetype most)
 {
     if (size <= most) // a byte is at most one unit
