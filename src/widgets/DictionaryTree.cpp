@@ -7,11 +7,14 @@
 
 #include <QHash>
 #include <QHeaderView>
+#include <QSet>
 #include <QStringBuilder>
 #include <QTreeWidget>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 namespace
@@ -20,11 +23,38 @@ namespace
 constexpr QLatin1String communicationProfile("CiA DS-301");
 constexpr QLatin1String noProfile("Other objects");
 
+/// Creates the items, and sorts them as the view does. Most data sheets list their objects and entries in order: then
+/// it is enough to look at the item before, as long as that is in the processor's cache.
+class CItems
+{
+public:
+    QTreeWidgetItem* add(QTreeWidgetItem* parent, const QString& text)
+    {
+        const int count = parent->childCount();
+        if (count > 0 && text < parent->child(count - 1)->text(0))
+            m_unsorted.insert(parent);
+        auto* item = new QTreeWidgetItem(parent);
+        item->setText(0, text);
+        return item;
+    }
+    void sort() const
+    {
+        for (QTreeWidgetItem* parent : m_unsorted) {
+            QList<QTreeWidgetItem*> items = parent->takeChildren();
+            std::stable_sort(items.begin(), items.end(), [](auto* a, auto* b) { return a->text(0) < b->text(0); });
+            parent->addChildren(items);
+        }
+    }
+
+private:
+    QSet<QTreeWidgetItem*> m_unsorted; // parents whose children are not in order
+};
+
 /// The groups, each a child of the root or of another group, found by their texts and created when first needed.
 class CGroups
 {
 public:
-    explicit CGroups(QTreeWidgetItem* root) : m_root(root) {}
+    CGroups(QTreeWidgetItem* root, CItems& items) : m_root(root), m_items(items) {}
 
     /// The group where an object belongs.
     QTreeWidgetItem* groupOf(const CCANopenObject& object);
@@ -35,6 +65,7 @@ private:
     QTreeWidgetItem* group(QTreeWidgetItem* parent, const QString& text);
 
     QTreeWidgetItem* m_root;
+    CItems& m_items;
     QHash<std::pair<QTreeWidgetItem*, QString>, QTreeWidgetItem*> m_groups;
 };
 
@@ -54,45 +85,27 @@ QTreeWidgetItem* CGroups::group(QTreeWidgetItem* parent, const QString& text)
 {
     QTreeWidgetItem*& item = m_groups[{ parent, text }];
     if (item == nullptr)
-        item = new QTreeWidgetItem(parent, { text });
+        item = m_items.add(parent, text);
     return item;
 }
 
-QTreeWidgetItem* createItem(QTreeWidgetItem* parent, unsigned number, int width, const QString& name)
+/// Such as "1018: Identity Object"; the number is hexadecimal, at least `width` characters wide.
+QString itemText(unsigned number, int width, const QString& name)
 {
-    auto* item = new QTreeWidgetItem(parent);
-    item->setText(0, QString::number(number, 16).rightJustified(width) % QLatin1String(": ") % name);
-    return item;
+    constexpr QLatin1String blanks("  ");
+    char digits[2 * sizeof number];
+    const auto count = int(std::to_chars(std::begin(digits), std::end(digits), number, 16).ptr - digits);
+    return blanks.left(std::max(width - count, 0)) % QLatin1String(digits, count) % QLatin1String(": ") % name;
 }
 
-void addObject(QTreeWidgetItem* group, const CCANopenObject& object)
+void addObject(CItems& items, QTreeWidgetItem* group, const CCANopenObject& object)
 {
-    QTreeWidgetItem* item = createItem(group, object.getIndex(), 0, object.getName());
+    QTreeWidgetItem* item = items.add(group, itemText(object.getIndex(), 0, object.getName()));
     if (!object.isMultipleObject() && object.m_objectEntryArray.size() <= 1)
         return;
     for (const auto& entry : object.m_objectEntryArray)
         if (assertion(entry != nullptr, "ptrEntry", "MDIWindow", __LINE__))
-            createItem(item, entry->getSubindex(), 2, entry->getName());
-}
-
-bool isBefore(const QTreeWidgetItem* a, const QTreeWidgetItem* b)
-{
-    return *a < *b; // by their texts, as the view sorts
-}
-
-/// Sorts the items below, level by level. Most data sheets list them in order already: one look is enough then.
-void sortBelow(QTreeWidgetItem* parent)
-{
-    bool inOrder = true;
-    for (int place = 1; place < parent->childCount() && inOrder; ++place)
-        inOrder = !isBefore(parent->child(place), parent->child(place - 1));
-    if (!inOrder) {
-        QList<QTreeWidgetItem*> items = parent->takeChildren();
-        std::stable_sort(items.begin(), items.end(), isBefore);
-        parent->addChildren(items);
-    }
-    for (int place = 0; place < parent->childCount(); ++place)
-        sortBelow(parent->child(place));
+            items.add(item, itemText(entry->getSubindex(), 2, entry->getName()));
 }
 
 /// The number at the start of an item's text, which a colon and at least one word must follow.
@@ -109,11 +122,12 @@ void dictionaryTree::populate(QTreeWidget* view, const QString& rootText, const 
     view->clear();
     // Built and sorted outside the view, since that is fast for a large dictionary.
     auto* root = new QTreeWidgetItem({ rootText });
-    CGroups groups(root);
+    CItems items;
+    CGroups groups(root, items);
     for (const auto& object : dictionary.m_objectArray)
         if (assertion(object != nullptr, "ptrObject", "MDIWindow", __LINE__))
-            addObject(groups.groupOf(*object), *object);
-    sortBelow(root);
+            addObject(items, groups.groupOf(*object), *object);
+    items.sort();
     view->addTopLevelItem(root);
     view->header()->setSortIndicator(0, Qt::AscendingOrder);
 
