@@ -1,44 +1,21 @@
 // Does one thing and ends, so that instructions and memory of that thing alone can be counted: see bench.sh.
 // SPDX-License-Identifier: MIT
-#include "CountedCodec.h"
+#include "CodecWork.h"
+#include "LoadWork.h"
 #include "SheetMaker.h"
 #include "dic/CANopen.h"
-#include "dic/CANopenReader.h"
 
 #include <QFile>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <limits>
 #include <string>
 
 #include <malloc.h>
 
 namespace
 {
-
-bool load(CCANopen& dictionary, const char* file)
-{
-    return CCANopenReader(&dictionary, CCANopen::typeEDS).load(file) == 1;
-}
-
-bool loadAndFree(const char* file)
-{
-    CCANopen dictionary;
-    return load(dictionary, file);
-}
-
-bool readLines(const char* file)
-{
-    std::ifstream stream(file);
-    std::size_t characters = 0;
-    for (std::string line; std::getline(stream, line);)
-        characters += line.size();
-    return characters > 0;
-}
 
 std::size_t allocatedBytes()
 {
@@ -85,29 +62,6 @@ bool printPeakOfProcess()
     return std::printf("%lld\n", memory("VmHWM")) > 0;
 }
 
-using tSeconds = std::chrono::duration<double>;
-
-// Runs both in turns for about two seconds, and at least three times.
-bool printTimes(const char* file)
-{
-    constexpr int leastRuns = 3;
-    constexpr tSeconds enough(2);
-    const auto timeOf = [file](bool (*run)(const char*), tSeconds& least) {
-        const auto start = std::chrono::steady_clock::now();
-        const bool succeeded = run(file);
-        least = std::min<tSeconds>(least, std::chrono::steady_clock::now() - start);
-        return succeeded;
-    };
-    tSeconds loading(std::numeric_limits<double>::max());
-    tSeconds lines = loading;
-    const auto start = std::chrono::steady_clock::now();
-    for (int runs = 0; runs < leastRuns || std::chrono::steady_clock::now() - start < enough; ++runs)
-        if (!timeOf(loadAndFree, loading) || !timeOf(readLines, lines))
-            return false;
-    std::printf("%.0f %.0f\n", loading.count() * 1e6, lines.count() * 1e6);
-    return true;
-}
-
 struct tFileAction {
     const char* name;
     bool (*run)(const char* file);
@@ -122,33 +76,12 @@ constexpr tFileAction fileActions[] = {
     // Highest memory of the process.
     { "process-peak", [](const char* file) { return loadAndFree(file) && printPeakOfProcess(); } },
     { "nothing-peak", [](const char*) { return printPeakOfProcess(); } },
-    { "times", printTimes }, // least microseconds of "load" and of "lines"
 };
 
-constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak|process-peak|nothing-peak|times FILE\n"
+constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak|process-peak|nothing-peak FILE\n"
                          "       velmora-count write FILE OBJECTS\n"
                          "       velmora-count qt-version\n"
-                         "       velmora-count domain|string|encode|decode LENGTH RUNS\n"
-                         "       velmora-count domain|string|encode|decode LENGTH\n";
-
-// Converts `argv`; without runs it prints bytes per second.
-bool codec(const tCodec& codec, int argc, char* argv[])
-{
-    const int length = std::atoi(argv[2]);
-    if (argc > 3)
-        return codec.run(length, std::atoi(argv[3]));
-    double best = 0;
-    for (int attempt = 0; attempt < 20; ++attempt) {
-        constexpr int runs = 200;
-        const auto start = std::chrono::steady_clock::now();
-        if (!codec.run(length, runs))
-            return false;
-        const tSeconds time = std::chrono::steady_clock::now() - start;
-        best = std::max(best, length * double(runs) / time.count());
-    }
-    std::printf("%.0f\n", best);
-    return true;
-}
+                         "       velmora-count domain|string|encode|decode LENGTH RUNS\n";
 
 int run(int argc, char* argv[])
 {
@@ -165,10 +98,10 @@ int run(int argc, char* argv[])
         for (const tFileAction& action : fileActions)
             if (what == action.name)
                 return action.run(argv[2]) ? EXIT_SUCCESS : EXIT_FAILURE;
-    if (argc == 3 || argc == 4)
-        for (const tCodec& row : codecs)
-            if (what == row.name)
-                return codec(row, argc, argv) ? EXIT_SUCCESS : EXIT_FAILURE;
+    if (argc == 4)
+        for (const tCodec& codec : codecs)
+            if (what == codec.name)
+                return codec.run(std::atoi(argv[2]), std::atoi(argv[3])) ? EXIT_SUCCESS : EXIT_FAILURE;
     std::fputs(usage, stderr);
     return 2;
 }

@@ -1,6 +1,6 @@
 // What converts the data of the gateway's lines, each to be run as often as wanted.
 // SPDX-License-Identifier: MIT
-#include "CountedCodec.h"
+#include "CodecWork.h"
 
 #include "tcp/base64.h"
 #include "tcp/tcp_eval.h"
@@ -75,4 +75,4 @@ constexpr tCodec table[] = {
 
 } // namespace
 
-const std::span<const tCodec> codecs = table;
+constinit const std::span<const tCodec> codecs = table;
