@@ -6,7 +6,7 @@ install(FILES packaging/velmora.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/app
 install(FILES packaging/velmora.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES src/images/program.svg RENAME velmora.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES src/images/program.png RENAME velmora.png
+install(FILES packaging/velmora.png
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/256x256/apps)
 install(FILES packaging/velmora.1 packaging/velmora-sim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE README.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -5,6 +5,7 @@
 #include "CANopenAccess.h"
 #include "MDIWindow.h"
 #include "base/Product.h"
+#include "widgets/ImageIcon.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WindowTitle.h"
@@ -65,7 +66,7 @@ CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags)
     registerImages();
     statusBar(); // creates it
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
-    setWindowIcon(QIcon(QStringLiteral(":/images/program.png")));
+    setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
     createActions();
     createMenus();
@@ -146,7 +147,7 @@ CMDIWindow* CMainFrame::newDocument()
     document->setAttribute(Qt::WA_DeleteOnClose);
     connect(document, &CMDIWindow::message, statusBar(), &QStatusBar::showMessage);
     document->setWindowTitle(QStringLiteral("unnamed document"));
-    document->setWindowIcon(QIcon(QStringLiteral(":/images/document.png")));
+    document->setWindowIcon(imageIcon(QStringLiteral("document.png")));
 
     QMdiSubWindow* frame = createSubWindow(document, m_workspace);
     m_workspace->addSubWindow(frame);

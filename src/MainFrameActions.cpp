@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "MainFrame.h"
 
+#include "widgets/ImageIcon.h"
+
 #include <QApplication>
 #include <QMdiArea>
 #include <QMenu>
@@ -13,11 +15,6 @@ namespace
 {
 
 constexpr char separator[] = "-"; // stands for a separator; no action has this name
-
-QIcon iconOf(const char* name)
-{
-    return QIcon(QStringLiteral(":/images/") + QLatin1String(name));
-}
 
 QAction* createSeparator(QObject* parent)
 {
@@ -142,7 +139,7 @@ void CMainFrame::createActions()
         if (*row.shortcut != '\0')
             action->setShortcut(QKeySequence(QLatin1String(row.shortcut)));
         if (*row.icon != '\0')
-            action->setIcon(iconOf(row.icon));
+            action->setIcon(imageIcon(QLatin1String(row.icon)));
         if (row.member != nullptr)
             this->*row.member = action;
     }
