@@ -57,11 +57,6 @@ bool printPeak(const char* file)
     return loaded;
 }
 
-bool printPeakOfProcess()
-{
-    return std::printf("%lld\n", memory("VmHWM")) > 0;
-}
-
 struct tFileAction {
     const char* name;
     bool (*run)(const char* file);
@@ -73,12 +68,9 @@ constexpr tFileAction fileActions[] = {
     { "lines", readLines },
     { "kept", printKept }, // bytes that the dictionary keeps, size of the file
     { "peak", printPeak }, // growth of the process while loading, bytes that the dictionary keeps
-    // Highest memory of the process.
-    { "process-peak", [](const char* file) { return loadAndFree(file) && printPeakOfProcess(); } },
-    { "nothing-peak", [](const char*) { return printPeakOfProcess(); } },
 };
 
-constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak|process-peak|nothing-peak FILE\n"
+constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak FILE\n"
                          "       velmora-count write FILE OBJECTS\n"
                          "       velmora-count qt-version\n"
                          "       velmora-count domain|string|encode|decode LENGTH RUNS\n";
