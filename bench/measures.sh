@@ -47,6 +47,7 @@ instructions() {
 # shellcheck disable=SC2086 # each is a command with its arguments
 three_counts() {
     local start
+    quietly $1 # brings the cache of the fonts up to date, which takes long
     start=$(instructions $1)
     ours=$(instructions $2)
     bare=$(instructions $3)
@@ -87,6 +88,7 @@ start_cost() {
     started two_numbers $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
 }
 start_instructions() {
+    started quietly build/bench/src/velmora # as above
     ours=$(started instructions build/bench/src/velmora)
     bare=$(started instructions $programs/velmora-bare)
 }
