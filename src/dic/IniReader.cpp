@@ -66,8 +66,8 @@ std::size_t wideWordCharacter(std::string_view text)
     return code <= 0xFFFF && QChar(static_cast<char16_t>(code)).isLetterOrNumber() ? size : 0;
 }
 
-// Takes the longest name at the start of `line`, perhaps none.
-std::string_view takeName(std::string_view& line)
+// The longest name at the start of `line`, perhaps empty.
+std::string_view nameAt(std::string_view line)
 {
     const char* const start = line.data();
     const char* const end = start + line.size();
@@ -79,9 +79,7 @@ std::string_view takeName(std::string_view& line)
             break;
         next += size;
     }
-    const std::string_view name(start, next);
-    line.remove_prefix(name.size());
-    return name;
+    return { start, next };
 }
 
 bool takeCharacter(std::string_view& line, char c)
@@ -158,8 +156,12 @@ int CIniReader::moveToNextItem()
 {
     if (!m_file.isOpen())
         return -1;
-    std::span<char> bytes;
-    while (m_file.takeLine(bytes) || readLine(bytes)) {
+    while (true) {
+        std::span<char> bytes = m_file.takeLine();
+        if (bytes.empty())
+            bytes = readLine();
+        if (bytes.empty())
+            break;
         if (nLine < std::numeric_limits<std::int32_t>::max())
             ++nLine;
         const std::string_view line = withoutLineEnd(bytes);
@@ -183,27 +185,31 @@ int CIniReader::moveToNextItem()
 }
 
 // Reads a line from the file. Key and value, part of an earlier one, are kept, since that ends.
-bool CIniReader::readLine(std::span<char>& line)
+std::span<char> CIniReader::readLine()
 {
     m_key = m_keptKey = std::string(m_key);
-    m_value = m_keptValue = std::string(m_value);
-    return m_file.readLine(line);
+    keepValue();
+    return m_file.readLine();
 }
 
 bool CIniReader::readSectionHeader(std::string_view line)
 {
-    m_key = m_value = "";
+    m_key = "";
+    m_value = "";
     takeCharacter(line, '[');
-    m_section = takeName(line);
+    m_section = nameAt(line);
+    line.remove_prefix(m_section.size());
     return takeCharacter(line, ']') && isName(m_section) && isRest(line);
 }
 
 bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
 {
-    m_key = m_value = "";
+    m_key = "";
+    m_value = "";
     if (m_section.empty())
         return false;
-    m_key = takeName(line);
+    m_key = nameAt(line);
+    line.remove_prefix(m_key.size());
     if (!takeCharacter(line, '=') || !isName(m_key))
         return false;
     m_value = trimmed(line.substr(0, line.find(';')));
@@ -212,8 +218,13 @@ bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
     if (end != bytes.data() + bytes.size())
         *end = '\0';
     else
-        m_value = m_keptValue = std::string(m_value);
+        keepValue();
     return true;
+}
+
+void CIniReader::keepValue()
+{
+    m_value = m_keptValue = std::string(m_value);
 }
 
 int CIniReader::getLineOfError() const

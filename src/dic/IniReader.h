@@ -40,9 +40,10 @@ public:
     static const char* version();
 
 private:
-    bool readLine(std::span<char>& line);
+    std::span<char> readLine();
     bool readSectionHeader(std::string_view line);
     bool readKeyLine(std::string_view line, std::span<char> bytes);
+    void keepValue();
 
     CLineFile m_file;
     std::string m_section;         // without brackets

@@ -94,7 +94,7 @@ bool CLineFile::open(const char* fileName)
     return true;
 }
 
-bool CLineFile::readLine(std::span<char>& line)
+std::span<char> CLineFile::readLine()
 {
     while (true) {
         const qsizetype size = m_end - m_next;
@@ -103,9 +103,7 @@ bool CLineFile::readLine(std::span<char>& line)
         const qsizetype length = bytesOfUnits(m_next, whole, maxLine);
         if (lineFeed == nullptr && length == size && appendBlock())
             continue;
-        line = std::span(m_next, static_cast<std::size_t>(length));
-        m_next += length;
-        return length > 0;
+        return { std::exchange(m_next, m_next + length), static_cast<std::size_t>(length) };
     }
 }
 

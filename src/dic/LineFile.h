@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <span>
+#include <utility>
 
 /// The text is UTF-8 if the whole file is valid UTF-8 (a byte order mark at its start is dropped), else Windows-1252,
 /// which is converted; its five bytes without a character become the control characters U+0081, 8D, 8F, 90 and 9D.
@@ -25,23 +26,21 @@ public:
     bool open(const char* fileName);
     bool isOpen() const { return m_isOpen; }
 
-    /// Takes the next line if all of it has been read from the file already; the line before stays valid then.
-    /// @return false otherwise, see `readLine`
-    bool takeLine(std::span<char>& line)
+    /// Takes the next line if all of it has been read from the file already; the line before stays valid then. No line
+    /// otherwise, see `readLine`.
+    std::span<char> takeLine()
     {
         auto* lineFeed = static_cast<char*>(std::memchr(m_next, '\n', static_cast<std::size_t>(m_end - m_next)));
         if (lineFeed == nullptr || lineFeed - m_next >= maxLine)
-            return false;
-        line = std::span(m_next, lineFeed + 1);
-        m_next = lineFeed + 1;
-        return true;
+            return {};
+        return { std::exchange(m_next, lineFeed + 1), lineFeed + 1 };
     }
 
     /// Reads the next line with its line feed, which only the last line or a part of a longer line can lack. The file
     /// ends where it ended when it was opened, or earlier if it has been cut since then; bytes changed since then may
     /// break the UTF-8.
-    /// @return false at the end; otherwise `line` is UTF-8 that the caller may change, valid until the next call
-    bool readLine(std::span<char>& line);
+    /// @return UTF-8 that the caller may change, valid until the next call; empty at the end
+    std::span<char> readLine();
 
 private:
     qint64 readBytes(char* bytes, qint64 most);
