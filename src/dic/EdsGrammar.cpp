@@ -88,10 +88,10 @@ template <typename Number>
 constexpr bool takeDigits(std::string_view& text, unsigned base, Number& value)
 {
     for (; startsWithDigit(text, base); text.remove_prefix(1)) {
-        const unsigned digit = digitOf(text.front());
-        if (value > (std::numeric_limits<Number>::max() - digit) / base)
+        const std::uint64_t longer = std::uint64_t{ value } * base + digitOf(text.front());
+        if (longer > std::numeric_limits<Number>::max())
             return false;
-        value = static_cast<Number>(value * base + digit);
+        value = static_cast<Number>(longer);
     }
     return true;
 }

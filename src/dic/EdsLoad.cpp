@@ -48,11 +48,12 @@ constexpr struct {
 class CTextPool
 {
 public:
-    QString text(const char* utf8)
+    // The text stays valid until the next call.
+    const QString& text(const char* utf8)
     {
         const std::string_view wanted(utf8);
         if (wanted.size() > longestShared)
-            return textFromUtf8(wanted);
+            return m_longText = textFromUtf8(wanted);
         tSlot& slot = m_slots[std::hash<std::string_view>()(wanted) % m_slots.size()];
         if (slot.utf8 != wanted) {
             slot.text = textFromUtf8(wanted);
@@ -68,6 +69,7 @@ private:
     };
     static constexpr std::size_t longestShared = 64; // bounds the memory of the slots
     std::vector<tSlot> m_slots{ 1024 };
+    QString m_longText;
 };
 
 class CEdsLoad
