@@ -192,6 +192,9 @@ constexpr tKey<CCANopenDeviceInfo> deviceInfoKeys[] = {
     { "LMT_ProductName",          [](auto& info, auto value) { info.setLmtProductName(value); } },
 };
 
+// Room that an object has for entries that are only announced: a sheet may announce more than it has.
+constexpr unsigned char mostAnnounced = 16;
+
 // Keys of an object section that concern the object; the others describe its entry.
 // Kept: each "ObjectType" of an object that is no array or record adds an entry, also a repeated one.
 constexpr tKey<CEdsLoad> objectKeys[] = {
@@ -206,6 +209,9 @@ constexpr tKey<CEdsLoad> objectKeys[] = {
         load.m_object->setDataType(number16(value));
         if (load.m_entry)
             load.m_entry->setDataType(number16(value));
+    } },
+    { "SubNumber",     [](auto& load, auto value) {
+        load.m_object->m_objectEntryArray.reserve(std::min(number8(value), mostAnnounced));
     } },
 };
 

@@ -115,6 +115,8 @@ class TestSheetSize : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void announcedEntriesGetTheirRoomAtOnce_data();
+    void announcedEntriesGetTheirRoomAtOnce();
     void timeGrowsWithTheNumberOfSections_data();
     void timeGrowsWithTheNumberOfSections(); // ten times for ten times the sections, far from a hundred
     void memoryStaysNearTwiceTheFile_data();
@@ -142,6 +144,23 @@ private:
     // What the process itself uses; it depends on the compiler and on the version of Qt.
     static qint64 memoryOfAnEmptySheet() { return measuredInAnotherProcess(CSheetFile("")).value(2).toLongLong(); }
 };
+
+void TestSheetSize::announcedEntriesGetTheirRoomAtOnce_data()
+{
+    QTest::addColumn<QByteArray>("number");
+    QTest::addColumn<int>("room");
+    QTest::newRow("as many as there are") << QByteArray("3") << 3;
+    QTest::newRow("too many to believe") << QByteArray("255") << 16;
+}
+
+void TestSheetSize::announcedEntriesGetTheirRoomAtOnce()
+{
+    QFETCH(QByteArray, number);
+    const CLoadedSheet sheet("[1018]\nObjectType=9\nSubNumber=" + number +
+                             "\n[1018sub0]\nDataType=5\n[1018sub1]\nDataType=7\n[1018sub2]\nDataType=7\n");
+    QCOMPARE(sheet.outline(), QString("1018[0 1 2]"));
+    QTEST(int(sheet[0]->m_objectEntryArray.capacity()), "room");
+}
 
 void TestSheetSize::timeGrowsWithTheNumberOfSections_data()
 {
