@@ -7,10 +7,13 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <span>
 #include <string>
+#include <vector>
 
 #include <malloc.h>
 
@@ -34,43 +37,59 @@ long long memory(const char* field)
     return -1;
 }
 
-bool printKept(const char* file)
+using tFiles = std::span<char*>;
+
+bool forEach(tFiles files, bool (*run)(const char* file))
 {
-    const std::size_t before = allocatedBytes();
-    CCANopen dictionary;
-    const bool loaded = load(dictionary, file);
-    std::printf("%zu %lld\n", allocatedBytes() - before, static_cast<long long>(QFile(QFile::decodeName(file)).size()));
+    return std::all_of(files.begin(), files.end(), run);
+}
+
+// Each file is loaded once before, so that what the process allocates once does not count.
+bool printKept(tFiles files)
+{
+    std::size_t kept = 0;
+    long long size = 0;
+    bool loaded = forEach(files, loadAndFree);
+    for (const char* file : files) {
+        const std::size_t before = allocatedBytes();
+        CCANopen dictionary;
+        loaded = loaded && load(dictionary, file);
+        kept += allocatedBytes() - before;
+        size += QFile(QFile::decodeName(file)).size();
+    }
+    std::printf("%zu %lld\n", kept, size);
     return loaded;
 }
 
-// The file is loaded once before, so that the code is in memory; what that load freed goes back to the system.
-bool printPeak(const char* file)
+// Each file is loaded once before, so that the code is in memory; what that load freed goes back to the system.
+bool printPeak(tFiles files)
 {
-    const bool loadedBefore = loadAndFree(file);
+    bool loaded = forEach(files, loadAndFree);
     malloc_trim(0);
     std::ofstream("/proc/self/clear_refs") << 5; // the highest amount of memory becomes the present one
     const std::size_t allocatedBefore = allocatedBytes();
     const long long before = memory("VmRSS");
-    CCANopen dictionary;
-    const bool loaded = loadedBefore && load(dictionary, file);
+    std::vector<CCANopen> dictionaries(files.size());
+    for (std::size_t n = 0; n < files.size(); ++n)
+        loaded = loaded && load(dictionaries[n], files[n]);
     std::printf("%lld %zu\n", memory("VmHWM") - before, allocatedBytes() - allocatedBefore);
     return loaded;
 }
 
 struct tFileAction {
     const char* name;
-    bool (*run)(const char* file);
+    bool (*run)(tFiles files);
 };
 
 constexpr tFileAction fileActions[] = {
-    { "nothing", [](const char*) { return true; } },
-    { "load", loadAndFree },
-    { "lines", readLines },
-    { "kept", printKept }, // bytes that the dictionary keeps, size of the file
-    { "peak", printPeak }, // growth of the process while loading, bytes that the dictionary keeps
+    { "nothing", [](tFiles) { return true; } },
+    { "load", [](tFiles files) { return forEach(files, loadAndFree); } },
+    { "lines", [](tFiles files) { return forEach(files, readLines); } },
+    { "kept", printKept }, // bytes that the dictionaries keep, size of the files
+    { "peak", printPeak }, // growth of the process while loading, bytes that the dictionaries keep
 };
 
-constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak FILE\n"
+constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak FILE...\n"
                          "       velmora-count write FILE OBJECTS\n"
                          "       velmora-count qt-version\n"
                          "       velmora-count domain|string|encode|decode LENGTH RUNS\n";
@@ -86,10 +105,10 @@ int run(int argc, char* argv[])
         writeSheet(QFile::decodeName(argv[2]), std::atoi(argv[3]));
         return EXIT_SUCCESS;
     }
-    if (argc == 3)
+    if (argc >= 3)
         for (const tFileAction& action : fileActions)
             if (what == action.name)
-                return action.run(argv[2]) ? EXIT_SUCCESS : EXIT_FAILURE;
+                return action.run(tFiles(argv + 2, argv + argc)) ? EXIT_SUCCESS : EXIT_FAILURE;
     if (argc == 4)
         for (const tCodec& codec : codecs)
             if (what == codec.name)

@@ -5,13 +5,14 @@
 #include "dic/CANopen.h"
 #include "dic/EdsGrammar.h"
 #include "dic/IniReader.h"
+#include "dic/TextPool.h"
 #include "dic/Utf8Text.h"
 
 #include <QByteArray>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
@@ -44,32 +45,23 @@ constexpr struct {
     { "ManufacturerObjects", sectionManufacturerObjects },
 };
 
-// Texts by their UTF-8. Of equal short texts that come near each other, all but the first share its memory.
-class CTextPool
+// The first object of each index. In pages, since a data sheet uses few ranges of the indexes.
+class CFirstObjects
 {
 public:
-    // The text stays valid until the next call.
-    const QString& text(const char* utf8)
+    // Null when there is none.
+    CCANopenObject*& operator[](unsigned short index)
     {
-        const std::string_view wanted(utf8);
-        if (wanted.size() > longestShared)
-            return m_longText = textFromUtf8(wanted);
-        tSlot& slot = m_slots[std::hash<std::string_view>()(wanted) % m_slots.size()];
-        if (slot.utf8 != wanted) {
-            slot.text = textFromUtf8(wanted);
-            slot.utf8 = wanted;
-        }
-        return slot.text;
+        std::unique_ptr<tPage>& page = m_pages[index / pageSize];
+        if (!page)
+            page = std::make_unique<tPage>();
+        return (*page)[index % pageSize];
     }
 
 private:
-    struct tSlot {
-        std::string utf8;
-        QString text = QStringLiteral("");
-    };
-    static constexpr std::size_t longestShared = 64; // bounds the memory of the slots
-    std::vector<tSlot> m_slots{ 1024 };
-    QString m_longText;
+    static constexpr int pageSize = 256;
+    using tPage = std::array<CCANopenObject*, pageSize>;
+    std::array<std::unique_ptr<tPage>, (std::numeric_limits<unsigned short>::max() + 1) / pageSize> m_pages;
 };
 
 class CEdsLoad
@@ -98,7 +90,7 @@ private:
     void appendObject(unsigned short index);
 
     TSection m_section = sectionUnknown;
-    std::vector<int> m_firstPosition; // by index: position of the first object with it, or -1
+    CFirstObjects m_firstObjects;
 };
 
 // Values that are no numbers read as 0.
@@ -252,12 +244,11 @@ const CCANopenObject::tProfile& profileOf(unsigned short index)
     return row->profile;
 }
 
-CEdsLoad::CEdsLoad(CCANopen& dictionary)
-    : m_dictionary(dictionary), m_firstPosition(std::numeric_limits<unsigned short>::max() + std::size_t{ 1 }, -1)
+CEdsLoad::CEdsLoad(CCANopen& dictionary) : m_dictionary(dictionary)
 {
     const auto& objects = dictionary.m_objectArray;
-    for (std::size_t position = objects.size(); position-- > 0;)
-        m_firstPosition[objects[position]->getIndex()] = static_cast<int>(position);
+    for (auto object = objects.rbegin(); object != objects.rend(); ++object)
+        m_firstObjects[(*object)->getIndex()] = object->get();
 }
 
 void CEdsLoad::enterSection(const char* name)
@@ -341,8 +332,8 @@ void CEdsLoad::chooseObject(unsigned short index)
 {
     if (m_object && m_object->getIndex() == index)
         return;
-    if (const int position = m_firstPosition[index]; position >= 0)
-        m_object = m_dictionary.m_objectArray[static_cast<std::size_t>(position)].get();
+    if (CCANopenObject* first = m_firstObjects[index])
+        m_object = first;
     // Kept: the section of an undeclared object describes the current object; only without one it creates its own.
     if (!m_object)
         appendObject(index);
@@ -350,10 +341,9 @@ void CEdsLoad::chooseObject(unsigned short index)
 
 void CEdsLoad::appendObject(unsigned short index)
 {
-    auto& objects = m_dictionary.m_objectArray;
-    if (m_firstPosition[index] < 0)
-        m_firstPosition[index] = static_cast<int>(objects.size());
-    m_object = objects.emplace_back(std::make_unique<CCANopenObject>(index)).get();
+    m_object = m_dictionary.m_objectArray.emplace_back(std::make_unique<CCANopenObject>(index)).get();
+    if (m_firstObjects[index] == nullptr)
+        m_firstObjects[index] = m_object;
 }
 
 // Kept: a sub-index described twice gives two entries.
