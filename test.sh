@@ -1,6 +1,7 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc) and in asan (clang), the tests on the CAN
-# interface vcan0 in dev, the formatting, clang-tidy, and the demonstration without a display.
+# interface vcan0 in dev, the formatting, clang-tidy, the performance that can be counted, and the demonstration without
+# a display.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -67,6 +68,13 @@ tidy() {
     echo "$(tidy_files | wc -l) files without findings"
 }
 
+# What counts instructions and bytes, which no load on the machine changes.
+performance() {
+    tests/bench/check-bench || fail "bench.sh does not compare with the aims"
+    ./bench.sh --counted --check 2>&1 | tee build/bench.log || fail "a row of bench/aims.txt is missed"
+    summaries+=("performance: $(grep -c '| met ' build/bench.log) aims met")
+}
+
 if $quick; then
     install_missing "${build_packages[@]}"
     suite dev
@@ -84,6 +92,7 @@ else
     suite asan
     if $can; then suite_on_vcan; fi
     tidy
+    performance
     build release
     stage "Demonstration without a display"
     tests/demo/check-demo || fail "demo.sh does not report programs that end"

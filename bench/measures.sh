@@ -9,11 +9,24 @@ bytes_of_long_sheet=100000000
 calculate() { awk "BEGIN { printf \"%.2f\", $1 }"; }
 is_true() { awk "BEGIN { exit !($1) }"; }
 
-# sheet NAME: sets `file` to a data sheet: generated with that many objects, of 100 MB, or a file that is there.
+real_sheets=()
+for file in ../shared/eds/*.[ed][dc][sf]; do
+    [ ! -e "$file" ] || real_sheets+=("$file")
+done
+
+# sheet NAME: sets `file` to a data sheet: generated with that many objects, of 100 MB, a file that is there, or to all
+# real ones that load, with blanks between them.
 sheet() {
     file=$scratch/$1.eds
     case "$1" in
-        */*) file=$1; [ -r "$file" ] || fail "$file cannot be read" ;;
+        */*) [ -r "$1" ] || fail "$1 cannot be read"; file=$1 ;;
+        real)
+            file=''
+            local sheet
+            for sheet in "${real_sheets[@]}"; do
+                cp "$sheet" "$scratch/real${#file}.eds" # a path without blanks
+                if "$count" load "$scratch/real${#file}.eds"; then file+=" $scratch/real${#file}.eds"; fi
+            done ;;
         line) [ -e "$file" ] ||
             { echo '[FileInfo]' && head -c $bytes_of_long_sheet /dev/zero | tr '\0' ';'; } > "$file" ;;
         comments) [ -e "$file" ] || awk -v size=$bytes_of_long_sheet 'BEGIN {
@@ -58,8 +71,11 @@ load_instructions() {
     sheet "$1"
     three_counts "$count nothing $file" "$count load $file" "$count lines $file"
 }
-kept_memory() { sheet "$1"; two_numbers "$count" kept "$file"; }
-peak_memory() { sheet "$1"; two_numbers "$count" peak "$file"; }
+# shellcheck disable=SC2086 # there may be several files
+kept_memory() { sheet "$1"; two_numbers "$count" kept $file; }
+# shellcheck disable=SC2086
+peak_memory() { sheet "$1"; two_numbers "$count" peak $file; }
+real_load_times() { sheet real; VELMORA_BENCH_SHEETS=$file pair load/named; }
 
 process_peak() {
     sheet "$1"

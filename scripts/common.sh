@@ -6,7 +6,7 @@ build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
 can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan and the tests that run there
 bench_packages=(libbenchmark-dev valgrind)
-test_packages=(git "${demo_packages[@]}")
+test_packages=(git "${bench_packages[@]}" "${demo_packages[@]}")
 find_gcc > /dev/null || build_packages+=(g++)
 find_clang > /dev/null || test_packages+=(clang)
 
