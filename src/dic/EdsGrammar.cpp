@@ -87,6 +87,7 @@ constexpr bool isObjectEntry(std::string_view name, unsigned short& index, unsig
 template <typename Number>
 constexpr bool takeDigits(std::string_view& text, unsigned base, Number& value)
 {
+    static_assert(sizeof value < sizeof(std::uint64_t), "one digit more must fit");
     for (; startsWithDigit(text, base); text.remove_prefix(1)) {
         const std::uint64_t longer = std::uint64_t{ value } * base + digitOf(text.front());
         if (longer > std::numeric_limits<Number>::max())
