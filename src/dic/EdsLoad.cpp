@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -59,7 +60,7 @@ public:
     }
 
 private:
-    static constexpr int pageSize = 256;
+    static constexpr std::size_t pageSize = 256;
     using tPage = std::array<CCANopenObject*, pageSize>;
     std::array<std::unique_ptr<tPage>, (std::numeric_limits<unsigned short>::max() + 1) / pageSize> m_pages;
 };
