@@ -20,11 +20,16 @@ int main(int argc, char* argv[])
     QGridLayout grid(&dialog);
     QComboBox interface, baudrate;
     interface.setEditable(true);
-    baudrate.addItems({ "1000", "800", "500", "250", "125", "50", "20", "10" });
+    interface.setCompleter(nullptr);
+    baudrate.addItems({ "1000", "800", "500", "250", "125", "100", "50", "20", "10" });
     QSpinBox nodeId;
+    nodeId.setRange(0, 127);
     QLabel interfaceLabel("&Interface:"), baudrateLabel("&Baud rate:"), nodeIdLabel("&Node-Id.:");
     QLabel baudrateUnit("Kbps (CiA Bit-timing)"), nodeIdUnit("for CANopen Master");
     QPushButton ok("&OK"), cancel("&Cancel");
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{ &baudrate, &baudrateLabel, &baudrateUnit, &nodeId, &nodeIdLabel })
+        widget->setEnabled(false);
     int place = 0;
     for (QWidget* widget :
          std::initializer_list<QWidget*>{ &interfaceLabel, &interface, &baudrateLabel, &baudrate, &baudrateUnit,

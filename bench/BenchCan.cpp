@@ -219,7 +219,7 @@ private:
 
 // The bus is flooded in bursts that the receive buffer of a socket has room for; what the kernel drops is not what is
 // measured. Timed is how a burst gets from the socket into the queue, or is read by a bare loop: a sender on another
-// processor takes none of that time, and there may be only one. Both fail when a message is missing or not in its order.
+// processor takes none of that time, and there may be only one. Both fail when a message is missing or out of order.
 class CFloodPair : public CPair
 {
 public:

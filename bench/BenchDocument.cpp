@@ -254,10 +254,8 @@ private:
     {
         const tForm& form = m_forms[object];
         m_bareTree->setCurrentItem(m_bareItems[object]);
-        for (int n = 0; n < m_boxes.size(); ++n) {
+        for (int n = 0; n < m_boxes.size(); ++n)
             m_boxes[n]->setTitle(form.titles[n]);
-            m_boxes[n]->update(); // painted with all that is in it, even if the title is as before
-        }
         for (int n = 0; n < m_fields.size(); ++n)
             m_fields[n]->setText(form.fields[n]);
         for (int n = 0; n < m_marks.size(); ++n)

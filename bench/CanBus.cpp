@@ -168,10 +168,12 @@ const std::array<uint8_t, CCanBus::longSize>& CCanBus::longData()
 void CCanBus::answer()
 {
     m_node = std::thread([this] { serve(); });
-    // Its answers come at once, also where its thread shares one processor with a master that polls. Without the
-    // permission for that they come when the master's time slice ends.
+    // Its answers come at once, also where its thread shares one processor with a master that polls. Without that they
+    // would come when the master's time slice ends, and both sides would only wait.
     const sched_param lowest = { sched_get_priority_min(SCHED_FIFO) };
-    pthread_setschedparam(m_node.native_handle(), SCHED_FIFO, &lowest);
+    if (pthread_setschedparam(m_node.native_handle(), SCHED_FIFO, &lowest) != 0 &&
+        std::thread::hardware_concurrency() == 1)
+        throw std::runtime_error("with one processor the node needs the permission for SCHED_FIFO");
 }
 
 void CCanBus::serve()

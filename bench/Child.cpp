@@ -51,13 +51,15 @@ int main(int argc, char* argv[])
                                           [](const char* word) { return std::strcmp(word, "--") == 0; });
     const bool time = argc > 1 && std::strcmp(argv[1], "time") == 0;
     const bool memory = argc > 1 && std::strcmp(argv[1], "memory") == 0;
-    if ((!time && !memory) || separator == end || separator == argv + firstArgument || separator + 1 == end) {
+    int runs = argc > 2 ? std::atoi(argv[2]) : 0;
+    if ((!time && !memory) || runs <= 0 || separator == end || separator == argv + firstArgument ||
+        separator + 1 == end) {
         std::fputs("usage: velmora-child time|memory RUNS OURS ARGUMENT... -- BARE ARGUMENT...\n", stderr);
         return 2;
     }
     *separator = nullptr;
     tCost ours, bare;
-    for (int runs = std::atoi(argv[2]); runs > 0; --runs)
+    for (; runs > 0; --runs)
         if (!run(argv + firstArgument, ours) || !run(separator + 1, bare))
             return EXIT_FAILURE;
     if (time)

@@ -66,14 +66,16 @@ bool printPeak(tFiles files)
 {
     bool loaded = forEach(files, loadAndFree);
     malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << 5; // the highest amount of memory becomes the present one
+    std::ofstream reset("/proc/self/clear_refs");
+    reset << 5 << std::flush; // the highest amount of memory becomes the present one
     const std::size_t allocatedBefore = allocatedBytes();
     const long long before = memory("VmRSS");
     std::vector<CCANopen> dictionaries(files.size());
     for (std::size_t n = 0; n < files.size(); ++n)
         loaded = loaded && load(dictionaries[n], files[n]);
-    std::printf("%lld %zu\n", memory("VmHWM") - before, allocatedBytes() - allocatedBefore);
-    return loaded;
+    const long long highest = memory("VmHWM");
+    std::printf("%lld %zu\n", highest - before, allocatedBytes() - allocatedBefore);
+    return loaded && reset && before > 0 && highest > 0;
 }
 
 struct tFileAction {

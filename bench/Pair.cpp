@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include <valgrind/callgrind.h>
+
 namespace
 {
 
@@ -54,6 +56,11 @@ void measure(benchmark::State& state, const tPairRow& row)
 
 } // namespace
 
+void toggleCounting()
+{
+    CALLGRIND_TOGGLE_COLLECT;
+}
+
 bool addPair(tPairRow row)
 {
     rows().push_back(std::move(row));
@@ -72,11 +79,7 @@ bool runOnce(const std::string& name, const std::string& side)
         return false;
     try {
         const std::unique_ptr<CPair> pair = row->make();
-        if (side == "ours")
-            return pair->ours() >= 0;
-        if (side == "bare")
-            return pair->bare() >= 0;
-        return side == "nothing";
+        return (side == "ours" && pair->ours() >= 0) || (side == "bare" && pair->bare() >= 0);
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "%s: %s\n", name.c_str(), error.what());
         return false;

@@ -23,14 +23,19 @@ public:
     virtual double bare() { return 0; }
 };
 
-/// The seconds that `work()` takes; -1 when it returns false.
+/// Callgrind counts what is between two calls of this, when it has been started with --collect-atstart=no.
+void toggleCounting();
+
+/// The seconds that `work()` takes; -1 when it returns false. Its instructions are those that callgrind counts.
 template <typename Work>
 double secondsOf(Work work)
 {
+    toggleCounting();
     const auto start = std::chrono::steady_clock::now();
-    if (!work())
-        return -1;
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const bool good = work();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    toggleCounting();
+    return good ? taken.count() : -1;
 }
 
 /// How a pair is measured and reported by its counters "ours" and "bare".
@@ -47,6 +52,6 @@ struct tPairRow {
 /// @return true
 bool addPair(tPairRow row);
 
-/// Runs one side of a pair once, to count its instructions: "ours", "bare", or "nothing", which only makes the pair.
+/// Runs one side of a pair once, "ours" or "bare", to count its instructions.
 /// @return false when there is no such pair or side, or when the work failed
 bool runOnce(const std::string& name, const std::string& side);

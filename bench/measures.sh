@@ -25,7 +25,11 @@ sheet() {
             local sheet
             for sheet in "${real_sheets[@]}"; do
                 cp "$sheet" "$scratch/real${#file}.eds" # a path without blanks
-                if "$count" load "$scratch/real${#file}.eds"; then file+=" $scratch/real${#file}.eds"; fi
+                if "$count" load "$scratch/real${#file}.eds"; then
+                    file+=" $scratch/real${#file}.eds"
+                else
+                    echo "left out, since it does not load: $sheet" >&2
+                fi
             done ;;
         line) [ -e "$file" ] ||
             { echo '[FileInfo]' && head -c $bytes_of_long_sheet /dev/zero | tr '\0' ';'; } > "$file" ;;
@@ -48,30 +52,27 @@ two_numbers() {
     read -r ours bare <<< "$numbers"
 }
 
+# limited COMMAND...: ends one that would hang; no busy machine takes that long.
+limited() { timeout 1800 "$@"; }
+
 # instructions COMMAND...: prints how many it takes.
 instructions() {
     local log=$scratch/callgrind.log
-    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" > "$log" 2>&1 ||
+    limited valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" > "$log" 2>&1 ||
         { cat "$log" >&2; fail "this failed under valgrind: $*"; }
     sed -n 's/^==[0-9]*== Collected : //p' "$log" | grep -E '^[0-9]+$' || fail "valgrind has counted nothing"
 }
 
-# three_counts NOTHING OURS BARE: the instructions of commands, less those of the first.
-# shellcheck disable=SC2086 # each is a command with its arguments
-three_counts() {
+# shellcheck disable=SC2086 # there may be several files
+load_instructions() {
     local start
-    quietly $1 # brings the cache of the fonts up to date, which takes long
-    start=$(instructions $1)
-    ours=$(instructions $2)
-    bare=$(instructions $3)
+    sheet "$1"
+    start=$(instructions "$count" nothing $file)
+    ours=$(instructions "$count" load $file)
+    bare=$(instructions "$count" lines $file)
     ours=$((ours - start)) bare=$((bare - start))
 }
-
-load_instructions() {
-    sheet "$1"
-    three_counts "$count nothing $file" "$count load $file" "$count lines $file"
-}
-# shellcheck disable=SC2086 # there may be several files
+# shellcheck disable=SC2086
 kept_memory() { sheet "$1"; two_numbers "$count" kept $file; }
 # shellcheck disable=SC2086
 peak_memory() { sheet "$1"; two_numbers "$count" peak $file; }
@@ -98,20 +99,21 @@ codec_instructions() {
 
 # The programs end by a plugin as soon as they are painted.
 started() {
-    QT_PLUGIN_PATH=$PWD/$programs/plugins QT_QPA_GENERIC_PLUGINS=velmora-bench-end XDG_RUNTIME_DIR=$PWD/$scratch "$@"
+    QT_PLUGIN_PATH=$PWD/$programs/plugins QT_QPA_GENERIC_PLUGINS=velmora-bench-end "$@"
 }
 start_cost() {
-    started two_numbers $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
+    started two_numbers timeout 1800 $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
 }
 start_instructions() {
-    started quietly build/bench/src/velmora # as above
+    started quietly limited build/bench/src/velmora # brings the cache of the fonts up to date, which takes long
     ours=$(started instructions build/bench/src/velmora)
     bare=$(started instructions $programs/velmora-bare)
 }
 
 pair_instructions() {
-    local once="$programs/velmora-bench --once $1"
-    three_counts "$once nothing" "$once ours" "$once bare"
+    quietly limited $programs/velmora-bench --once "$1" ours # as above
+    ours=$(instructions --collect-atstart=no $programs/velmora-bench --once "$1" ours)
+    bare=$(instructions --collect-atstart=no $programs/velmora-bench --once "$1" bare)
 }
 
 # pair NAME: microseconds or items per second, as velmora-bench reports them.
@@ -120,14 +122,16 @@ pair() {
     take_counters "$1" "$scratch/pair.json"
 }
 
-# can_pair NAME: the same where vcan0 is. All of them run at once, since it may take long to get there.
+# can_pair NAME: the same where vcan0 is. All of them run at once, since it may take long to get there; on one processor,
+# since the system moves User Mode Linux from one to the other, which is what the times would be of.
 can_pair() {
-    local results=$scratch/can.json
+    local results=$scratch/can.json processor
+    processor=$(taskset -pc $$ | sed 's/.*[^0-9]//')
     if $repeating; then
         results=$scratch/pair.json
-        run_pairs "$1" "$results" scripts/vcan/with-vcan
+        run_pairs "$1" "$results" taskset -c "$processor" scripts/vcan/with-vcan
     elif [ ! -e "$results" ]; then
-        run_pairs 'can/[^/]*' "$results" scripts/vcan/with-vcan
+        run_pairs 'can/[^/]*' "$results" taskset -c "$processor" scripts/vcan/with-vcan
     fi
     take_counters "$1" "$results"
 }
@@ -138,19 +142,17 @@ run_pairs() {
         --benchmark_out_format=json > "$scratch/out"
 }
 
-# take_counters NAME FILE: the median of several repetitions.
+# take_counters NAME FILE: of several repetitions the one with the median of the ratios.
 take_counters() {
     local counters
     counters=$(awk -v wanted="\"$1/repeats:" -F '": |,$' '
-        / "run_name": /         { found = index($2, wanted) == 1; median = repeated = 0 }
-        / "repetitions": /      { repeated = $2 > 1 }
-        / "aggregate_name": /   { median = $2 == "\"median\"" }
-        found && / "error_message": / { print "error " $2; exit }
-        found && (median || !repeated) && / "ours": / { ours = $2 }
-        found && (median || !repeated) && / "bare": / { bare = $2 }
-        END { if (ours != "") printf("%.0f %s\n", ours, bare == "" ? "" : sprintf("%.0f", bare)) }' "$2")
-    [[ $counters != error* ]] || fail "$1: ${counters#error }"
-    read -r ours bare <<< "$counters"
+        / "run_name": /             { found = index($2, wanted) == 1; bare = "" }
+        / "run_type": "aggregate"/  { found = 0 }
+        found && /"error_message": / { print "error " $2 }
+        found && / "bare": /        { bare = sprintf("%.0f", $2) }
+        found && / "ours": /        { printf("%.6f %.0f %s\n", bare == "" ? 0 : $2 / bare, $2, bare) }' "$2" | sort -g)
+    [[ $counters != *error* ]] || fail "$1: ${counters#*error }"
+    read -r _ ours bare < <(awk '{ line[NR] = $0 } END { print line[int((NR + 1) / 2)] }' <<< "$counters")
 }
 
 # growth FIRST LAST: the ratios of two rows; those that have been measured already are measured again for a repetition.

@@ -1,7 +1,7 @@
 # The table and the page that bench.sh makes. Sourced, not run.
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash disable=SC2154 # variables of bench.sh
-rows=0 table=() reasons=()
+rows=0 table=() reasons=() left_out=()
 
 thousands() { sed -E ':next; s/^([0-9]+)([0-9]{3})/\1,\2/; t next' <<< "$1"; }
 
@@ -44,7 +44,7 @@ print_machine() {
     local processor
     processor=$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1)
     printf -- '- Machine: %s, %s cores; vcan0: %s\n' "${processor:-unknown processor ($(uname -m))}" "$(nproc)" \
-        "$(scripts/vcan/with-vcan --way)"
+        "$way"
     printf -- '- Versions: %s, %s, Qt %s, %s\n' "$(. /etc/os-release; echo "$PRETTY_NAME")" \
         "$(find_gcc) $("$(find_gcc)" -dumpfullversion)" "$("$count" qt-version)" "$(valgrind --version)"
     printf -- '- Date: %s\n' "$(date +%F)"
@@ -56,6 +56,12 @@ print_reasons() {
     printf -- '- %s\n' "${reasons[@]}"
 }
 
+print_left_out() {
+    [ ${#left_out[@]} -gt 0 ] || return 0
+    printf '\nRows left out:\n\n'
+    printf -- '- %s\n' "${left_out[@]}"
+}
+
 print_page() {
     cat << 'PAGE'
 # Performance
@@ -63,7 +69,7 @@ print_page() {
 `./bench.sh` writes this page. [bench/aims.txt](../bench/aims.txt) has the aims; `./bench.sh --check` compares.
 
 "Bare" is what the measure is compared with, in the same run. "Growth" is the ratio divided by that of the size before.
-Instructions are counted by callgrind, less those of the preparation. Times and rates are of the least time of runs that
+Instructions are counted by callgrind, without those of the preparation. Times and rates are of the least time of runs that
 alternate; those of networks are the median of five such. Bytes kept are those that malloc has handed out. Peaks are
 resident memory: for "peak while loading" its growth from before the load (`VmHWM`), for processes that of the child
 (`getrusage`). A generated object has five entries and some 600 bytes.
@@ -73,4 +79,5 @@ PAGE
     echo
     print_table
     print_reasons
+    print_left_out
 }

@@ -166,31 +166,37 @@ const CCANopenObjectEntry* CMDIWindow::entryOf(const CCANopenObject& object, uns
     return entry;
 }
 
-/// Fills the entry part of the form; false when the object or the entry does not exist.
-bool CMDIWindow::showEntry(const CCANopenObject* object, unsigned char subIndex)
+/// Shows the object, unless it stays, and the entry, and clears what is null. A part is never cleared just to be filled:
+/// its title would change twice, and all of it would be painted.
+void CMDIWindow::fillAttributesForm(const CCANopenObject* object, const CCANopenObjectEntry* entry, bool keepObject)
 {
-    const CCANopenObjectEntry* entry = object != nullptr ? entryOf(*object, subIndex) : nullptr;
+    if (entry == nullptr)
+        clearAttributesForm(keepObject || object != nullptr);
+    else
+        clearValues();
+    if (object != nullptr && !keepObject)
+        fillObjectPart(*object);
     if (entry != nullptr)
         fillEntryPart(*entry);
-    return entry != nullptr;
 }
 
 void CMDIWindow::populateAttributesForm(unsigned short index, unsigned char subIndex)
 {
     if (index != m_index) {
-        clearAttributesForm(false);
         const CCANopenObject* object = index != 0 ? objectOf(index) : nullptr;
-        if (object != nullptr)
-            fillObjectPart(*object);
-        else
+        const CCANopenObjectEntry* entry = object != nullptr ? entryOf(*object, subIndex) : nullptr;
+        fillAttributesForm(object, entry, false);
+        if (object == nullptr)
             index = 0;
-        if (!showEntry(object, subIndex)) // Kept: FFh shows, but cannot be read or sent: it means no entry.
+        if (entry == nullptr) // Kept: FFh shows, but cannot be read or sent: it means no entry.
             subIndex = noSubIndex;
         m_subIndex = subIndex;
         m_index = index;
     } else if (subIndex != m_subIndex) {
-        clearAttributesForm(true);
-        if (subIndex != noSubIndex && !showEntry(objectOf(index), subIndex)) {
+        const CCANopenObject* object = subIndex != noSubIndex ? objectOf(index) : nullptr;
+        const CCANopenObjectEntry* entry = object != nullptr ? entryOf(*object, subIndex) : nullptr;
+        fillAttributesForm(object, entry, true);
+        if (subIndex != noSubIndex && entry == nullptr) {
             subIndex = noSubIndex;
             index = 0; // Kept: causes the message below; the object part stays filled.
         }
@@ -239,7 +245,12 @@ void CMDIWindow::clearAttributesForm(bool keepObject)
     m_entryGroupBox->setTitle(QStringLiteral("Entry description"));
     clearPart(m_entryGroupBox);
     m_accessGroupBox->setTitle(QStringLiteral("Data access"));
+    clearValues();
+    m_subIndex = noSubIndex;
+}
+
+void CMDIWindow::clearValues()
+{
     m_dataAccess.m_inputLineEdit->clear();
     m_dataAccess.m_outputLineEdit->clear();
-    m_subIndex = noSubIndex;
 }

@@ -91,9 +91,10 @@ private:
     void populateDictionaryList();
     void populateAttributesForm(unsigned short index, unsigned char subIndex);
     void clearAttributesForm(bool keepObject);
+    void clearValues();
     const CCANopenObject* objectOf(unsigned short index) const;
     const CCANopenObjectEntry* entryOf(const CCANopenObject& object, unsigned char subIndex) const;
-    bool showEntry(const CCANopenObject* object, unsigned char subIndex);
+    void fillAttributesForm(const CCANopenObject* object, const CCANopenObjectEntry* entry, bool keepObject);
     void fillObjectPart(const CCANopenObject& object);
     void fillEntryPart(const CCANopenObjectEntry& entry);
 

@@ -51,12 +51,19 @@ class CFirstObjects
 {
 public:
     // Null when there is none.
-    CCANopenObject*& operator[](unsigned short index)
+    CCANopenObject* find(unsigned short index) const
     {
-        std::unique_ptr<tPage>& page = m_pages[index / pageSize];
+        const std::unique_ptr<tPage>& page = m_pages[index / pageSize];
+        return page ? (*page)[index % pageSize] : nullptr;
+    }
+    // Unless there is one already.
+    void add(CCANopenObject& object)
+    {
+        std::unique_ptr<tPage>& page = m_pages[object.getIndex() / pageSize];
         if (!page)
             page = std::make_unique<tPage>();
-        return (*page)[index % pageSize];
+        if (CCANopenObject*& first = (*page)[object.getIndex() % pageSize]; first == nullptr)
+            first = &object;
     }
 
 private:
@@ -247,9 +254,8 @@ const CCANopenObject::tProfile& profileOf(unsigned short index)
 
 CEdsLoad::CEdsLoad(CCANopen& dictionary) : m_dictionary(dictionary)
 {
-    const auto& objects = dictionary.m_objectArray;
-    for (auto object = objects.rbegin(); object != objects.rend(); ++object)
-        m_firstObjects[(*object)->getIndex()] = object->get();
+    for (const auto& object : dictionary.m_objectArray)
+        m_firstObjects.add(*object);
 }
 
 void CEdsLoad::enterSection(const char* name)
@@ -333,7 +339,7 @@ void CEdsLoad::chooseObject(unsigned short index)
 {
     if (m_object && m_object->getIndex() == index)
         return;
-    if (CCANopenObject* first = m_firstObjects[index])
+    if (CCANopenObject* first = m_firstObjects.find(index))
         m_object = first;
     // Kept: the section of an undeclared object describes the current object; only without one it creates its own.
     if (!m_object)
@@ -343,8 +349,7 @@ void CEdsLoad::chooseObject(unsigned short index)
 void CEdsLoad::appendObject(unsigned short index)
 {
     m_object = m_dictionary.m_objectArray.emplace_back(std::make_unique<CCANopenObject>(index)).get();
-    if (m_firstObjects[index] == nullptr)
-        m_firstObjects[index] = m_object;
+    m_firstObjects.add(*m_object);
 }
 
 // Kept: a sub-index described twice gives two entries.

@@ -22,6 +22,11 @@ public:
     {
         return icon().pixmap(size, 1, mode, state); // `size` is in pixels of the screen: the caller knows the ratio
     }
+    QSize actualSize(const QSize& size, QIcon::Mode mode, QIcon::State state) override
+    {
+        const QSize own = icon().availableSizes(mode, state).value(0);
+        return own == own.boundedTo(size) ? own : own.scaled(size, Qt::KeepAspectRatio); // never enlarged
+    }
     QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override
     {
         return icon().availableSizes(mode, state);

@@ -6,5 +6,6 @@ class QIcon;
 class QString;
 
 /// The icon of the image ":/images/NAME". The image is read when the icon is painted for the first time: most of them
-/// are in menus, and reading them all would take a tenth of the time in which the program starts.
+/// are in menus, and reading them all takes long when the program starts. No image can be added to it, and it cannot be
+/// written to a data stream.
 QIcon imageIcon(const QString& name);

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void siblingsStandInTheOrderOfTheirTexts();
     void groupsStandInTheOrderOfTheirNames();
     void entriesStandInTheOrderOfTheirPaddedSubIndex();
+    void orderIsThatInWhichTheViewSorts();
     void whichObjectsHaveChildItems_data();
     void whichObjectsHaveChildItems();
     void twoEntriesOfOneSubIndexAreTwoItems();
@@ -195,6 +196,22 @@ void TestDictionaryTree::entriesStandInTheOrderOfTheirPaddedSubIndex()
     QCOMPARE(shown(),
              QString("root +|- Other objects|-- 1600: Mapping|---  0: x|---  9: x|---  a: x|--- 10: x|--- 1f: x"
                      "|--- ff: x"));
+}
+
+void TestDictionaryTree::orderIsThatInWhichTheViewSorts()
+{
+    const char* const profiles[] = { "CiA DS-301", "", "ab", "B", "a", "\u00e4" };
+    for (int n = 0; n < 60; ++n) {
+        CCANopenObject* object = add(0x1000 + n * 7919 % 61, n % 2 == 0 ? "Name" : "name", profiles[n % 6],
+                                     n % 3 == 0   ? ""
+                                     : n % 3 == 1 ? "z chapter"
+                                                  : "Chapter");
+        for (int sub = 0; sub < 5; ++sub)
+            entry(object, sub * 7 % 5 * 20, sub % 2 == 0 ? "Entry" : "entry");
+    }
+    const QString built = shown();
+    m_tree->sortItems(0, Qt::AscendingOrder);
+    QCOMPARE(outline(), built);
 }
 
 void TestDictionaryTree::whichObjectsHaveChildItems_data()

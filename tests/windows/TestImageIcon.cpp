@@ -26,6 +26,7 @@ private Q_SLOTS:
     void pixmapsAreThoseOfTheImage_data();
     void pixmapsAreThoseOfTheImage();
     void paintsTheImage();
+    void sizesAreNeverEnlarged();
     void copiesShowTheImage();
     void sizesAreThoseOfTheImage();
     void unknownImageShowsNothing();
@@ -64,7 +65,7 @@ void TestImageIcon::pixmapsAreThoseOfTheImage()
     QFETCH(qreal, ratio);
     const QIcon icon = imageIcon("program.png");
     const QIcon readAtOnce(":/images/program.png");
-    for (const QIcon::Mode mode : { QIcon::Normal, QIcon::Disabled }) {
+    for (const QIcon::Mode mode : { QIcon::Normal, QIcon::Disabled, QIcon::Active, QIcon::Selected }) {
         const QPixmap pixmap = icon.pixmap(QSize(size, size), ratio, mode);
         const QPixmap expected = readAtOnce.pixmap(QSize(size, size), ratio, mode);
         QVERIFY(!expected.isNull());
@@ -76,15 +77,27 @@ void TestImageIcon::pixmapsAreThoseOfTheImage()
 
 void TestImageIcon::paintsTheImage()
 {
-    const auto painted = [](const QIcon& icon) {
-        QImage image(40, 40, QImage::Format_ARGB32_Premultiplied);
+    const auto painted = [](const QIcon& icon, QSize size, Qt::Alignment alignment) {
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::white);
         QPainter painter(&image);
-        icon.paint(&painter, image.rect());
+        icon.paint(&painter, image.rect(), alignment);
         return image;
     };
-    QVERIFY(painted(imageIcon("exit.png")) != painted(QIcon()));
-    QCOMPARE(painted(imageIcon("exit.png")), painted(QIcon(":/images/exit.png")));
+    const QIcon readAtOnce(":/images/exit.png");
+    for (const QSize size : { QSize(40, 40), QSize(100, 40), QSize(40, 100), QSize(200, 200) })
+        for (const Qt::AlignmentFlag alignment : { Qt::AlignCenter, Qt::AlignLeft, Qt::AlignRight, Qt::AlignBottom }) {
+            const QImage expected = painted(readAtOnce, size, alignment);
+            QVERIFY(expected != painted(QIcon(), size, alignment));
+            QCOMPARE(painted(imageIcon("exit.png"), size, alignment), expected);
+        }
+}
+
+void TestImageIcon::sizesAreNeverEnlarged()
+{
+    const QIcon readAtOnce(":/images/exit.png");
+    for (const QSize size : { QSize(16, 16), QSize(64, 64), QSize(200, 200), QSize(32, 16), QSize(16, 200) })
+        QCOMPARE(imageIcon("exit.png").actualSize(size), readAtOnce.actualSize(size));
 }
 
 void TestImageIcon::copiesShowTheImage()
