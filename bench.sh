@@ -99,7 +99,8 @@ build bench
 stage "Measuring"
 [ ${#real_sheets[@]} -gt 0 ] || left_out+=("real-*, since there are no real sheets")
 if [ "$way" = none ] && ! $counted; then left_out+=("can-*, since there is no vcan0"); fi
-while IFS='|' read -r id when how what aim limit reason; do
+# shellcheck disable=SC2162 # a backslash joins lines
+while IFS='|' read id when how what aim limit reason; do
     case "$id" in ''|'#'*) continue ;; esac
     hows[$id]=$how
     if $counted && [ "$when" != counted ]; then continue; fi
