@@ -122,8 +122,8 @@ pair() {
     take_counters "$1" "$scratch/pair.json"
 }
 
-# can_pair NAME: the same where vcan0 is. All of them run at once, since it may take long to get there; on one processor,
-# since the system moves User Mode Linux from one to the other, which is what the times would be of.
+# can_pair NAME: the same where vcan0 is. All of them run at once, since it may take long to get there, and on one
+# processor: the times would be those of the system that moves User Mode Linux from one to the other.
 can_pair() {
     local results=$scratch/can.json processor
     processor=$(taskset -pc $$ | sed 's/.*[^0-9]//')

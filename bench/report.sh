@@ -69,9 +69,9 @@ print_page() {
 `./bench.sh` writes this page. [bench/aims.txt](../bench/aims.txt) has the aims; `./bench.sh --check` compares.
 
 "Bare" is what the measure is compared with, in the same run. "Growth" is the ratio divided by that of the size before.
-Instructions are counted by callgrind, without those of the preparation. Times and rates are of the least time of runs that
-alternate; those of networks are the median of five such. Bytes kept are those that malloc has handed out. Peaks are
-resident memory: for "peak while loading" its growth from before the load (`VmHWM`), for processes that of the child
+Instructions are counted by callgrind, without those of the preparation. Times and rates are of the least time of runs
+that alternate; those of networks are the median of five such. Bytes kept are those that malloc has handed out. Peaks
+are resident memory: for "peak while loading" its growth from before the load (`VmHWM`), for processes that of the child
 (`getrusage`). A generated object has five entries and some 600 bytes.
 
 PAGE
