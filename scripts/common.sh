@@ -1,12 +1,14 @@
-# Shared by demo.sh, test.sh and bench.sh: stage titles, installation of missing packages, builds. Sourced, not run.
+# Shared by the scripts beside README.md: stage titles, installation of missing packages, builds. Sourced, not run.
 # SPDX-License-Identifier: MIT
 . scripts/compilers.sh
 
 build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
+package_packages=(build-essential debhelper)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
 can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan and the tests that run there
 bench_packages=(libbenchmark-dev valgrind)
-test_packages=(git "${bench_packages[@]}" "${demo_packages[@]}")
+test_packages=(git "${bench_packages[@]}" "${demo_packages[@]}" "${package_packages[@]}")
+test_packages+=(lintian appstream desktop-file-utils shared-mime-info man-db fakeroot) # for the tests of the package
 find_gcc > /dev/null || build_packages+=(g++)
 find_clang > /dev/null || test_packages+=(clang)
 
@@ -14,7 +16,8 @@ stage() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 
 # install_missing PACKAGE...: installs the Debian packages that are not installed yet, with sudo where it is needed.
-# Where that is impossible it names the missing packages and ends the script.
+# Where that is impossible it names the missing packages and ends the script. Nothing is asked: files of configuration
+# that are there stay.
 install_missing() {
     local package missing=() run=()
     for package in "$@"; do
@@ -28,7 +31,7 @@ install_missing() {
     command -v apt-get > /dev/null || fail "please install the equivalents of these Debian packages: ${missing[*]}"
     stage "Installing ${missing[*]}"
     { "${run[@]}" apt-get update -q && "${run[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -qy --no-install-recommends "${missing[@]}"; } > build/packages.log 2>&1 ||
+        apt-get install -qy --no-install-recommends -o Dpkg::Options::=--force-confold "${missing[@]}"; } > build/packages.log 2>&1 ||
         { tail -n 20 build/packages.log; fail "these packages could not be installed: ${missing[*]}"; }
 }
 
