@@ -66,7 +66,7 @@ print_page() {
     cat << 'PAGE'
 # Performance
 
-`./bench.sh` writes this page. [bench/aims.txt](../bench/aims.txt) has the aims; `./bench.sh --check` compares.
+`./bench.sh` writes this page. `bench/aims.txt` has the aims; `./bench.sh --check` compares.
 
 "Bare" is what the measure is compared with, in the same run. "Growth" is the ratio divided by that of the size before.
 Instructions are counted by callgrind, without those of the preparation. Times and rates are of the least time of runs
