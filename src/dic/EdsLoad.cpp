@@ -366,7 +366,7 @@ CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char s
     return *m_entry;
 }
 
-// Kept out of the loop below, which is fast.
+// Apart from the loop below, which is fast.
 [[gnu::cold, gnu::noinline]] bool refuse(const CIniReader& reader, tEdsReport* report)
 {
     if (report) {
