@@ -15,6 +15,28 @@ find_clang > /dev/null || test_packages+=(clang)
 stage() { printf '\n== %s\n' "$*"; }
 fail() { printf '%s: %s\n' "${0##*/}" "$*" >&2; exit 1; }
 
+# Shows the lines that arrive, each in place of the one before it, cut to the width of the terminal.
+show_last_line() {
+    local line columns
+    columns=$(stty size 2> /dev/null < /dev/tty) && columns=${columns#* } || columns=0
+    ((columns > 0)) || columns=80
+    while IFS= read -r line; do printf '\r\033[K%s' "${line:0:columns-1}"; done
+    printf '\r\033[K'
+}
+
+# run_logged LOG COMMAND...: runs the command with its output in the log; on a terminal one line shows that it goes on:
+# the last one of the output, which counts up where ninja builds.
+run_logged() {
+    local log=$1
+    shift
+    if [ ! -t 1 ] || [ "${TERM:-dumb}" = dumb ]; then
+        "$@" > "$log" 2>&1
+        return
+    fi
+    "$@" 2>&1 | tee "$log" | show_last_line
+    return "${PIPESTATUS[0]}"
+}
+
 # install_missing PACKAGE...: installs the Debian packages that are not installed yet, with sudo where it is needed.
 # Where that is impossible it names the missing packages and ends the script. Nothing is asked: files of configuration
 # that are there stay.
@@ -30,8 +52,12 @@ install_missing() {
     fi
     command -v apt-get > /dev/null || fail "please install the equivalents of these Debian packages: ${missing[*]}"
     stage "Installing ${missing[*]}"
-    { "${run[@]}" apt-get update -q && "${run[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -qy --no-install-recommends -o Dpkg::Options::=--force-confold "${missing[@]}"; } > build/packages.log 2>&1 ||
+    # shellcheck disable=SC2317 # run_logged calls it
+    update_and_install() {
+        "${run[@]}" apt-get update -q && "${run[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -qy --no-install-recommends -o Dpkg::Options::=--force-confold "${missing[@]}"
+    }
+    run_logged build/packages.log update_and_install ||
         { tail -n 20 build/packages.log; fail "these packages could not be installed: ${missing[*]}"; }
 }
 
@@ -55,7 +81,7 @@ build() {
     [ "${cached##*/}" = "$compiler" ] || fresh=(--fresh)
     cmake --preset "$1" "${fresh[@]}" -D CMAKE_CXX_COMPILER="$compiler" > "build/$1.configure.log" 2>&1 ||
         { cat "build/$1.configure.log"; fail "configuring $1 failed"; }
-    cmake --build --preset "$1" -j "$(nproc)" "${targets[@]}" > "build/$1.build.log" 2>&1 ||
+    run_logged "build/$1.build.log" cmake --build --preset "$1" -j "$(nproc)" "${targets[@]}" ||
         { tail -n 60 "build/$1.build.log"; fail "building $1 failed"; }
     tail -n 1 "build/$1.build.log"
 }

@@ -106,7 +106,10 @@ constexpr tOptionRow optionRows[] = {
       readGateway },
     { "can", "INTERFACE", "Take part in the traffic of this CAN interface. Without --gateway no gateway is served.",
       readCan },
-    { "node", "ID=FILE", "Simulate the device of this data sheet as node ID (1 to 127). May be repeated.", readNode },
+    { "node", "ID=FILE",
+      "Simulate the device of this data sheet as node ID (1 to 127). May be repeated. The name of an installed sheet, "
+      "such as velmora-demo.eds, needs no folder.",
+      readNode },
     { "fault", "KIND[=NUMBER][@INDEX[:SUB]]",
       "Misbehave in SDO transfers, or only for one object or entry (hexadecimal). May be repeated; the first that fits "
       "counts. The kinds are listed below.",
@@ -122,6 +125,8 @@ void addOptions(QCommandLineParser& parser)
         { QStringLiteral("v"),
           QStringLiteral(
               "Log gateway commands and answers, SDO transfers, and NMT commands on CAN, on standard output.") });
+    parser.addOption({ QStringLiteral("time-stamps"),
+                       QStringLiteral("Begin each line on standard output with date and time, to the millisecond.") });
     parser.addHelpOption();
     parser.addOption({ QStringLiteral("version"), QStringLiteral("Displays version information.") });
 }
@@ -174,5 +179,6 @@ tOptions readOptions(const QStringList& arguments)
     else
         options.error = readValues(parser, options);
     options.verbose = parser.isSet(QStringLiteral("v"));
+    options.timeStamps = parser.isSet(QStringLiteral("time-stamps"));
     return options;
 }

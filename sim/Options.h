@@ -23,8 +23,9 @@ struct tOptions {
     QList<tNodeOption> nodes;
     QList<tFault> faults;
     bool verbose = false;
-    QString output; // to be printed instead of running, for --help and --version
-    QString error;  // what is wrong with the options; empty when they are right
+    bool timeStamps = false; // before the lines on standard output
+    QString output;          // to be printed instead of running, for --help and --version
+    QString error;           // what is wrong with the options; empty when they are right
 };
 
 /// Reads the arguments, the program's name first. Files are not opened.

@@ -6,6 +6,9 @@
 #include "gateway/SimulatedGateway.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
@@ -23,22 +26,48 @@ void print(const QByteArray& line)
     std::fflush(stdout);
 }
 
+void printWithTime(const QByteArray& line)
+{
+    print(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz ")).toLatin1() + line);
+}
+
+tLog printer(const tOptions& options)
+{
+    return options.timeStamps ? printWithTime : print;
+}
+
 int fail(const QString& error, tExitStatus status)
 {
     std::fprintf(stderr, "velmora-sim: %s\n", error.toLocal8Bit().constData());
-    if (status == exitOptions)
-        std::fputs("Try 'velmora-sim --help'.\n", stderr);
     return status;
 }
 
-QString addNodes(CSimulatedNetwork& network, const tOptions& options)
+int failWithHint(const QString& error)
+{
+    const int status = fail(error, exitOptions);
+    std::fputs("Try 'velmora-sim --help'.\n", stderr);
+    return status;
+}
+
+// The installed data sheet of this name, where there is no such file and the name has no folder; else the name.
+QString findSheet(const QString& fileName)
+{
+    const QString installed =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/velmora/") + fileName);
+    const bool given = fileName.contains(u'/') || QFileInfo::exists(fileName);
+    return !given && QFileInfo::exists(installed) ? installed : fileName;
+}
+
+// The exit status; `exitDone` when all devices are there.
+int addNodes(CSimulatedNetwork& network, const tOptions& options)
 {
     for (const tNodeOption& node : options.nodes) {
-        QString error = network.add(node.nodeId, node.fileName);
+        bool badSheet = false;
+        const QString error = network.add(node.nodeId, node.fileName, &badSheet);
         if (!error.isEmpty())
-            return error;
+            return badSheet ? fail(error, exitOptions) : failWithHint(error);
     }
-    return QString();
+    return exitDone;
 }
 
 QString serveGateway(CSimulatedGateway& gateway, const tOptions& options)
@@ -47,7 +76,7 @@ QString serveGateway(CSimulatedGateway& gateway, const tOptions& options)
         return QString();
     gateway.setFaults(options.faults);
     if (options.verbose)
-        gateway.setLog(print);
+        gateway.setLog(printer(options));
     const QString error = gateway.listen(*options.port, options.address);
     return error.isEmpty() ? error : QStringLiteral("cannot serve port %1: %2").arg(*options.port).arg(error);
 }
@@ -59,7 +88,7 @@ QString serveCan(std::unique_ptr<CCanDevice>& can, CSimulatedNetwork& network, c
     can = std::make_unique<CCanDevice>(network);
     can->setFaults(options.faults);
     if (options.verbose)
-        can->setLog(print);
+        can->setLog(printer(options));
     QObject::connect(can.get(), &CCanDevice::interfaceRemoved, qApp, [name = options.canInterface] {
         QCoreApplication::exit(fail(QStringLiteral("%1 was removed").arg(name), exitFrontEnd));
     });
@@ -69,29 +98,31 @@ QString serveCan(std::unique_ptr<CCanDevice>& can, CSimulatedNetwork& network, c
 
 void printStart(const CSimulatedNetwork& network, const CSimulatedGateway& gateway, const tOptions& options)
 {
+    const tLog log = printer(options);
     for (const tNodeOption& node : options.nodes)
-        print(QStringLiteral("node %1: %2 (%3 objects)")
-                  .arg(QString::number(node.nodeId), node.fileName,
-                       QString::number(network.node(node.nodeId)->objectCount()))
-                  .toLocal8Bit());
+        log(QStringLiteral("node %1: %2 (%3 objects)")
+                .arg(QString::number(node.nodeId), node.fileName,
+                     QString::number(network.node(node.nodeId)->objectCount()))
+                .toLocal8Bit());
     if (options.port)
-        print(QStringLiteral("velmora-sim: gateway on %1 port %2")
-                  .arg(options.address.toString(), QString::number(gateway.port()))
-                  .toLocal8Bit());
+        log(QStringLiteral("velmora-sim: gateway on %1 port %2")
+                .arg(options.address.toString(), QString::number(gateway.port()))
+                .toLocal8Bit());
     if (!options.canInterface.isEmpty())
-        print("velmora-sim: CAN on " + options.canInterface.toLocal8Bit());
+        log("velmora-sim: CAN on " + options.canInterface.toLocal8Bit());
 }
 
-int run(const tOptions& options)
+int run(tOptions options)
 {
+    for (tNodeOption& node : options.nodes)
+        node.fileName = findSheet(node.fileName);
     CSimulatedNetwork network;
-    QString error = addNodes(network, options);
-    if (!error.isEmpty())
-        return fail(error, exitOptions);
+    if (const int status = addNodes(network, options))
+        return status;
     CSignalQuit quit;
     CSimulatedGateway gateway(network);
     std::unique_ptr<CCanDevice> can;
-    error = serveGateway(gateway, options);
+    QString error = serveGateway(gateway, options);
     if (error.isEmpty())
         error = serveCan(can, network, options);
     if (!error.isEmpty())
@@ -107,7 +138,7 @@ int main(int argc, char* argv[])
     QCoreApplication application(argc, argv);
     const tOptions options = readOptions(application.arguments());
     if (!options.error.isEmpty())
-        return fail(options.error, exitOptions);
+        return failWithHint(options.error);
     if (options.output.isEmpty())
         return run(options);
     std::fputs(options.output.toLocal8Bit().constData(), stdout);

@@ -2,50 +2,21 @@
 // SPDX-License-Identifier: MIT
 #include "device/SimulatedNetwork.h"
 
-#include "dic/CANopen.h"
-#include "dic/CANopenReader.h"
+#include "dic/DataSheet.h"
 
-#include <QFile>
-#include <QFileInfo>
-
-#include <utility>
-
-namespace
-{
-
-// Why the file cannot be read; empty when it can. CCANopenReader would read such a file as an empty one.
-QString readError(const QString& fileName)
-{
-    const QFileInfo info(fileName);
-    if (!info.exists())
-        return QStringLiteral("no such file: %1").arg(fileName);
-    if (!info.isFile())
-        return QStringLiteral("not a file: %1").arg(fileName);
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot read %1").arg(fileName);
-    return QString();
-}
-
-} // namespace
-
-QString CSimulatedNetwork::add(unsigned nodeId, const QString& fileName)
+QString CSimulatedNetwork::add(unsigned nodeId, const QString& fileName, bool* badSheet)
 {
     if (nodeId < 1 || nodeId > lastNodeId)
         return QStringLiteral("node-id %1 is not in 1 to %2").arg(nodeId).arg(lastNodeId);
     if (node(nodeId) != nullptr)
         return QStringLiteral("node-id %1 is given twice").arg(nodeId);
-    QString error = readError(fileName);
-    if (!error.isEmpty())
-        return error;
-    CCANopen dictionary;
-    CCANopenReader reader(&dictionary, CCANopen::typeEDS);
-    if (!reader.load(QFile::encodeName(fileName).constData()))
-        return QStringLiteral("not a valid data sheet: %1").arg(fileName);
-    auto device = std::make_unique<CSimulatedNode>(nodeId, dictionary);
-    if (device->objectCount() == 0)
-        return QStringLiteral("no objects in %1").arg(fileName);
-    m_nodes.emplace(nodeId, std::move(device));
+    CDataSheet sheet;
+    const CDataSheet::tResult result = sheet.load(fileName);
+    if (badSheet != nullptr)
+        *badSheet = result == CDataSheet::refused;
+    if (result != CDataSheet::loaded)
+        return sheet.error();
+    m_nodes.emplace(nodeId, std::make_unique<CSimulatedNode>(nodeId, sheet.dictionary(), sheet.parameterValues()));
     return QString();
 }
 

@@ -13,10 +13,10 @@
 class CSimulatedNetwork
 {
 public:
-    /// Adds a device that serves the data sheet `fileName`.
+    /// Adds a device that serves the data sheet `fileName`, or a device configuration file (".dcf") with its values.
     /// @return an empty text, or what is wrong: the node-id (out of range or taken) or the file (unreadable, with a
-    /// syntax error, without objects)
-    QString add(unsigned nodeId, const QString& fileName);
+    /// syntax error, without objects). `badSheet`, where given, becomes true when the contents of the file are wrong
+    QString add(unsigned nodeId, const QString& fileName, bool* badSheet = nullptr);
 
     /// The device with this node-id; null when there is none. Owned by the network.
     CSimulatedNode* node(unsigned nodeId) const;

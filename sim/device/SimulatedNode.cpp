@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace
 {
@@ -65,13 +66,17 @@ constexpr tNmtRow nmtRows[] = {
 
 } // namespace
 
-CSimulatedNode::CSimulatedNode(unsigned nodeId, const CCANopen& dictionary)
+CSimulatedNode::CSimulatedNode(unsigned nodeId, const CCANopen& dictionary, const tParameterValues& configuration)
 {
     for (const auto& object : dictionary.m_objectArray) {
         if (!m_objects.insert(object->getIndex()).second)
             continue;
-        for (const auto& entry : object->m_objectEntryArray)
-            m_entries.emplace(keyOf(object->getIndex(), entry->getSubindex()), describe(*entry, nodeId));
+        for (const auto& source : object->m_objectEntryArray) {
+            tEntry entry = describe(*source, nodeId);
+            if (const auto value = configuration.find(source.get()); value != configuration.end())
+                entry.storedValue = entry.value = defaultFromText(value->second, entry.type, nodeId);
+            m_entries.emplace(keyOf(object->getIndex(), source->getSubindex()), std::move(entry));
+        }
     }
 }
 

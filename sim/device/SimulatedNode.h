@@ -4,6 +4,7 @@
 
 #include "device/AbortCodes.h"
 #include "device/ValueTypes.h"
+#include "dic/EdsLoad.h"
 
 #include <QByteArray>
 
@@ -11,9 +12,6 @@
 #include <map>
 #include <optional>
 #include <set>
-
-class CCANopen;
-class CCANopenObjectEntry;
 
 /// Devices have node-ids from 1 to this. The simulator has its own constant on purpose, as it has its own abort codes.
 constexpr unsigned lastNodeId = 127;
@@ -31,14 +29,15 @@ struct tSdoData {
     QByteArray data;
 };
 
-/// Serves the dictionary of a data sheet to all front-ends. Values start as the data sheet's defaults, and each device
-/// has its own; their bytes are in the order of the bus (little-endian).
+/// Serves the dictionary of a data sheet to all front-ends. Values start as the data sheet's defaults or as configured,
+/// and each device has its own; their bytes are in the order of the bus (little-endian).
 class CSimulatedNode
 {
 public:
     /// Copies what it needs from `dictionary`, with `nodeId` (1 to 127) in place of "$NODEID". Where the data sheet
-    /// describes an index or a sub-index twice, the first description counts.
-    CSimulatedNode(unsigned nodeId, const CCANopen& dictionary);
+    /// describes an index or a sub-index twice, the first description counts. Entries with a value among
+    /// `configuration` start with it, as if it had been stored (0x1010).
+    CSimulatedNode(unsigned nodeId, const CCANopen& dictionary, const tParameterValues& configuration = {});
 
     /// SDO upload of one entry.
     tSdoData read(unsigned index, unsigned subIndex) const;

@@ -75,7 +75,7 @@ private:
 class CEdsLoad
 {
 public:
-    explicit CEdsLoad(CCANopen& dictionary);
+    CEdsLoad(CCANopen& dictionary, tEdsReport* report);
 
     void enterSection(const char* name);
     void processKey(std::string_view key, const char* value);
@@ -88,6 +88,7 @@ public:
     QByteArray m_edsVersion = "4.0"; // for the device information, when its section begins
     QByteArray m_description = "";
     CTextPool m_pool;
+    tEdsReport* const m_report; // borrowed; may be null
 
     void declareObject(unsigned short index);
     CCANopenObjectEntry& appendEntry(unsigned short index, unsigned char subIndex, int category);
@@ -230,6 +231,10 @@ constexpr tKey<CEdsLoad> entryKeys[] = {
     { "HighLimit",    [](auto& load, auto value) { load.m_entry->setHighLimit(load.m_pool.text(value)); } },
     { "DefaultValue", [](auto& load, auto value) { load.m_entry->setDefaultValue(load.m_pool.text(value)); } },
     { "ObjFlags",     [](auto& load, auto value) { load.m_entry->setObjectFlags(number32(value)); } },
+    { "ParameterValue", [](auto& load, auto value) {
+        if (load.m_report && *value)
+            load.m_report->parameterValues[load.m_entry] = load.m_pool.text(value);
+    } },
 };
 // clang-format on
 
@@ -252,7 +257,7 @@ const CCANopenObject::tProfile& profileOf(unsigned short index)
     return row->profile;
 }
 
-CEdsLoad::CEdsLoad(CCANopen& dictionary) : m_dictionary(dictionary)
+CEdsLoad::CEdsLoad(CCANopen& dictionary, tEdsReport* report) : m_dictionary(dictionary), m_report(report)
 {
     for (const auto& object : dictionary.m_objectArray)
         m_firstObjects.add(*object);
@@ -361,12 +366,23 @@ CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char s
     return *m_entry;
 }
 
+// Apart from the loop below, which is fast.
+[[gnu::cold, gnu::noinline]] bool refuse(const CIniReader& reader, tEdsReport* report)
+{
+    if (report) {
+        report->line = reader.getLineOfError();
+        report->text = reader.textOfError();
+        report->rule = reader.ruleOfError();
+    }
+    return false;
+}
+
 } // namespace
 
-bool loadEdsFile(CCANopen& dictionary, const char* fileName)
+bool loadEdsFile(CCANopen& dictionary, const char* fileName, tEdsReport* report)
 {
     CIniReader reader(fileName);
-    CEdsLoad load(dictionary);
+    CEdsLoad load(dictionary, report);
     while (true) {
         switch (reader.moveToNextItem()) {
         case -1:
@@ -378,7 +394,7 @@ bool loadEdsFile(CCANopen& dictionary, const char* fileName)
             load.processKey(reader.keyName(), reader.keyValue());
             break;
         default:
-            return false;
+            return refuse(reader, report);
         }
     }
 }

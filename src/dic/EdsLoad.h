@@ -2,9 +2,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QString>
+
+#include <string>
+#include <unordered_map>
+
 class CCANopen;
+class CCANopenObjectEntry;
+
+/// The "ParameterValue" texts of a configured device, by the entries that they are written for. A text that is empty is
+/// left out.
+using tParameterValues = std::unordered_map<const CCANopenObjectEntry*, QString>;
+
+/// What a sheet tells besides its dictionary.
+struct tEdsReport {
+    tParameterValues parameterValues;
+    // Where reading stopped; after success line 0.
+    int line = 0;
+    std::string text; ///< of that line, UTF-8
+    const char* rule = "";
+};
 
 /// Reads the sheet (name as `QFile::encodeName` gives it) and adds what it describes to the dictionary, in time linear
-/// in the size of the file. A file that cannot be opened reads as an empty one.
+/// in the size of the file. A file that cannot be opened reads as an empty one. `report` is for those who ask for it.
 /// @return false after a line that is not INI syntax; what was read before it stays in the dictionary
-bool loadEdsFile(CCANopen& dictionary, const char* fileName);
+bool loadEdsFile(CCANopen& dictionary, const char* fileName, tEdsReport* report = nullptr);

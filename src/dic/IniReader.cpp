@@ -22,6 +22,14 @@ namespace
 std::int32_t nLine = -1; // number of the line reached; -1: no file was opened yet
 bool bSection = false;   // a section header was read and none of its items delivered
 
+// The grammar above in words, for whoever has to mend a file.
+constexpr char ruleOfComments[] = "after blanks a line holds nothing, or a comment that begins with \";\"";
+constexpr char ruleOfSections[] =
+    "a section is [NAME] of letters, digits and \"_\", followed by nothing or a comment that begins with \";\"";
+constexpr char ruleOfTheFirstKey[] = "a section comes before the first key";
+constexpr char ruleOfKeys[] =
+    "a key is NAME=VALUE, the name of letters, digits and \"_\" only; a comment begins with \";\"";
+
 // A character of UTF-8 and the number of its bytes. Bytes that are no UTF-8 give U+FFFD.
 struct tCharacter {
     char32_t code;
@@ -169,7 +177,7 @@ int CIniReader::moveToNextItem()
             continue;
         if (isCommentStart(line.front())) {
             if (!isRest(line))
-                return 0;
+                return refuse(line.data(), ruleOfComments);
         } else if (line.front() == '[') {
             if (!readSectionHeader(line))
                 return 0;
@@ -196,10 +204,11 @@ bool CIniReader::readSectionHeader(std::string_view line)
 {
     m_key = "";
     m_value = "";
+    const char* const start = line.data();
     takeCharacter(line, '[');
     m_section = nameAt(line);
     line.remove_prefix(m_section.size());
-    return takeCharacter(line, ']') && isName(m_section) && isRest(line);
+    return (takeCharacter(line, ']') && isName(m_section) && isRest(line)) || refuse(start, ruleOfSections);
 }
 
 bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
@@ -207,11 +216,11 @@ bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
     m_key = "";
     m_value = "";
     if (m_section.empty())
-        return false;
+        return refuse(bytes.data(), ruleOfTheFirstKey);
     m_key = nameAt(line);
     line.remove_prefix(m_key.size());
     if (!takeCharacter(line, '=') || !isName(m_key))
-        return false;
+        return refuse(bytes.data(), ruleOfKeys);
     m_value = trimmed(line.substr(0, line.find(';')));
     // A zero byte after the value: in the line where that goes on, else in a copy.
     char* const end = bytes.data() + (m_value.data() + m_value.size() - bytes.data());
@@ -225,6 +234,19 @@ bool CIniReader::readKeyLine(std::string_view line, std::span<char> bytes)
 void CIniReader::keepValue()
 {
     m_value = m_keptValue = std::string(m_value);
+}
+
+std::string_view CIniReader::textOfError() const
+{
+    return m_refusedLine != nullptr ? withoutLineEnd({ m_refusedLine, m_file.endOfLine() }) : std::string_view();
+}
+
+// `line` is the start of the line read last. Returns false.
+bool CIniReader::refuse(const char* line, const char* rule)
+{
+    m_refusedLine = line;
+    m_brokenRule = rule;
+    return false;
 }
 
 int CIniReader::getLineOfError() const

@@ -36,6 +36,10 @@ public:
 
     /// Number of the line reached, from 1; -1 before any file was opened.
     int getLineOfError() const;
+    /// After the result 0: that line as UTF-8, without its end. Valid as long as the reader.
+    std::string_view textOfError() const;
+    /// After the result 0: what the grammar asks for there, in words.
+    const char* ruleOfError() const { return m_brokenRule; }
 
     static const char* version();
 
@@ -44,6 +48,7 @@ private:
     bool readSectionHeader(std::string_view line);
     bool readKeyLine(std::string_view line, std::span<char> bytes);
     void keepValue();
+    [[gnu::cold, gnu::noinline]] bool refuse(const char* line, const char* rule);
 
     CLineFile m_file;
     std::string m_section;         // without brackets
@@ -51,4 +56,6 @@ private:
     std::string_view m_value = ""; // likewise; without white space at its ends, and a zero byte after it
     std::string m_keptKey;
     std::string m_keptValue;
+    const char* m_refusedLine = nullptr; // its start
+    const char* m_brokenRule = "";
 };

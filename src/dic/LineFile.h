@@ -42,6 +42,9 @@ public:
     /// @return UTF-8 that the caller may change, valid until the next call; empty at the end
     std::span<char> readLine();
 
+    /// The end of the line taken or read last.
+    const char* endOfLine() const { return m_next; }
+
 private:
     qint64 readBytes(char* bytes, qint64 most);
     bool isUtf8();

@@ -1,10 +1,14 @@
 // The program itself: its options, messages, exit statuses and log.
 // SPDX-License-Identifier: MIT
 #include "DemoSheet.h"
+#include "SheetFile.h"
 #include "SimulatorProcess.h"
 #include "gateway/LineClient.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
 
@@ -34,6 +38,9 @@ class TestSimulatorProgram : public QObject
 private Q_SLOTS:
     void badOptionsEndWithStatus2_data();
     void badOptionsEndWithStatus2();
+    void refusedSheetIsExplainedWithoutAHint_data();
+    void refusedSheetIsExplainedWithoutAHint();
+    void sheetWithoutFolderIsFoundWhereItIsInstalled();
     void occupiedPortEndsWithStatus1();
     void missingInterfaceEndsWithStatus1();
     void helpAndVersionEndWithStatus0();
@@ -41,6 +48,8 @@ private Q_SLOTS:
     void servesUntilASignalComes();
     void logFollowsTheCommands();
     void withoutLogOnlyTheStartIsPrinted();
+    void timeStampsBeginTheLinesOnRequest();
+    void configurationFileStartsWithItsValues();
     void faultOptionMisbehaves();
     void heartbeatTimeWithoutCanIsAValueLikeOthers();
 };
@@ -90,6 +99,56 @@ void TestSimulatorProgram::badOptionsEndWithStatus2()
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(QString::fromLocal8Bit(process.readAllStandardError()),
              QStringLiteral("velmora-sim: %1\nTry 'velmora-sim --help'.\n").arg(message));
+}
+
+void TestSimulatorProgram::refusedSheetIsExplainedWithoutAHint_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("syntax") << QByteArray("[a]\n# k=1\n")
+                            << QString(
+                                   "not a valid data sheet: FILE, line 2: \"# k=1\" (a key is NAME=VALUE, the name of "
+                                   "letters, digits and \"_\" only; a comment begins with \";\")");
+    QTest::newRow("no objects") << QByteArray("[Comments]\nLines=1\n") << QString("no objects in FILE");
+}
+
+void TestSimulatorProgram::refusedSheetIsExplainedWithoutAHint()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    const CSheetFile file(text);
+    QProcess process;
+    QCOMPARE(run(process, { "--gateway", "0", "--node", demoNode(), "--node", "6=" + file.name() }), 2);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(QString::fromLocal8Bit(process.readAllStandardError()),
+             "velmora-sim: " + message.replace("FILE", file.name()) + '\n');
+}
+
+// As `cmake --install` and the package put them: the program in bin, the sheets in share/velmora.
+void TestSimulatorProgram::sheetWithoutFolderIsFoundWhereItIsInstalled()
+{
+    const QTemporaryDir prefix;
+    QVERIFY(QDir(prefix.path()).mkpath("bin") && QDir(prefix.path()).mkpath("share/velmora"));
+    const QString program = prefix.filePath("bin/velmora-sim");
+    const QString sheet = prefix.filePath("share/velmora/demo.eds");
+    QVERIFY(QFile::copy(VELMORA_SIM, program) && QFile::copy(demoSheet(), sheet));
+    const auto firstLine = [&](const QString& name) {
+        QProcess process;
+        process.setWorkingDirectory(prefix.path());
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(program, { "--gateway", "0", "--node", "5=" + name });
+        while (!process.canReadLine() && process.waitForReadyRead(patience)) {
+        }
+        const QByteArray line = process.readLine();
+        process.terminate();
+        process.waitForFinished(patience);
+        return QString::fromLocal8Bit(line);
+    };
+    QVERIFY2(firstLine("demo.eds").startsWith("node 5: " + sheet + " ("), qPrintable(firstLine("demo.eds")));
+    QCOMPARE(firstLine("./demo.eds"), QString("velmora-sim: no such file: ./demo.eds\n"));
+    QCOMPARE(firstLine("other.eds"), QString("velmora-sim: no such file: other.eds\n"));
+    QVERIFY(QFile::copy(sheet, prefix.filePath("demo.eds"))); // one in the working folder comes first
+    QVERIFY(firstLine("demo.eds").startsWith("node 5: demo.eds ("));
 }
 
 void TestSimulatorProgram::occupiedPortEndsWithStatus1()
@@ -164,6 +223,36 @@ void TestSimulatorProgram::withoutLogOnlyTheStartIsPrinted()
     QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
     QCOMPARE(simulator.end(SIGTERM), 0);
     QCOMPARE(simulator.log().count('\n'), 2);
+}
+
+void TestSimulatorProgram::timeStampsBeginTheLinesOnRequest()
+{
+    const QDateTime before = QDateTime::currentDateTime();
+    CSimulatorProcess simulator({ "--time-stamps" });
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
+    QCOMPARE(client.ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
+    QVERIFY(simulator.hasLogged("node 5 read 0x1001 0x00 u8 = 0x00\n"));
+    QCOMPARE(simulator.end(SIGTERM), 0);
+    static const QRegularExpression stamped(R"(^(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3}) \S.*$)");
+    const QStringList lines = QString(simulator.log()).split('\n', Qt::SkipEmptyParts);
+    QVERIFY2(lines.size() >= 3, simulator.log());
+    for (const QString& line : lines) {
+        const auto match = stamped.match(line);
+        QVERIFY2(match.hasMatch(), qPrintable(line));
+        const QDateTime time = QDateTime::fromString(match.captured(1), "yyyy-MM-dd hh:mm:ss.zzz");
+        QVERIFY2(before <= time && time <= QDateTime::currentDateTime(), qPrintable(line));
+    }
+}
+
+void TestSimulatorProgram::configurationFileStartsWithItsValues()
+{
+    const CSheetFile file(sheetOf(0x2000, 5, "rw", "Value", "DefaultValue=5\nParameterValue=$NODEID+1\n"),
+                          "device.dcf");
+    CSimulatorProcess simulator({ "--node", "6=" + file.name() });
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    CLineClient client(simulator.port());
+    QCOMPARE(client.ask("[1] 6 read 0x2000 0x0 u8"), QByteArray("[1] 0x07"));
 }
 
 void TestSimulatorProgram::faultOptionMisbehaves()

@@ -25,6 +25,46 @@ AccessType=ro
 DefaultValue=$NODEID+0x80
 )";
 
+// A device configuration: values of entries besides their defaults.
+const char configuredSheet[] = R"([OptionalObjects]
+1=0x1011
+[ManufacturerObjects]
+1=0x2000
+2=0x2001
+3=0x2002
+4=0x2003
+[1011]
+ParameterName=Restore
+ObjectType=0x8
+[1011sub1]
+DataType=0x0007
+AccessType=rw
+[2000]
+ObjectType=0x7
+DataType=0x0005
+AccessType=rw
+DefaultValue=5
+ParameterValue=9
+[2001]
+ObjectType=0x7
+DataType=0x0005
+AccessType=ro
+DefaultValue=1
+ParameterValue=$NodeId + 0x10
+[2002]
+ObjectType=0x7
+DataType=0x0005
+AccessType=ro
+DefaultValue=3
+ParameterValue=
+[2003]
+ObjectType=0x7
+DataType=0x0005
+AccessType=ro
+DefaultValue=4
+ParameterValue=four
+)";
+
 } // namespace
 
 class TestSimulatedNetwork : public QObject
@@ -34,6 +74,9 @@ class TestSimulatedNetwork : public QObject
 private Q_SLOTS:
     void devicesAreFoundByTheirNodeId();
     void devicesOfOneSheetKeepTheirOwnValues();
+    void configuredDeviceStartsWithItsValues();
+    void electronicDataSheetStartsWithDefaults();
+    void configurationIsRestoredAsAStoredOne();
     void commandToAllReachesEachDevice();
     void sheetsThatCannotBeServedAreRefused_data();
     void sheetsThatCannotBeServedAreRefused();
@@ -63,6 +106,42 @@ void TestSimulatedNetwork::devicesOfOneSheetKeepTheirOwnValues()
     QCOMPARE(network.node(7)->read(0x2001, 0).data, QByteArray("\x87"));
 }
 
+void TestSimulatedNetwork::configuredDeviceStartsWithItsValues()
+{
+    const CSheetFile file(configuredSheet, QStringLiteral("device.dcf"));
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, file.name()), QString());
+    QCOMPARE(network.add(7, file.name()), QString());
+    QCOMPARE(network.node(5)->read(0x2000, 0).data, QByteArray("\x09"));
+    QCOMPARE(network.node(5)->read(0x2001, 0).data, QByteArray("\x15"));
+    QCOMPARE(network.node(7)->read(0x2001, 0).data, QByteArray("\x17"));
+    QCOMPARE(network.node(5)->read(0x2002, 0).data, QByteArray("\x03"));  // has no value
+    QCOMPARE(network.node(5)->read(0x2003, 0).data, QByteArray(1, '\0')); // has one that is no number
+}
+
+void TestSimulatedNetwork::electronicDataSheetStartsWithDefaults()
+{
+    const CSheetFile file(configuredSheet);
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, file.name()), QString());
+    QCOMPARE(network.node(5)->read(0x2000, 0).data, QByteArray("\x05"));
+    QCOMPARE(network.node(5)->read(0x2003, 0).data, QByteArray("\x04"));
+}
+
+void TestSimulatedNetwork::configurationIsRestoredAsAStoredOne()
+{
+    const CSheetFile file(configuredSheet, QStringLiteral("device.dcf"));
+    CSimulatedNetwork network;
+    QCOMPARE(network.add(5, file.name()), QString());
+    CSimulatedNode& node = *network.node(5);
+    QCOMPARE(node.write(0x2000, 0, "\x01"), abortNone);
+    node.command(nmtResetNode);
+    QCOMPARE(node.read(0x2000, 0).data, QByteArray("\x09"));
+    QCOMPARE(node.write(0x1011, 1, "load"), abortNone);
+    node.command(nmtResetNode);
+    QCOMPARE(node.read(0x2000, 0).data, QByteArray("\x05"));
+}
+
 void TestSimulatedNetwork::commandToAllReachesEachDevice()
 {
     CSimulatedNetwork network;
@@ -86,7 +165,9 @@ void TestSimulatedNetwork::sheetsThatCannotBeServedAreRefused_data()
     QTest::newRow("node 0") << 0U << QByteArray(sheet) << QString("node-id 0 is not in 1 to 127");
     QTest::newRow("node 128") << 128U << QByteArray(sheet) << QString("node-id 128 is not in 1 to 127");
     QTest::newRow("node taken") << 5U << QByteArray(sheet) << QString("node-id 5 is given twice");
-    QTest::newRow("syntax error") << 6U << QByteArray("[1000\n") << QString("not a valid data sheet: %1");
+    QTest::newRow("syntax error") << 6U << QByteArray("[a]\nk\n")
+                                  << QString("not a valid data sheet: %1, line 2: \"k\" (a key is NAME=VALUE, the name "
+                                             "of letters, digits and \"_\" only; a comment begins with \";\")");
     QTest::newRow("empty") << 6U << QByteArray() << QString("no objects in %1");
 }
 

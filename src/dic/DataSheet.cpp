@@ -1,0 +1,99 @@
+// A data sheet with the values of a configuration, and with the reason when it is refused.
+// SPDX-License-Identifier: MIT
+#include "dic/DataSheet.h"
+
+#include "dic/Utf8Text.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace
+{
+
+constexpr qsizetype longestLine = 80; // characters of a line in a message
+
+// Why the file cannot be read; empty when it can. The reader would take such a file as an empty one.
+QString readError(const QString& fileName)
+{
+    const QFileInfo info(fileName);
+    if (!info.exists())
+        return QStringLiteral("no such file: %1").arg(fileName);
+    if (!info.isFile())
+        return QStringLiteral("not a file: %1").arg(fileName);
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot read %1").arg(fileName);
+    return QString();
+}
+
+QString refusal(const QString& fileName, const tEdsReport& report)
+{
+    return QStringLiteral("not a valid data sheet: %1, line %2: \"%3\" (%4)")
+        .arg(fileName, QString::number(report.line), visibleLine(textFromUtf8(report.text)),
+             QLatin1String(report.rule));
+}
+
+bool isVisible(char32_t character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Other_PrivateUse:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    default:
+        return true;
+    }
+}
+
+QString visibleCharacter(char32_t character)
+{
+    if (isVisible(character))
+        return QString::fromUcs4(&character, 1);
+    if (character == U'\t')
+        return QStringLiteral("\\t");
+    if (character == U'\r')
+        return QStringLiteral("\\r");
+    const QString digits = QString::number(character, 16).toUpper();
+    return character < 0x100 ? QStringLiteral("\\x") + digits.rightJustified(2, u'0')
+                             : QStringLiteral("\\u") + digits.rightJustified(4, u'0');
+}
+
+} // namespace
+
+CDataSheet::tResult CDataSheet::load(const QString& fileName)
+{
+    m_error = readError(fileName);
+    if (!m_error.isEmpty())
+        return noFile;
+    m_dictionary.m_fileName = fileName;
+    m_dictionary.m_fileType =
+        fileName.endsWith(QLatin1String(".dcf"), Qt::CaseInsensitive) ? CCANopen::typeDCF : CCANopen::typeEDS;
+    tEdsReport report;
+    if (!loadEdsFile(m_dictionary, QFile::encodeName(fileName).constData(), &report)) {
+        m_error = refusal(fileName, report);
+        return refused;
+    }
+    if (m_dictionary.m_objectArray.empty()) {
+        m_error = QStringLiteral("no objects in %1").arg(fileName);
+        return refused;
+    }
+    if (m_dictionary.m_fileType == CCANopen::typeDCF)
+        m_parameterValues = std::move(report.parameterValues);
+    return loaded;
+}
+
+QString visibleLine(const QString& line)
+{
+    QString visible;
+    for (const char32_t character : line.toUcs4()) {
+        const QString text = visibleCharacter(character);
+        if (visible.size() + text.size() > longestLine)
+            return visible + QStringLiteral("...");
+        visible += text;
+    }
+    return visible;
+}
