@@ -5,6 +5,7 @@
 #include "base/NodeId.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/WholeRows.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -41,7 +42,7 @@ CConnectNodeDialog::CConnectNodeDialog(QWidget* parent, const char* name) : QDia
 
     // Kept: selecting an item leaves the spin box alone, and Connect takes the node-id of the spin box. A double click
     // takes that of the item.
-    m_nodeIdListBox = new QListWidget(this);
+    m_nodeIdListBox = new CWholeRows<QListWidget>(this);
     for (int nodeId = firstNodeId; nodeId <= highestNodeId; ++nodeId)
         m_nodeIdListBox->addItem(QStringLiteral("Node %1").arg(nodeId));
     fieldRow::describe(m_nodeIdListBox, listText);

@@ -5,6 +5,7 @@
 #include "base/Assertion.h"
 #include "dic/CANopen.h"
 #include "widgets/FieldRow.h"
+#include "widgets/ScreenRoom.h"
 #include "widgets/WindowTitle.h"
 
 #include <QDialogButtonBox>
@@ -230,7 +231,7 @@ CDeviceInfoDialog::CDeviceInfoDialog(QWidget* parent, const char* name) : QDialo
     layout->addWidget(m_tabWidget);
     layout->addWidget(buttons);
     m_tabWidget->setFocus(); // the arrow keys turn the pages
-    resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 72, 0)));
+    resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 72, 0)).boundedTo(screenRoom::largest(this)));
 }
 
 QGridLayout* CDeviceInfoDialog::createPage(const char* name, const char* label)

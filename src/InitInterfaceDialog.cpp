@@ -22,7 +22,8 @@ namespace
 constexpr char identity[] = "$Id: InitInterfaceDialog.cpp 61 2009-11-09 $";
 
 constexpr QSize smallestSize(330, 170);
-constexpr int initialBaudrate = 3; // 250 kbit/s
+constexpr int shownCharacters = 21; // "255.255.255.255:65535"
+constexpr int initialBaudrate = 3;  // 250 kbit/s
 
 constexpr tFieldText interfaceText = {
     "interface combo box", "&Interface:", "Interface to initialize",
@@ -89,6 +90,8 @@ void CInitInterfaceDialog::createFields(QGridLayout* grid)
     m_interfaceComboBox->setEditable(true);
     m_interfaceComboBox->setCompleter(nullptr);
     m_interfaceComboBox->setDuplicatesEnabled(false);
+    m_interfaceComboBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // whatever it holds
+    m_interfaceComboBox->setMinimumContentsLength(shownCharacters);
     fieldRow::describe(m_interfaceComboBox, interfaceText);
     grid->addWidget(fieldRow::createLabel(m_interfaceComboBox, interfaceText), 0, 0);
     grid->addWidget(m_interfaceComboBox, 0, 1, 1, 2);

@@ -8,6 +8,7 @@
 #include "dic/CANopenReader.h"
 #include "widgets/DictionaryListView.h"
 #include "widgets/DictionaryTree.h"
+#include "widgets/DocumentSplitter.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WaitCursor.h"
@@ -124,6 +125,7 @@ void CMDIWindow::populateDictionaryList()
     const QString root =
         isOffline() ? QStringLiteral("CANopen: Object dictionary") : QStringLiteral("CANopen: Node #%1").arg(m_nodeId);
     dictionaryTree::populate(m_dictionaryListView, root, m_dictionary);
+    m_splitter->fitNames();
 }
 
 void CMDIWindow::mouseLeftPressed(QTreeWidgetItem* item)

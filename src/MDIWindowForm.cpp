@@ -3,7 +3,10 @@
 #include "MDIWindow.h"
 
 #include "widgets/DictionaryListView.h"
+#include "widgets/DocumentSplitter.h"
 #include "widgets/FieldRow.h"
+#include "widgets/FormArea.h"
+#include "widgets/TextField.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -13,7 +16,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSplitter>
 
 #include <algorithm>
 
@@ -27,7 +29,8 @@ using tAccess = CMDIWindow::tDataAccess;
 // A group box is a grid of four columns: label, field, label, field.
 constexpr int columns = 4;
 
-/// A widget of a group box: its place in the record, its words and the cell where it (or its label) starts.
+/// A widget of a group box: its place in the record, its words and the cell where it (or its label) starts. A field is
+/// wide enough for its sample text.
 template <typename Record, typename Widget>
 struct tRow {
     Widget* Record::*member;
@@ -35,7 +38,12 @@ struct tRow {
     int row;
     int column;
     int span;
+    const char* sample = "";
 };
+
+constexpr char sampleType[] = "Unsigned32";
+constexpr char sampleRange[] = "0x00000000,..,0xFFFFFFFF";
+constexpr char sampleValue[] = "0x000F0191";
 
 constexpr tFieldText listViewText = {
     "object dictionary list view",
@@ -54,7 +62,8 @@ constexpr tRow<tObject, QLineEdit> objectFields[] = {
     { &tObject::m_codeLineEdit,
       { "object code line edit", "Object code:", "Object code", "Object code: VAR, ARRAY, RECORD, ...." }, 1, 0, 2 },
     { &tObject::m_typeLineEdit,
-      { "object data type line edit", "Data type:", "Data type", "Data type of the object." }, 1, 2, 2 },
+      { "object data type line edit", "Data type:", "Data type", "Data type of the object." }, 1, 2, 2,
+      sampleType },
 };
 constexpr tRow<tObject, QCheckBox> objectMarks[] = {
     { &tObject::m_compoundCheckBox,
@@ -69,14 +78,16 @@ constexpr tRow<tEntry, QLineEdit> entryFields[] = {
     { &tEntry::m_nameLineEdit,
       { "parameter name line edit", "Parameter name:", "Parameter name", "Name of the parameter." }, 0, 0, 4 },
     { &tEntry::m_typeLineEdit,
-      { "parameter data type line edit", "Data type:", "Data type", "Data type of the parameter." }, 1, 0, 2 },
+      { "parameter data type line edit", "Data type:", "Data type", "Data type of the parameter." }, 1, 0, 2,
+      sampleType },
     { &tEntry::m_accessLineEdit,
       { "access type line edit", "Access type:", "Access type", "Access type of the parameter." }, 1, 2, 2 },
     { &tEntry::m_rangeLineEdit,
-      { "value range line edit", "Value range:", "Value range", "Value range of the parameter if given." }, 2, 0, 2 },
+      { "value range line edit", "Value range:", "Value range", "Value range of the parameter if given." }, 2, 0, 2,
+      sampleRange },
     { &tEntry::m_defaultLineEdit,
       { "default value line edit", "Default value:", "Default value", "Default value of the parameter if given." },
-      2, 2, 2 },
+      2, 2, 2, sampleValue },
 };
 constexpr tRow<tEntry, QCheckBox> entryMarks[] = {
     { &tEntry::m_mandatoryCheckBox,
@@ -90,10 +101,10 @@ constexpr tRow<tEntry, QCheckBox> entryMarks[] = {
 constexpr tRow<tAccess, QLineEdit> accessFields[] = {
     { &tAccess::m_inputLineEdit,
       { "new value line edit", "Enter new &value:", "New parameter value",
-        "Input field to enter a new parameter value." }, 0, 0, 3 },
+        "Input field to enter a new parameter value." }, 0, 0, 3, sampleValue },
     { &tAccess::m_outputLineEdit,
       { "actual value line edit", "Parameter value:", "Actual parameter value",
-        "Actual parameter value read from the device." }, 1, 0, 3 },
+        "Actual parameter value read from the device." }, 1, 0, 3, sampleValue },
 };
 constexpr tRow<tAccess, QPushButton> accessButtons[] = {
     { &tAccess::m_sendPushButton,
@@ -149,7 +160,7 @@ template <typename Record, std::size_t N>
 void addFields(QGroupBox* box, Record& record, const tRow<Record, QLineEdit> (&table)[N])
 {
     for (const auto& row : table) {
-        auto* field = new QLineEdit(box);
+        auto* field = new CTextField(box, row.sample);
         fieldRow::describe(field, row.texts);
         field->setReadOnly(true);
         field->setMaxLength(fieldRow::longestText);
@@ -207,24 +218,20 @@ void CMDIWindow::createWidgets()
     layout->setObjectName(QStringLiteral("client window layout"));
     layout->setContentsMargins(11, 11, 11, 11);
     layout->setSpacing(6);
-    auto* splitter = new QSplitter(Qt::Horizontal, client);
-    splitter->setObjectName(QStringLiteral("client splitter window"));
-    splitter->setChildrenCollapsible(false);
-    layout->addWidget(splitter);
+    m_splitter = new CDocumentSplitter(client);
+    m_splitter->setObjectName(QStringLiteral("client splitter window"));
+    layout->addWidget(m_splitter);
 
-    createDictionaryListView(splitter);
-    createAttributesForm(splitter);
-    splitter->setStretchFactor(0, 2);
-    splitter->setStretchFactor(1, 3);
-    splitter->setSizes({ 225, 465 });
+    createDictionaryListView();
+    m_splitter->setHalves(m_dictionaryListView, createAttributesForm());
     setCentralWidget(client);
     connectWidgets();
     m_dictionaryListView->setFocus(); // key presses go to the tree first
 }
 
-void CMDIWindow::createDictionaryListView(QSplitter* parent)
+void CMDIWindow::createDictionaryListView()
 {
-    m_dictionaryListView = new CDictionaryListView(parent);
+    m_dictionaryListView = new CDictionaryListView(m_splitter);
     fieldRow::describe(m_dictionaryListView, listViewText);
     m_dictionaryListView->setHeaderLabel(QLatin1String(listViewText.label));
     m_dictionaryListView->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -239,10 +246,12 @@ void CMDIWindow::createDictionaryListView(QSplitter* parent)
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-void CMDIWindow::createAttributesForm(QSplitter* parent)
+CFormArea* CMDIWindow::createAttributesForm()
 {
-    auto* form = new QWidget(parent);
-    form->setObjectName(QStringLiteral("object attributes form widget"));
+    auto* area = new CFormArea(m_splitter);
+    area->setObjectName(QStringLiteral("object attributes form widget"));
+    auto* form = new QWidget(area);
+    form->setObjectName(QStringLiteral("object attributes widget"));
     auto* layout = new QVBoxLayout(form);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
@@ -261,6 +270,8 @@ void CMDIWindow::createAttributesForm(QSplitter* parent)
     layout->addStretch(1);
     alignLabels({ m_objectGroupBox, m_entryGroupBox, m_accessGroupBox }, 0);
     alignLabels({ m_objectGroupBox, m_entryGroupBox }, 2);
+    area->setWidget(form);
+    return area;
 }
 
 void CMDIWindow::createDataAccess()

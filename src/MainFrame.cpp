@@ -7,6 +7,7 @@
 #include "base/Product.h"
 #include "widgets/ImageIcon.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/ScreenRoom.h"
 #include "widgets/Settings.h"
 #include "widgets/WindowTitle.h"
 
@@ -75,7 +76,7 @@ CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags)
     connectActionsAndMenus();
     connect(this, &QWidget::windowTitleChanged, this, &CMainFrame::keepCaption);
 
-    resize(initialSize);
+    resize(initialSize.boundedTo(screenRoom::largest(this)));
     status(QStringLiteral("Ready"));
 }
 
@@ -222,6 +223,17 @@ void CMainFrame::deviceInfo()
     const QMdiSubWindow* frame = activeSubWindow();
     if (auto* document = frame != nullptr ? qobject_cast<CMDIWindow*>(frame->widget()) : nullptr)
         document->showDeviceInfo();
+}
+
+// Qt gives every document the size that it would like, even one that goes beyond the workspace.
+void CMainFrame::cascade()
+{
+    m_workspace->cascadeSubWindows();
+    const QSize room = m_workspace->viewport()->size();
+    for (QMdiSubWindow* frame : m_workspace->subWindowList()) {
+        const QSize most(room.width() - frame->x(), room.height() - frame->y());
+        frame->resize(frame->size().boundedTo(most).expandedTo(frame->minimumSizeHint()));
+    }
 }
 
 void CMainFrame::helpTopic()

@@ -67,6 +67,7 @@ private:
     void createToolBar();
     void createWorkspace();
     void connectActionsAndMenus();
+    void cascade();
     void keepCaption(const QString& title);
 
     void openFile(const QString& fileName);

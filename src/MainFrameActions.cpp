@@ -79,7 +79,7 @@ const CMainFrame::tAction CMainFrame::actions[] = {
       &CMainFrame::m_interfacePropertiesAction, [](CMainFrame& frame) { frame.interfaceProperties(); } },
     { "file cascade", "Cascade", "&Cascade", "", "", "Arrange all windows so they overlap",
       "Use the <i>Cascade</i> command from the <i>Windows</i> menu to arrange all windows so they overlap", // sic
-      &CMainFrame::m_windowsCascadeAction, [](CMainFrame& frame) { frame.m_workspace->cascadeSubWindows(); } },
+      &CMainFrame::m_windowsCascadeAction, [](CMainFrame& frame) { frame.cascade(); } },
     { "file tile", "Tile", "&Tile", "", "", "Arrange all windows as non-overlapping tiles",
       "Use the <i>Tile</i> command from the <i>Windows</i> menu to arrange all windows as non-overlapping tiles.",
       &CMainFrame::m_windowsTileAction, [](CMainFrame& frame) { frame.m_workspace->tileSubWindows(); } },

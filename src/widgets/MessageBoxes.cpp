@@ -3,10 +3,14 @@
 #include "widgets/MessageBoxes.h"
 
 #include "base/Product.h"
+#include "widgets/ScreenRoom.h"
 
 #include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QStyle>
 
 namespace
@@ -24,6 +28,28 @@ void widenToTitle(QMessageBox* box)
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
+// A text that would make the box higher than the screen scrolls. The label, which is the text of the box for everyone
+// who asks for it, keeps it and is hidden.
+void keepOnScreen(QMessageBox* box)
+{
+    const QSize most = screenRoom::largest(box);
+    const QSize area(most.width() / 2, most.height() / 2);
+    const QRect needed = box->fontMetrics().boundingRect(
+        QRect(0, 0, area.width(), 0), Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::TextExpandTabs, box->text());
+    auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (needed.height() <= area.height() || label == nullptr)
+        return;
+
+    auto* text = new QPlainTextEdit(box->text(), box);
+    text->setObjectName(QStringLiteral("message text edit"));
+    text->setReadOnly(true);
+    text->setTabChangesFocus(true);
+    text->setMinimumSize(area);
+    delete box->layout()->replaceWidget(label, text);
+    label->hide();
+    box->button(QMessageBox::Ok)->setFocus(); // not the text
+}
+
 // On the heap, since a parent that is deleted while its box runs deletes the box as well.
 void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text, bool windowIcon = false)
 {
@@ -34,6 +60,7 @@ void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const Q
         box->setIconPixmap(parent->windowIcon().pixmap(QSize(size, size), parent->devicePixelRatioF()));
     }
     widenToTitle(box);
+    keepOnScreen(box);
     box->exec();
     delete box;
 }
