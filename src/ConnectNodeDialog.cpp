@@ -23,7 +23,7 @@ constexpr QSize smallestSize(500, 310);
 constexpr int firstNodeId = 1;
 
 constexpr tFieldText listText = { "node-id list box", "", "Select a node-id.",
-                                  "Select the node-id. for the device to connect." };
+                                  "Select the node-id. for the device to connect.", "Nodes" };
 constexpr tFieldText spinText = { "node-id spin box", "&Node-Id.:", "Enter a node-id.",
                                   "Enter the node-id. for the device to connect." };
 constexpr tFieldText connectText = { "connect push button", "&Connect", "On-line mode ", // sic

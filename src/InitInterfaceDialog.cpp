@@ -6,12 +6,14 @@
 #include "dic/CANopenDeviceInfo.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/NamedComboBox.h"
 #include "widgets/Settings.h"
 
-#include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -81,14 +83,25 @@ CInitInterfaceDialog::CInitInterfaceDialog(QWidget* parent, const char* name) : 
     setMinimumSize(smallestSize.expandedTo(minimumSizeHint()));
     resize(minimumSize());
     m_interfaceComboBox->setFocus();
+    if (parent != nullptr)
+        parent->installEventFilter(this);
+}
+
+// At the start of the program the window manager places the frame only after the dialog was centred on it.
+bool CInitInterfaceDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Move && isVisible() && !isActiveWindow())
+        adjustPosition(parentWidget());
+    return QDialog::eventFilter(watched, event);
 }
 
 void CInitInterfaceDialog::createFields(QGridLayout* grid)
 {
     // Without a completer: it would turn "CAN1" into the "can1" of the history.
-    m_interfaceComboBox = new QComboBox(this);
+    m_interfaceComboBox = new CNamedComboBox(this);
     m_interfaceComboBox->setEditable(true);
     m_interfaceComboBox->setCompleter(nullptr);
+    m_interfaceComboBox->lineEdit()->setAccessibleName(QStringLiteral("Interface"));
     m_interfaceComboBox->setDuplicatesEnabled(false);
     m_interfaceComboBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // whatever it holds
     m_interfaceComboBox->setMinimumContentsLength(shownCharacters);
@@ -96,7 +109,7 @@ void CInitInterfaceDialog::createFields(QGridLayout* grid)
     grid->addWidget(fieldRow::createLabel(m_interfaceComboBox, interfaceText), 0, 0);
     grid->addWidget(m_interfaceComboBox, 0, 1, 1, 2);
 
-    m_baudrateComboBox = new QComboBox(this);
+    m_baudrateComboBox = new CNamedComboBox(this);
     m_masterIdSpinBox = new QSpinBox(this);
     m_masterIdSpinBox->setRange(0, highestNodeId);
     const tRowLabels baudrate = addRow(grid, m_baudrateComboBox, baudrateText, "Kbps (CiA Bit-timing)");

@@ -44,6 +44,7 @@ CMDIWindow::CMDIWindow(QWidget* parent, const char* name, Qt::WindowFlags flags)
     : QMainWindow(parent, flags), m_CANopen(nullptr), m_nodeId(0), m_index(0), m_subIndex(noSubIndex)
 {
     setObjectName(QLatin1String(name));
+    setAccessibleName(QStringLiteral("Document")); // the window around it is called by the file
     createWidgets();
     m_dataAccess.m_displayMode = settings::displayMode();
     checkDisplayModeButton();

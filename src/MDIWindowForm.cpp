@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
+#include "widgets/CheckMark.h"
 #include "widgets/DictionaryListView.h"
 #include "widgets/DocumentSplitter.h"
 #include "widgets/FieldRow.h"
 #include "widgets/FormArea.h"
 #include "widgets/TextField.h"
 
-#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -53,6 +53,7 @@ constexpr tFieldText listViewText = {
     "EDS-File or from a XML-File. On the left side of the window all objects are listed in a tree view order by "
     "categories. To navigate through the object tree use either the cursor-up/-down keys or click with the mouse on an "
     "item. On the right side all attributes and attribute values of the highlighted object are shown.",
+    "Objects and entries",
 };
 
 // clang-format off
@@ -127,16 +128,6 @@ constexpr tRow<tAccess, QRadioButton> displayModes[] = {
 };
 // clang-format on
 
-/// A check box that only shows: no click or key changes it, but it is not greyed out.
-class CCheckMark : public QCheckBox
-{
-public:
-    explicit CCheckMark(QWidget* parent) : QCheckBox(parent) { setFocusPolicy(Qt::NoFocus); }
-
-protected:
-    bool hitButton(const QPoint&) const override { return false; }
-};
-
 QGroupBox* createGroupBox(QWidget* parent, const char* name, const char* title)
 {
     auto* box = new QGroupBox(QLatin1String(title), parent);
@@ -164,7 +155,6 @@ void addFields(QGroupBox* box, Record& record, const tRow<Record, QLineEdit> (&t
         fieldRow::describe(field, row.texts);
         field->setReadOnly(true);
         field->setMaxLength(fieldRow::longestText);
-        field->setFocusPolicy(Qt::ClickFocus); // its text can be selected and copied
         record.*row.member = field;
         gridOf(box)->addWidget(fieldRow::createLabel(field, row.texts), row.row, row.column);
         gridOf(box)->addWidget(field, row.row, row.column + 1, 1, row.span - 1);
@@ -233,6 +223,8 @@ void CMDIWindow::createDictionaryListView()
 {
     m_dictionaryListView = new CDictionaryListView(m_splitter);
     fieldRow::describe(m_dictionaryListView, listViewText);
+    m_dictionaryListView->setAccessibleDescription(QStringLiteral(
+        "By category. The cursor keys move, Return shows an object or entry and opens or closes its item."));
     m_dictionaryListView->setHeaderLabel(QLatin1String(listViewText.label));
     m_dictionaryListView->setSelectionMode(QAbstractItemView::SingleSelection);
     m_dictionaryListView->setIndentation(15);
@@ -278,8 +270,6 @@ void CMDIWindow::createDataAccess()
 {
     addFields(m_accessGroupBox, m_dataAccess, accessFields);
     m_dataAccess.m_inputLineEdit->setReadOnly(false);
-    m_dataAccess.m_inputLineEdit->setFocusPolicy(Qt::StrongFocus);
-    m_dataAccess.m_outputLineEdit->setFocusPolicy(Qt::StrongFocus); // reached by keys, to copy its text
 
     QGridLayout* grid = gridOf(m_accessGroupBox);
     grid->setColumnStretch(3, 0);
@@ -293,6 +283,12 @@ void CMDIWindow::createDataAccess()
         modes->addWidget(createButton(m_accessGroupBox, m_dataAccess, row));
     modes->addStretch(1);
     grid->addLayout(modes, displayModes[0].row, 0, 1, columns);
+
+    // Row by row, as it is read. Elsewhere the widgets have been created in this order.
+    setTabOrder(m_dataAccess.m_inputLineEdit, m_dataAccess.m_sendPushButton);
+    setTabOrder(m_dataAccess.m_sendPushButton, m_dataAccess.m_outputLineEdit);
+    setTabOrder(m_dataAccess.m_outputLineEdit, m_dataAccess.m_readPushButton);
+    setTabOrder(m_dataAccess.m_readPushButton, m_dataAccess.m_hexRadioButton);
 }
 
 void CMDIWindow::connectWidgets()

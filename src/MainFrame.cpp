@@ -20,6 +20,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
+#include <QSizeGrip>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -65,7 +66,7 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
-    statusBar(); // creates it
+    statusBar()->findChild<QSizeGrip*>()->setAccessibleName(QStringLiteral("Size of the window"));
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
@@ -94,6 +95,7 @@ void CMainFrame::createWorkspace()
     box->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_workspace = new QMdiArea(box);
     m_workspace->setObjectName(QStringLiteral("workspace"));
+    m_workspace->setAccessibleName(QStringLiteral("Documents"));
     m_workspace->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_workspace->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_workspace->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);

@@ -21,6 +21,8 @@ void CDocumentSplitter::setHalves(CDictionaryListView* tree, CFormArea* form)
     addWidget(form);
     setStretchFactor(0, 2);
     setStretchFactor(1, 3);
+    setAccessibleName(QStringLiteral("Tree and attributes"));
+    handle(1)->setAccessibleName(QStringLiteral("Width of the tree"));
 }
 
 void CDocumentSplitter::fitNames()

@@ -42,6 +42,7 @@ void keepOnScreen(QMessageBox* box)
 
     auto* text = new QPlainTextEdit(box->text(), box);
     text->setObjectName(QStringLiteral("message text edit"));
+    text->setAccessibleName(box->windowTitle());
     text->setReadOnly(true);
     text->setTabChangesFocus(true);
     text->setMinimumSize(area);

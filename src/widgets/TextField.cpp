@@ -1,7 +1,8 @@
-// The width of a line edit for a value or a name.
+// A line edit for a value or a name: its width, and how the keys go through a read-only one.
 // SPDX-License-Identifier: MIT
 #include "widgets/TextField.h"
 
+#include <QKeyEvent>
 #include <QStyle>
 #include <QStyleOptionFrame>
 
@@ -13,4 +14,19 @@ QSize CTextField::minimumSizeHint() const
     initStyleOption(&option);
     const QSize text(fontMetrics().horizontalAdvance(QLatin1String(m_sample)) + space, 0);
     return least.expandedTo(style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, this));
+}
+
+void CTextField::focusInEvent(QFocusEvent* event)
+{
+    QLineEdit::focusInEvent(event);
+    if (isReadOnly() && hasSelectedText())
+        setSelection(int(text().size()), -int(text().size())); // with the cursor at the beginning
+}
+
+// Otherwise the first step would be to the end of the selection.
+void CTextField::keyPressEvent(QKeyEvent* event)
+{
+    if (isReadOnly() && hasSelectedText() && cursorPosition() == 0 && event->matches(QKeySequence::MoveToNextChar))
+        deselect();
+    QLineEdit::keyPressEvent(event);
 }

@@ -4,7 +4,8 @@
 
 #include <QLineEdit>
 
-/// Never narrower than its sample text.
+/// Never narrower than its sample text. A read-only field that the Tab key reaches is selected, ready to be copied, but
+/// shows its beginning, from where the cursor keys scroll.
 class CTextField : public QLineEdit
 {
     Q_OBJECT
@@ -13,6 +14,10 @@ public:
     explicit CTextField(QWidget* parent, const char* sample = "") : QLineEdit(parent), m_sample(sample) {}
 
     QSize minimumSizeHint() const override;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     const char* m_sample;
