@@ -5,6 +5,7 @@
 #include "base/Assertion.h"
 #include "dic/CANopen.h"
 #include "widgets/FieldRow.h"
+#include "widgets/MessageBoxes.h"
 #include "widgets/ScreenRoom.h"
 #include "widgets/TextField.h"
 #include "widgets/WindowTitle.h"
@@ -233,6 +234,7 @@ CDeviceInfoDialog::CDeviceInfoDialog(QWidget* parent, const char* name) : QDialo
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabWidget);
     layout->addWidget(buttons);
+    messageBox::removeButtonIcons(this);
     m_tabWidget->setFocus(); // the arrow keys turn the pages
     resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 72, 0)).boundedTo(screenRoom::largest(this)));
 }

@@ -18,7 +18,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
 #include <QSizeGrip>
 #include <QStatusBar>
@@ -92,6 +91,7 @@ void CMainFrame::createWorkspace()
 {
     auto* box = new QFrame(this);
     box->setObjectName(QStringLiteral("workspace frame"));
+    box->setAccessibleName(QStringLiteral("Workspace"));
     box->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_workspace = new QMdiArea(box);
     m_workspace->setObjectName(QStringLiteral("workspace"));
@@ -167,6 +167,7 @@ void CMainFrame::fileOpen()
     dialog->setObjectName(QStringLiteral("file open dialog"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
+    messageBox::removeButtonIcons(dialog);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) // deleted together with the frame
         return;
@@ -255,7 +256,7 @@ void CMainFrame::helpAbout()
 
 void CMainFrame::helpAboutQt()
 {
-    QMessageBox::aboutQt(this, productTitle());
+    messageBox::aboutQt(this, productTitle());
 }
 
 void CMainFrame::fileMenuAboutToShow()

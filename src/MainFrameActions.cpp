@@ -157,6 +157,7 @@ void CMainFrame::createMenus()
         }
         auto* menu = new QMenu(QLatin1String(row.title), this);
         menu->setObjectName(QLatin1String(row.name));
+        menu->setAccessibleName(menu->title().remove(QLatin1Char('&')));
         addItems(menu, row.items);
         if (row.member != nullptr)
             this->*row.member = menu;

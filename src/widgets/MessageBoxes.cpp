@@ -5,6 +5,8 @@
 #include "base/Product.h"
 #include "widgets/ScreenRoom.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
@@ -60,11 +62,28 @@ void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const Q
         const int size = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
         box->setIconPixmap(parent->windowIcon().pixmap(QSize(size, size), parent->devicePixelRatioF()));
     }
+    messageBox::removeButtonIcons(box);
     widenToTitle(box);
     keepOnScreen(box);
     box->exec();
     delete box;
 }
+
+// Takes the icons off the boxes that come up while it lives.
+class CBoxesWithoutIcons : public QObject
+{
+public:
+    CBoxesWithoutIcons() { qApp->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show)
+            if (const auto* box = qobject_cast<QMessageBox*>(watched))
+                messageBox::removeButtonIcons(box);
+        return QObject::eventFilter(watched, event);
+    }
+};
 
 } // namespace
 
@@ -91,4 +110,16 @@ void messageBox::critical(QWidget* parent, const QString& title, const QString& 
 void messageBox::about(QWidget* parent, const QString& title, const QString& text)
 {
     show(parent, QMessageBox::NoIcon, title, text, true);
+}
+
+void messageBox::aboutQt(QWidget* parent, const QString& title)
+{
+    const CBoxesWithoutIcons watch;
+    QMessageBox::aboutQt(parent, title);
+}
+
+void messageBox::removeButtonIcons(const QWidget* dialog)
+{
+    for (QPushButton* button : dialog->findChildren<QPushButton*>())
+        button->setIcon(QIcon());
 }

@@ -1,4 +1,4 @@
-// A line edit for a value or a name: its width, and how the keys go through a read-only one.
+// A line edit for a value or a name: its width and colour, and how the keys go through a read-only one.
 // SPDX-License-Identifier: MIT
 #include "widgets/TextField.h"
 
@@ -14,6 +14,26 @@ QSize CTextField::minimumSizeHint() const
     initStyleOption(&option);
     const QSize text(fontMetrics().horizontalAdvance(QLatin1String(m_sample)) + space, 0);
     return least.expandedTo(style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, this));
+}
+
+void CTextField::adaptColour()
+{
+    QPalette colours; // only what is set here differs from the parent's
+    if (isReadOnly())
+        for (const QPalette::ColorGroup group : { QPalette::Active, QPalette::Inactive, QPalette::Disabled })
+            colours.setColor(group, QPalette::Base, palette().color(group, QPalette::Window));
+    setPalette(colours);
+}
+
+bool CTextField::event(QEvent* event)
+{
+    const bool done = QLineEdit::event(event);
+    const bool newColours =
+        event->type() == QEvent::PaletteChange && isReadOnly() &&
+        palette().color(QPalette::Active, QPalette::Base) != palette().color(QPalette::Active, QPalette::Window);
+    if (event->type() == QEvent::ReadOnlyChange || newColours)
+        adaptColour();
+    return done;
 }
 
 void CTextField::focusInEvent(QFocusEvent* event)

@@ -4,7 +4,7 @@
 
 #include <QLineEdit>
 
-/// Never narrower than its sample text. A read-only field that the Tab key reaches is selected, ready to be copied, but
+/// Never narrower than its sample text. A read-only field has the colour of the window and not that of an input. One that the Tab key reaches is selected, ready to be copied, but
 /// shows its beginning, from where the cursor keys scroll.
 class CTextField : public QLineEdit
 {
@@ -16,9 +16,12 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    bool event(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void adaptColour();
+
     const char* m_sample;
 };
