@@ -6,6 +6,7 @@
 #include "widgets/ScreenRoom.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
@@ -78,9 +79,10 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Show)
-            if (const auto* box = qobject_cast<QMessageBox*>(watched))
-                messageBox::removeButtonIcons(box);
+        // A box without a button gets one while it is shown.
+        if (event->type() == QEvent::ChildPolished)
+            if (const auto* buttons = qobject_cast<QDialogButtonBox*>(watched))
+                messageBox::removeButtonIcons(buttons);
         return QObject::eventFilter(watched, event);
     }
 };
