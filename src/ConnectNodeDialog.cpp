@@ -5,6 +5,7 @@
 #include "base/NodeId.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/WholeRows.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -22,7 +23,7 @@ constexpr QSize smallestSize(500, 310);
 constexpr int firstNodeId = 1;
 
 constexpr tFieldText listText = { "node-id list box", "", "Select a node-id.",
-                                  "Select the node-id. for the device to connect." };
+                                  "Select the node-id. for the device to connect.", "Nodes" };
 constexpr tFieldText spinText = { "node-id spin box", "&Node-Id.:", "Enter a node-id.",
                                   "Enter the node-id. for the device to connect." };
 constexpr tFieldText connectText = { "connect push button", "&Connect", "On-line mode ", // sic
@@ -41,7 +42,7 @@ CConnectNodeDialog::CConnectNodeDialog(QWidget* parent, const char* name) : QDia
 
     // Kept: selecting an item leaves the spin box alone, and Connect takes the node-id of the spin box. A double click
     // takes that of the item.
-    m_nodeIdListBox = new QListWidget(this);
+    m_nodeIdListBox = new CWholeRows<QListWidget>(this);
     for (int nodeId = firstNodeId; nodeId <= highestNodeId; ++nodeId)
         m_nodeIdListBox->addItem(QStringLiteral("Node %1").arg(nodeId));
     fieldRow::describe(m_nodeIdListBox, listText);

@@ -5,6 +5,9 @@
 #include "base/Assertion.h"
 #include "dic/CANopen.h"
 #include "widgets/FieldRow.h"
+#include "widgets/MessageBoxes.h"
+#include "widgets/ScreenRoom.h"
+#include "widgets/TextField.h"
 #include "widgets/WindowTitle.h"
 
 #include <QDialogButtonBox>
@@ -12,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -91,28 +95,28 @@ constexpr tRow<tPage1, tInfo> page1[] = {
 // Kept: 100 kbit/s, index 5, has no row: compatible behaviour.
 constexpr char baudrateHelp[] = "Shows if the given baud rate is supported.";
 constexpr tRow<tPage2, tInfo> page2[] = {
-    { { "baud rate 1000 line edit", "", "Baud rate index 0", baudrateHelp },
+    { { "baud rate 1000 line edit", "", "Baud rate index 0", baudrateHelp, "Baud rate 1000 kbit/s" },
       &tPage2::m_baudrate1000LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate1000), "1.0 MBit/s  %1 supported"); } },
-    { { "baud rate 800 line edit", "", "Baud rate index 1", baudrateHelp },
+    { { "baud rate 800 line edit", "", "Baud rate index 1", baudrateHelp, "Baud rate 800 kbit/s" },
       &tPage2::m_baudrate800LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate800), "800 kBit/s  %1 supported"); } },
-    { { "baud rate 500 line edit", "", "Baud rate index 2", baudrateHelp },
+    { { "baud rate 500 line edit", "", "Baud rate index 2", baudrateHelp, "Baud rate 500 kbit/s" },
       &tPage2::m_baudrate500LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate500), "500 kBit/s  %1 supported"); } },
-    { { "baud rate 250 line edit", "", "Baud rate index 3", baudrateHelp },
+    { { "baud rate 250 line edit", "", "Baud rate index 3", baudrateHelp, "Baud rate 250 kbit/s" },
       &tPage2::m_baudrate250LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate250), "250 kBit/s  %1 supported"); } },
-    { { "baud rate 125 line edit", "", "Baud rate index 4", baudrateHelp },
+    { { "baud rate 125 line edit", "", "Baud rate index 4", baudrateHelp, "Baud rate 125 kbit/s" },
       &tPage2::m_baudrate125LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate125), "125 kBit/s  %1 supported"); } },
-    { { "baud rate 50 line edit", "", "Baud rate index 6", baudrateHelp },
+    { { "baud rate 50 line edit", "", "Baud rate index 6", baudrateHelp, "Baud rate 50 kbit/s" },
       &tPage2::m_baudrate50LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate50), "50 kBit/s  %1 supported"); } },
-    { { "baud rate 20 line edit", "", "Baud rate index 7", baudrateHelp },
+    { { "baud rate 20 line edit", "", "Baud rate index 7", baudrateHelp, "Baud rate 20 kbit/s" },
       &tPage2::m_baudrate20LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate20), "20 kBit/s  %1 supported"); } },
-    { { "baud rate 10 line edit", "", "Baud rate index 8", baudrateHelp },
+    { { "baud rate 10 line edit", "", "Baud rate index 8", baudrateHelp, "Baud rate 10 kbit/s" },
       &tPage2::m_baudrate10LineEdit,
       [](const tInfo& info) { return supported(info.getBaudrate(tInfo::baudrate10), "10 kBit/s  %1 supported"); } },
 };
@@ -179,7 +183,7 @@ template <typename Page, typename Source, std::size_t N>
 void createFields(QGridLayout* grid, Page& page, const tRow<Page, Source> (&table)[N])
 {
     for (const tRow<Page, Source>& row : table) {
-        auto* field = new QLineEdit(grid->parentWidget());
+        auto* field = new CTextField(grid->parentWidget());
         field->setReadOnly(true);
         field->setMaxLength(fieldRow::longestText);
         fieldRow::describe(field, row.texts);
@@ -212,6 +216,7 @@ CDeviceInfoDialog::CDeviceInfoDialog(QWidget* parent, const char* name) : QDialo
 
     m_tabWidget = new QTabWidget(this);
     m_tabWidget->setObjectName(QStringLiteral("device info tab widget"));
+    m_tabWidget->tabBar()->setAccessibleName(QStringLiteral("Pages"));
     createFields(createPage("device info page 1", "Device Info (1)"), m_page1, page1);
     QGridLayout* baudrates = createPage("device info page 2", "DeviceInfo (2)"); // sic
     auto* baudrateLabel = new QLabel(QStringLiteral("Baud rate:"), baudrates->parentWidget());
@@ -229,8 +234,9 @@ CDeviceInfoDialog::CDeviceInfoDialog(QWidget* parent, const char* name) : QDialo
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabWidget);
     layout->addWidget(buttons);
+    messageBox::removeButtonIcons(this);
     m_tabWidget->setFocus(); // the arrow keys turn the pages
-    resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 72, 0)));
+    resize(sizeHint().expandedTo(QSize(fontMetrics().averageCharWidth() * 72, 0)).boundedTo(screenRoom::largest(this)));
 }
 
 QGridLayout* CDeviceInfoDialog::createPage(const char* name, const char* label)

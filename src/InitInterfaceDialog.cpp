@@ -6,12 +6,14 @@
 #include "dic/CANopenDeviceInfo.h"
 #include "widgets/FieldRow.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/NamedComboBox.h"
 #include "widgets/Settings.h"
 
-#include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -22,7 +24,8 @@ namespace
 constexpr char identity[] = "$Id: InitInterfaceDialog.cpp 61 2009-11-09 $";
 
 constexpr QSize smallestSize(330, 170);
-constexpr int initialBaudrate = 3; // 250 kbit/s
+constexpr int shownCharacters = 21; // "255.255.255.255:65535"
+constexpr int initialBaudrate = 3;  // 250 kbit/s
 
 constexpr tFieldText interfaceText = {
     "interface combo box", "&Interface:", "Interface to initialize",
@@ -80,20 +83,33 @@ CInitInterfaceDialog::CInitInterfaceDialog(QWidget* parent, const char* name) : 
     setMinimumSize(smallestSize.expandedTo(minimumSizeHint()));
     resize(minimumSize());
     m_interfaceComboBox->setFocus();
+    if (parent != nullptr)
+        parent->installEventFilter(this);
+}
+
+// At the start of the program the window manager places the frame only after the dialog was centred on it.
+bool CInitInterfaceDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Move && isVisible() && !isActiveWindow())
+        adjustPosition(parentWidget());
+    return QDialog::eventFilter(watched, event);
 }
 
 void CInitInterfaceDialog::createFields(QGridLayout* grid)
 {
     // Without a completer: it would turn "CAN1" into the "can1" of the history.
-    m_interfaceComboBox = new QComboBox(this);
+    m_interfaceComboBox = new CNamedComboBox(this);
     m_interfaceComboBox->setEditable(true);
     m_interfaceComboBox->setCompleter(nullptr);
+    m_interfaceComboBox->lineEdit()->setAccessibleName(QStringLiteral("Interface"));
     m_interfaceComboBox->setDuplicatesEnabled(false);
+    m_interfaceComboBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // whatever it holds
+    m_interfaceComboBox->setMinimumContentsLength(shownCharacters);
     fieldRow::describe(m_interfaceComboBox, interfaceText);
     grid->addWidget(fieldRow::createLabel(m_interfaceComboBox, interfaceText), 0, 0);
     grid->addWidget(m_interfaceComboBox, 0, 1, 1, 2);
 
-    m_baudrateComboBox = new QComboBox(this);
+    m_baudrateComboBox = new CNamedComboBox(this);
     m_masterIdSpinBox = new QSpinBox(this);
     m_masterIdSpinBox->setRange(0, highestNodeId);
     const tRowLabels baudrate = addRow(grid, m_baudrateComboBox, baudrateText, "Kbps (CiA Bit-timing)");

@@ -36,6 +36,9 @@ public Q_SLOTS:
     /// Accepts when an interface is given, otherwise warns and stays open.
     void acceptInitialize();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void createFields(QGridLayout* grid);
     void createButtons();

@@ -8,6 +8,7 @@
 #include "dic/CANopenReader.h"
 #include "widgets/DictionaryListView.h"
 #include "widgets/DictionaryTree.h"
+#include "widgets/DocumentSplitter.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WaitCursor.h"
@@ -43,6 +44,7 @@ CMDIWindow::CMDIWindow(QWidget* parent, const char* name, Qt::WindowFlags flags)
     : QMainWindow(parent, flags), m_CANopen(nullptr), m_nodeId(0), m_index(0), m_subIndex(noSubIndex)
 {
     setObjectName(QLatin1String(name));
+    setAccessibleName(QStringLiteral("Document")); // the window around it is called by the file
     createWidgets();
     m_dataAccess.m_displayMode = settings::displayMode();
     checkDisplayModeButton();
@@ -124,6 +126,7 @@ void CMDIWindow::populateDictionaryList()
     const QString root =
         isOffline() ? QStringLiteral("CANopen: Object dictionary") : QStringLiteral("CANopen: Node #%1").arg(m_nodeId);
     dictionaryTree::populate(m_dictionaryListView, root, m_dictionary);
+    m_splitter->fitNames();
 }
 
 void CMDIWindow::mouseLeftPressed(QTreeWidgetItem* item)

@@ -9,12 +9,13 @@
 
 class CCANopenAccess;
 class CDictionaryListView;
+class CDocumentSplitter;
+class CFormArea;
 class QCheckBox;
 class QGroupBox;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
-class QSplitter;
 class QTreeWidgetItem;
 
 namespace parameterTransfer
@@ -81,8 +82,8 @@ Q_SIGNALS:
 
 private:
     void createWidgets();
-    void createDictionaryListView(QSplitter* parent);
-    void createAttributesForm(QSplitter* parent);
+    void createDictionaryListView();
+    CFormArea* createAttributesForm();
     void createDataAccess();
     void connectWidgets();
 
@@ -110,6 +111,7 @@ private:
 
     QString m_fileName;
     CCANopen m_dictionary;
+    CDocumentSplitter* m_splitter;
     CDictionaryListView* m_dictionaryListView;
     QGroupBox* m_objectGroupBox;
     QGroupBox* m_entryGroupBox;

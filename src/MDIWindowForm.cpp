@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "MDIWindow.h"
 
+#include "widgets/CheckMark.h"
 #include "widgets/DictionaryListView.h"
+#include "widgets/DocumentSplitter.h"
 #include "widgets/FieldRow.h"
+#include "widgets/FormArea.h"
+#include "widgets/TextField.h"
 
-#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -13,7 +16,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSplitter>
 
 #include <algorithm>
 
@@ -27,7 +29,8 @@ using tAccess = CMDIWindow::tDataAccess;
 // A group box is a grid of four columns: label, field, label, field.
 constexpr int columns = 4;
 
-/// A widget of a group box: its place in the record, its words and the cell where it (or its label) starts.
+/// A widget of a group box: its place in the record, its words and the cell where it (or its label) starts. A field is
+/// wide enough for its sample text.
 template <typename Record, typename Widget>
 struct tRow {
     Widget* Record::*member;
@@ -35,7 +38,12 @@ struct tRow {
     int row;
     int column;
     int span;
+    const char* sample = "";
 };
+
+constexpr char sampleType[] = "Unsigned32";
+constexpr char sampleRange[] = "0x00000000,..,0xFFFFFFFF";
+constexpr char sampleValue[] = "0x000F0191";
 
 constexpr tFieldText listViewText = {
     "object dictionary list view",
@@ -45,6 +53,7 @@ constexpr tFieldText listViewText = {
     "EDS-File or from a XML-File. On the left side of the window all objects are listed in a tree view order by "
     "categories. To navigate through the object tree use either the cursor-up/-down keys or click with the mouse on an "
     "item. On the right side all attributes and attribute values of the highlighted object are shown.",
+    "Objects and entries",
 };
 
 // clang-format off
@@ -54,7 +63,8 @@ constexpr tRow<tObject, QLineEdit> objectFields[] = {
     { &tObject::m_codeLineEdit,
       { "object code line edit", "Object code:", "Object code", "Object code: VAR, ARRAY, RECORD, ...." }, 1, 0, 2 },
     { &tObject::m_typeLineEdit,
-      { "object data type line edit", "Data type:", "Data type", "Data type of the object." }, 1, 2, 2 },
+      { "object data type line edit", "Data type:", "Data type", "Data type of the object." }, 1, 2, 2,
+      sampleType },
 };
 constexpr tRow<tObject, QCheckBox> objectMarks[] = {
     { &tObject::m_compoundCheckBox,
@@ -69,14 +79,16 @@ constexpr tRow<tEntry, QLineEdit> entryFields[] = {
     { &tEntry::m_nameLineEdit,
       { "parameter name line edit", "Parameter name:", "Parameter name", "Name of the parameter." }, 0, 0, 4 },
     { &tEntry::m_typeLineEdit,
-      { "parameter data type line edit", "Data type:", "Data type", "Data type of the parameter." }, 1, 0, 2 },
+      { "parameter data type line edit", "Data type:", "Data type", "Data type of the parameter." }, 1, 0, 2,
+      sampleType },
     { &tEntry::m_accessLineEdit,
       { "access type line edit", "Access type:", "Access type", "Access type of the parameter." }, 1, 2, 2 },
     { &tEntry::m_rangeLineEdit,
-      { "value range line edit", "Value range:", "Value range", "Value range of the parameter if given." }, 2, 0, 2 },
+      { "value range line edit", "Value range:", "Value range", "Value range of the parameter if given." }, 2, 0, 2,
+      sampleRange },
     { &tEntry::m_defaultLineEdit,
       { "default value line edit", "Default value:", "Default value", "Default value of the parameter if given." },
-      2, 2, 2 },
+      2, 2, 2, sampleValue },
 };
 constexpr tRow<tEntry, QCheckBox> entryMarks[] = {
     { &tEntry::m_mandatoryCheckBox,
@@ -90,10 +102,10 @@ constexpr tRow<tEntry, QCheckBox> entryMarks[] = {
 constexpr tRow<tAccess, QLineEdit> accessFields[] = {
     { &tAccess::m_inputLineEdit,
       { "new value line edit", "Enter new &value:", "New parameter value",
-        "Input field to enter a new parameter value." }, 0, 0, 3 },
+        "Input field to enter a new parameter value." }, 0, 0, 3, sampleValue },
     { &tAccess::m_outputLineEdit,
       { "actual value line edit", "Parameter value:", "Actual parameter value",
-        "Actual parameter value read from the device." }, 1, 0, 3 },
+        "Actual parameter value read from the device." }, 1, 0, 3, sampleValue },
 };
 constexpr tRow<tAccess, QPushButton> accessButtons[] = {
     { &tAccess::m_sendPushButton,
@@ -115,16 +127,6 @@ constexpr tRow<tAccess, QRadioButton> displayModes[] = {
         "Radio button to display the actual parameter value in octal format." }, 2, 2, 1 },
 };
 // clang-format on
-
-/// A check box that only shows: no click or key changes it, but it is not greyed out.
-class CCheckMark : public QCheckBox
-{
-public:
-    explicit CCheckMark(QWidget* parent) : QCheckBox(parent) { setFocusPolicy(Qt::NoFocus); }
-
-protected:
-    bool hitButton(const QPoint&) const override { return false; }
-};
 
 QGroupBox* createGroupBox(QWidget* parent, const char* name, const char* title)
 {
@@ -149,11 +151,10 @@ template <typename Record, std::size_t N>
 void addFields(QGroupBox* box, Record& record, const tRow<Record, QLineEdit> (&table)[N])
 {
     for (const auto& row : table) {
-        auto* field = new QLineEdit(box);
+        auto* field = new CTextField(box, row.sample);
         fieldRow::describe(field, row.texts);
         field->setReadOnly(true);
         field->setMaxLength(fieldRow::longestText);
-        field->setFocusPolicy(Qt::ClickFocus); // its text can be selected and copied
         record.*row.member = field;
         gridOf(box)->addWidget(fieldRow::createLabel(field, row.texts), row.row, row.column);
         gridOf(box)->addWidget(field, row.row, row.column + 1, 1, row.span - 1);
@@ -207,25 +208,23 @@ void CMDIWindow::createWidgets()
     layout->setObjectName(QStringLiteral("client window layout"));
     layout->setContentsMargins(11, 11, 11, 11);
     layout->setSpacing(6);
-    auto* splitter = new QSplitter(Qt::Horizontal, client);
-    splitter->setObjectName(QStringLiteral("client splitter window"));
-    splitter->setChildrenCollapsible(false);
-    layout->addWidget(splitter);
+    m_splitter = new CDocumentSplitter(client);
+    m_splitter->setObjectName(QStringLiteral("client splitter window"));
+    layout->addWidget(m_splitter);
 
-    createDictionaryListView(splitter);
-    createAttributesForm(splitter);
-    splitter->setStretchFactor(0, 2);
-    splitter->setStretchFactor(1, 3);
-    splitter->setSizes({ 225, 465 });
+    createDictionaryListView();
+    m_splitter->setHalves(m_dictionaryListView, createAttributesForm());
     setCentralWidget(client);
     connectWidgets();
     m_dictionaryListView->setFocus(); // key presses go to the tree first
 }
 
-void CMDIWindow::createDictionaryListView(QSplitter* parent)
+void CMDIWindow::createDictionaryListView()
 {
-    m_dictionaryListView = new CDictionaryListView(parent);
+    m_dictionaryListView = new CDictionaryListView(m_splitter);
     fieldRow::describe(m_dictionaryListView, listViewText);
+    m_dictionaryListView->setAccessibleDescription(QStringLiteral(
+        "By category. The cursor keys move, Return shows an object or entry and opens or closes its item."));
     m_dictionaryListView->setHeaderLabel(QLatin1String(listViewText.label));
     m_dictionaryListView->setSelectionMode(QAbstractItemView::SingleSelection);
     m_dictionaryListView->setIndentation(15);
@@ -239,10 +238,12 @@ void CMDIWindow::createDictionaryListView(QSplitter* parent)
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-void CMDIWindow::createAttributesForm(QSplitter* parent)
+CFormArea* CMDIWindow::createAttributesForm()
 {
-    auto* form = new QWidget(parent);
-    form->setObjectName(QStringLiteral("object attributes form widget"));
+    auto* area = new CFormArea(m_splitter);
+    area->setObjectName(QStringLiteral("object attributes form widget"));
+    auto* form = new QWidget(area);
+    form->setObjectName(QStringLiteral("object attributes widget"));
     auto* layout = new QVBoxLayout(form);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
@@ -261,14 +262,14 @@ void CMDIWindow::createAttributesForm(QSplitter* parent)
     layout->addStretch(1);
     alignLabels({ m_objectGroupBox, m_entryGroupBox, m_accessGroupBox }, 0);
     alignLabels({ m_objectGroupBox, m_entryGroupBox }, 2);
+    area->setWidget(form);
+    return area;
 }
 
 void CMDIWindow::createDataAccess()
 {
     addFields(m_accessGroupBox, m_dataAccess, accessFields);
     m_dataAccess.m_inputLineEdit->setReadOnly(false);
-    m_dataAccess.m_inputLineEdit->setFocusPolicy(Qt::StrongFocus);
-    m_dataAccess.m_outputLineEdit->setFocusPolicy(Qt::StrongFocus); // reached by keys, to copy its text
 
     QGridLayout* grid = gridOf(m_accessGroupBox);
     grid->setColumnStretch(3, 0);
@@ -282,6 +283,12 @@ void CMDIWindow::createDataAccess()
         modes->addWidget(createButton(m_accessGroupBox, m_dataAccess, row));
     modes->addStretch(1);
     grid->addLayout(modes, displayModes[0].row, 0, 1, columns);
+
+    // Row by row, as it is read. Elsewhere the widgets have been created in this order.
+    setTabOrder(m_dataAccess.m_inputLineEdit, m_dataAccess.m_sendPushButton);
+    setTabOrder(m_dataAccess.m_sendPushButton, m_dataAccess.m_outputLineEdit);
+    setTabOrder(m_dataAccess.m_outputLineEdit, m_dataAccess.m_readPushButton);
+    setTabOrder(m_dataAccess.m_readPushButton, m_dataAccess.m_hexRadioButton);
 }
 
 void CMDIWindow::connectWidgets()

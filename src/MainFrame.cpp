@@ -7,6 +7,7 @@
 #include "base/Product.h"
 #include "widgets/ImageIcon.h"
 #include "widgets/MessageBoxes.h"
+#include "widgets/ScreenRoom.h"
 #include "widgets/Settings.h"
 #include "widgets/WindowTitle.h"
 
@@ -17,8 +18,8 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
+#include <QSizeGrip>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -64,7 +65,7 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
-    statusBar(); // creates it
+    statusBar()->findChild<QSizeGrip*>()->setAccessibleName(QStringLiteral("Size of the window"));
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
@@ -75,7 +76,7 @@ CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags)
     connectActionsAndMenus();
     connect(this, &QWidget::windowTitleChanged, this, &CMainFrame::keepCaption);
 
-    resize(initialSize);
+    resize(initialSize.boundedTo(screenRoom::largest(this)));
     status(QStringLiteral("Ready"));
 }
 
@@ -90,9 +91,11 @@ void CMainFrame::createWorkspace()
 {
     auto* box = new QFrame(this);
     box->setObjectName(QStringLiteral("workspace frame"));
+    box->setAccessibleName(QStringLiteral("Workspace"));
     box->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_workspace = new QMdiArea(box);
     m_workspace->setObjectName(QStringLiteral("workspace"));
+    m_workspace->setAccessibleName(QStringLiteral("Documents"));
     m_workspace->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_workspace->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_workspace->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
@@ -164,6 +167,7 @@ void CMainFrame::fileOpen()
     dialog->setObjectName(QStringLiteral("file open dialog"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
+    messageBox::removeButtonIcons(dialog);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) // deleted together with the frame
         return;
@@ -224,6 +228,17 @@ void CMainFrame::deviceInfo()
         document->showDeviceInfo();
 }
 
+// Qt gives every document the size that it would like, even one that goes beyond the workspace.
+void CMainFrame::cascade()
+{
+    m_workspace->cascadeSubWindows();
+    const QSize room = m_workspace->viewport()->size();
+    for (QMdiSubWindow* frame : m_workspace->subWindowList()) {
+        const QSize most(room.width() - frame->x(), room.height() - frame->y());
+        frame->resize(frame->size().boundedTo(most).expandedTo(frame->minimumSizeHint()));
+    }
+}
+
 void CMainFrame::helpTopic()
 {
     messageBox::critical(this, messageBox::titleOf("Help Topic"), QStringLiteral("Sorry, not realized yet!"));
@@ -241,7 +256,7 @@ void CMainFrame::helpAbout()
 
 void CMainFrame::helpAboutQt()
 {
-    QMessageBox::aboutQt(this, productTitle());
+    messageBox::aboutQt(this, productTitle());
 }
 
 void CMainFrame::fileMenuAboutToShow()

@@ -30,6 +30,8 @@ public:
 
     /// Closes the documents and the interface. The frame stays when a document refuses to close.
     void closeEvent(QCloseEvent* event) override;
+    /// F10 opens the first menu.
+    void keyPressEvent(QKeyEvent* event) override;
 
 public Q_SLOTS:
     /// Opens an empty document: the first in the workspace maximised, later ones on top in normal size.
@@ -67,6 +69,8 @@ private:
     void createToolBar();
     void createWorkspace();
     void connectActionsAndMenus();
+    void cascade();
+    void contextHelp();
     void keepCaption(const QString& title);
 
     void openFile(const QString& fileName);

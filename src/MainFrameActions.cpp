@@ -5,6 +5,7 @@
 #include "widgets/ImageIcon.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
@@ -79,7 +80,7 @@ const CMainFrame::tAction CMainFrame::actions[] = {
       &CMainFrame::m_interfacePropertiesAction, [](CMainFrame& frame) { frame.interfaceProperties(); } },
     { "file cascade", "Cascade", "&Cascade", "", "", "Arrange all windows so they overlap",
       "Use the <i>Cascade</i> command from the <i>Windows</i> menu to arrange all windows so they overlap", // sic
-      &CMainFrame::m_windowsCascadeAction, [](CMainFrame& frame) { frame.m_workspace->cascadeSubWindows(); } },
+      &CMainFrame::m_windowsCascadeAction, [](CMainFrame& frame) { frame.cascade(); } },
     { "file tile", "Tile", "&Tile", "", "", "Arrange all windows as non-overlapping tiles",
       "Use the <i>Tile</i> command from the <i>Windows</i> menu to arrange all windows as non-overlapping tiles.",
       &CMainFrame::m_windowsTileAction, [](CMainFrame& frame) { frame.m_workspace->tileSubWindows(); } },
@@ -90,7 +91,7 @@ const CMainFrame::tAction CMainFrame::actions[] = {
     { "help context", "What's This", "What's &This", "Shift+F1", "contexthelp.png", "Show context-sensitive help",
       "Use the <i>What's This</i> command from the <i>Help</i> menu or press <i>Shift+F1</i> to show context-sensitive "
       "help for clicked on buttons, menus and windows.",
-      nullptr, [](CMainFrame&) { QWhatsThis::enterWhatsThisMode(); } },
+      nullptr, [](CMainFrame& frame) { frame.contextHelp(); } },
     { "help about", "About Velmora", "&About Velmora", "", "program.png", "Show the application's About box",
       "Use the <i>About</i> command from the <i>Help</i> menu to show program information, version number and "
       "copyright.",
@@ -156,12 +157,14 @@ void CMainFrame::createMenus()
         }
         auto* menu = new QMenu(QLatin1String(row.title), this);
         menu->setObjectName(QLatin1String(row.name));
+        menu->setAccessibleName(menu->title().remove(QLatin1Char('&')));
         addItems(menu, row.items);
         if (row.member != nullptr)
             this->*row.member = menu;
         if (row.member != &CMainFrame::m_fileListMenu)
             menuBar()->addMenu(menu);
     }
+    menuBar()->setAccessibleName(QStringLiteral("Menus"));
 }
 
 void CMainFrame::createToolBar()
@@ -170,6 +173,8 @@ void CMainFrame::createToolBar()
     QToolBar* toolBar = addToolBar(QStringLiteral("File Operations"));
     toolBar->setObjectName(QStringLiteral("file operations tool bar"));
     addItems(toolBar, toolBarItems);
+    for (QAction* action : toolBar->actions()) // their tool tips repeat their texts
+        toolBar->widgetForAction(action)->setAccessibleDescription(action->statusTip());
 }
 
 void CMainFrame::connectActionsAndMenus()
@@ -192,4 +197,23 @@ void CMainFrame::addItems(QWidget* bar, const char* const* items)
         else
             bar->addAction(createSeparator(bar));
     }
+}
+
+void CMainFrame::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_F10 || event->modifiers() != Qt::NoModifier)
+        return QMainWindow::keyPressEvent(event);
+    menuBar()->setActiveAction(m_fileMenu->menuAction());
+    m_fileMenu->setActiveAction(m_fileMenu->actions().first());
+}
+
+// In the mode a click shows the help of what it hits. The key, pressed again, shows that of what has the focus.
+void CMainFrame::contextHelp()
+{
+    if (!QWhatsThis::inWhatsThisMode())
+        return QWhatsThis::enterWhatsThisMode();
+    QWhatsThis::leaveWhatsThisMode();
+    QWidget* focus = focusWidget();
+    if (focus != nullptr && !focus->whatsThis().isEmpty())
+        QWhatsThis::showText(focus->mapToGlobal(focus->rect().center()), focus->whatsThis(), focus);
 }

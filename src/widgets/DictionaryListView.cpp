@@ -2,7 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/DictionaryListView.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
+#include <QScrollBar>
+
+int CDictionaryListView::widthOfNames()
+{
+    constexpr int rows = 100; // more would take time and hardly change the width
+    const int precision = header()->resizeContentsPrecision();
+    header()->setResizeContentsPrecision(rows);
+    const int names = sizeHintForColumn(0);
+    header()->setResizeContentsPrecision(precision);
+    return names > 0 ? names + 2 * frameWidth() + verticalScrollBar()->sizeHint().width() : 0;
+}
 
 void CDictionaryListView::mousePressEvent(QMouseEvent* event)
 {

@@ -2,16 +2,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "widgets/WholeRows.h"
+
 #include <QTreeWidget>
 
 /// Its own signals are emitted last by an event handler, so that a receiver may show a dialog and delete the tree.
 /// With the signals of the base class it must not.
-class CDictionaryListView : public QTreeWidget
+class CDictionaryListView : public CWholeRows<QTreeWidget>
 {
     Q_OBJECT
 
 public:
-    using QTreeWidget::QTreeWidget;
+    using CWholeRows::CWholeRows;
+
+    /// The width with which no name that is on the screen is cut, nor one of the first hundred rows or so.
+    int widthOfNames();
 
 Q_SIGNALS:
     /// Any mouse button went down on the item, not on its expand arrow.

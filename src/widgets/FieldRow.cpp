@@ -10,6 +10,9 @@ void fieldRow::describe(QWidget* field, const tFieldText& texts)
     field->setObjectName(QLatin1String(texts.name));
     field->setToolTip(QLatin1String(texts.toolTip));
     field->setWhatsThis(QLatin1String(texts.whatsThis));
+    field->setAccessibleDescription(QLatin1String(texts.whatsThis));
+    if (*texts.spokenName != '\0')
+        field->setAccessibleName(QLatin1String(texts.spokenName));
 }
 
 QLabel* fieldRow::createLabel(QWidget* field, const tFieldText& texts)

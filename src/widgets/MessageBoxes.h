@@ -20,4 +20,10 @@ void critical(QWidget* parent, const QString& title, const QString& text);
 /// The same with the icon of the parent's window in place of a symbol.
 void about(QWidget* parent, const QString& title, const QString& text);
 
+/// The toolkit's box about itself.
+void aboutQt(QWidget* parent, const QString& title);
+
+/// Takes the icons off the buttons of a dialog: the toolkit gives some to its own, which would then differ from ours.
+void removeButtonIcons(const QWidget* dialog);
+
 } // namespace messageBox

@@ -1,0 +1,49 @@
+// The two halves of a document: how wide they are.
+// SPDX-License-Identifier: MIT
+#include "widgets/DocumentSplitter.h"
+
+#include "widgets/DictionaryListView.h"
+#include "widgets/FormArea.h"
+
+#include <algorithm>
+
+CDocumentSplitter::CDocumentSplitter(QWidget* parent) : QSplitter(Qt::Horizontal, parent)
+{
+    setChildrenCollapsible(false);
+    connect(this, &QSplitter::splitterMoved, this, [this] { m_moved = true; });
+}
+
+void CDocumentSplitter::setHalves(CDictionaryListView* tree, CFormArea* form)
+{
+    m_tree = tree;
+    m_form = form;
+    addWidget(tree);
+    addWidget(form);
+    setStretchFactor(0, 2);
+    setStretchFactor(1, 3);
+    setAccessibleName(QStringLiteral("Tree and attributes"));
+    handle(1)->setAccessibleName(QStringLiteral("Width of the tree"));
+}
+
+void CDocumentSplitter::fitNames()
+{
+    m_namesWidth = m_tree->widthOfNames();
+    divide();
+}
+
+void CDocumentSplitter::resizeEvent(QResizeEvent* event)
+{
+    QSplitter::resizeEvent(event);
+    divide();
+}
+
+void CDocumentSplitter::divide()
+{
+    if (m_moved || m_form == nullptr)
+        return;
+    const int room = width() - handleWidth();
+    const int third = width() / 3;
+    const int most = std::max(std::min(width() / 2, room - m_form->neededWidth()), third);
+    const int tree = std::min(m_namesWidth > 0 ? m_namesWidth : third, most);
+    setSizes({ tree, room - tree });
+}

@@ -1,0 +1,34 @@
+// The two halves of a document: the tree and the form.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QSplitter>
+
+class CDictionaryListView;
+class CFormArea;
+
+/// Divides its width by what the two need, until the user moves the handle: the tree gets the width of the names that
+/// it shows, at most a half. Where the form needs more than the rest, the tree gives way to it, but keeps a third.
+class CDocumentSplitter : public QSplitter
+{
+    Q_OBJECT
+
+public:
+    explicit CDocumentSplitter(QWidget* parent);
+
+    /// Adds the two halves; called once.
+    void setHalves(CDictionaryListView* tree, CFormArea* form);
+    /// Divides by the names that the tree now shows.
+    void fitNames();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void divide();
+
+    CDictionaryListView* m_tree = nullptr;
+    CFormArea* m_form = nullptr;
+    int m_namesWidth = 0; // 0: no names yet
+    bool m_moved = false; // by the user
+};

@@ -1,0 +1,20 @@
+// The place of a form that may be larger than its window.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QScrollArea>
+
+/// Scrolls its form where that does not fit, and to the field that gets the focus by a key.
+class CFormArea : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    explicit CFormArea(QWidget* parent);
+
+    /// The width with which nothing is to the right or left of what is shown.
+    int neededWidth() const;
+
+private:
+    void showFocus(const QWidget* focus);
+};
