@@ -169,8 +169,8 @@ const CCANopenObjectEntry* CMDIWindow::entryOf(const CCANopenObject& object, uns
     return entry;
 }
 
-/// Shows the object, unless it stays, and the entry, and clears what is null. A part is never cleared just to be filled:
-/// its title would change twice, and all of it would be painted.
+/// Shows the object, unless it stays, and the entry, and clears what is null. No part is cleared just to be filled: its
+/// title would change twice, and all of it would be painted.
 void CMDIWindow::fillAttributesForm(const CCANopenObject* object, const CCANopenObjectEntry* entry, bool keepObject)
 {
     if (entry == nullptr)
