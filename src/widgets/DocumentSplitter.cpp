@@ -43,7 +43,8 @@ void CDocumentSplitter::divide()
         return;
     const int room = width() - handleWidth();
     const int third = width() / 3;
-    const int most = std::max(std::min(width() / 2, room - m_form->neededWidth()), third);
+    const int rest = room - m_form->neededWidth();
+    const int most = rest >= width() / 4 ? std::min(width() / 2, rest) : third;
     const int tree = std::min(m_namesWidth > 0 ? m_namesWidth : third, most);
     setSizes({ tree, room - tree });
 }

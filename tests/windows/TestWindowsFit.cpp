@@ -123,7 +123,7 @@ void TestWindowsFit::theTreeGivesWayToTheForm()
     resize(document, { needed + 400, 600 });
     AWAIT_COMPARE(form(document)->horizontalScrollBar()->maximum(), 0);
     QVERIFY(halves(document).first() > 300);
-    resize(document, { needed + 100, 600 }); // the form needs more than two thirds
+    resize(document, { needed + 100, 600 }); // the form needs more than three quarters
     AWAIT_COMPARE(halves(document).first(), document.find<QSplitter>("client splitter window")->width() / 3);
 }
 
