@@ -3,6 +3,7 @@
 #include "widgets/FormArea.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QScrollBar>
 
 CFormArea::CFormArea(QWidget* parent) : QScrollArea(parent)
@@ -19,9 +20,14 @@ int CFormArea::neededWidth() const
     return form.width() + (form.height() > height() ? verticalScrollBar()->sizeHint().width() : 0);
 }
 
-// Not at a click: the button would move away from the pointer before it is released.
+// Not at a click: the button would move away from the pointer before it is released. The label first: where there is no
+// room for both, the field is what has to be seen.
 void CFormArea::showFocus(const QWidget* focus)
 {
-    if (focus != nullptr && QApplication::mouseButtons() == Qt::NoButton && widget()->isAncestorOf(focus))
-        ensureWidgetVisible(const_cast<QWidget*>(focus), 0, 0);
+    if (focus == nullptr || QApplication::mouseButtons() != Qt::NoButton || !widget()->isAncestorOf(focus))
+        return;
+    for (QLabel* label : widget()->findChildren<QLabel*>())
+        if (label->buddy() == focus)
+            ensureWidgetVisible(label, 0, 0);
+    ensureWidgetVisible(const_cast<QWidget*>(focus), 0, 0);
 }

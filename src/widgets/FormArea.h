@@ -4,7 +4,7 @@
 
 #include <QScrollArea>
 
-/// Scrolls its form where that does not fit, and to the field that gets the focus by a key.
+/// Scrolls its form where that does not fit, and to the field that gets the focus by a key, with its label.
 class CFormArea : public QScrollArea
 {
     Q_OBJECT

@@ -9,8 +9,10 @@
 #include "DeviceInfoDialog.h"
 #include "widgets/MessageBoxes.h"
 
+#include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSplitter>
@@ -58,6 +60,7 @@ private Q_SLOTS:
     void fieldsHaveRoomForTheirTexts();
     void aFormThatIsTooNarrowScrolls();
     void theFormScrollsToTheFocus();
+    void theFormScrollsToTheLabelOfTheFocus();
     void aLongTextScrollsWithTheCursor();
     void tiledDocumentsStayInTheWorkspace_data();
     void tiledDocumentsStayInTheWorkspace();
@@ -199,6 +202,21 @@ void TestWindowsFit::theFormScrollsToTheFocus()
     QTest::keyClick(document.window, 'V', Qt::AltModifier);
     QVERIFY(document.newValue()->hasFocus());
     QVERIFY(!document.newValue()->visibleRegion().isEmpty());
+}
+
+void TestWindowsFit::theFormScrollsToTheLabelOfTheFocus()
+{
+    const CNewDocument document;
+    resize(document, { 900, 600 });
+    document.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
+    const int narrow = form(document)->widget()->minimumSizeHint().width() - 40;
+    document.find<QSplitter>("client splitter window")->setSizes({ 900 - narrow, narrow });
+    const auto* label = document.find<QLabel>("new value text label");
+    document.find<QPushButton>("send push button")->setFocus(Qt::TabFocusReason);
+    AWAIT_VERIFY(label->visibleRegion().boundingRect() != label->rect());
+    document.newValue()->setFocus(Qt::BacktabFocusReason);
+    AWAIT_COMPARE(label->visibleRegion().boundingRect(), label->rect());
 }
 
 void TestWindowsFit::aLongTextScrollsWithTheCursor()
