@@ -26,6 +26,8 @@ namespace
 
 void fill(QLineEdit* field, const QString& text)
 {
+    if (field->text() == text && field->cursorPosition() == 0 && !field->hasSelectedText())
+        return; // nothing to paint
     field->setText(text);
     field->setCursorPosition(0); // a long text shows its beginning
 }
