@@ -3,6 +3,7 @@
 #include "widgets/CheckMark.h"
 
 #include <QAccessibleWidget>
+#include <QKeyEvent>
 
 namespace
 {
@@ -38,4 +39,10 @@ CCheckMark::CCheckMark(QWidget* parent) : QCheckBox(parent)
 {
     setFocusPolicy(Qt::TabFocus);
     QAccessible::installFactory(createAccessible); // a second time has no effect
+}
+
+// No key is the mark's own, not even Space, which presses a button.
+void CCheckMark::keyPressEvent(QKeyEvent* event)
+{
+    event->ignore();
 }

@@ -16,5 +16,5 @@ public:
 protected:
     bool hitButton(const QPoint&) const override { return false; }
     void nextCheckState() override {}
-    void keyPressEvent(QKeyEvent* event) override { QWidget::keyPressEvent(event); } // Space does not press it
+    void keyPressEvent(QKeyEvent* event) override;
 };

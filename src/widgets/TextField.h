@@ -5,7 +5,7 @@
 #include <QLineEdit>
 
 /// Never narrower than its sample text. A read-only field has the colour of the window and not that of an input. One
-/// that the Tab key reaches is selected, ready to be copied, but shows its beginning, from where the cursor keys scroll.
+/// that the Tab key reaches is selected, ready to be copied, but shows its beginning, and the cursor keys scroll it.
 class CTextField : public QLineEdit
 {
     Q_OBJECT
