@@ -102,7 +102,7 @@ started() {
     QT_PLUGIN_PATH=$PWD/$programs/plugins QT_QPA_GENERIC_PLUGINS=velmora-bench-end "$@"
 }
 start_cost() {
-    started two_numbers timeout 1800 $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
+    started two_numbers limited $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
 }
 start_instructions() {
     started quietly limited build/bench/src/velmora # brings the cache of the fonts up to date, which takes long
