@@ -1,7 +1,7 @@
 # What `cmake --install` puts where: programs, data sheets, what a desktop needs, manual pages, documents and licence.
 # SPDX-License-Identifier: MIT
 set(velmora_icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
-install(TARGETS velmora velmora-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS velmora velmora-sim velmora-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY share/velmora DESTINATION ${CMAKE_INSTALL_DATADIR})
 install(FILES packaging/velmora.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES packaging/example.velmora.velmora.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 . scripts/compilers.sh
 
-build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev)
+build_packages=(cmake ninja-build qt6-base-dev qt6-serialbus-dev libcli11-dev)
 package_packages=(build-essential debhelper)
 demo_packages=(xvfb xauth openbox xdotool imagemagick fonts-dejavu-core x11-utils procps)
 can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan and the tests that run there

@@ -1,4 +1,4 @@
-# Fails when a file of the program or the simulator includes a header of a room that is not below its own.
+# Fails when a file of the browser, the simulator or velmora-cli includes a header of a room that is not below its own.
 #   cmake -D ROOT=FOLDER -P IncludesGoDown.cmake
 # SPDX-License-Identifier: MIT
 cmake_minimum_required(VERSION 3.25)
@@ -18,6 +18,12 @@ set(below_faults device)
 set(below_gateway base faults device)
 set(below_can faults device)
 set(below_simulator base dic device faults gateway can)
+# The same in velmora-cli.
+set(below_console base)
+set(below_sheets base dic console)
+set(below_network base access dic values console sheets)
+set(below_commands console sheets network)
+set(below_cli base console commands)
 
 # The room of a file. What lies on top of a folder and belongs to a room is named here.
 function(room_of folder path room)
@@ -27,6 +33,8 @@ function(room_of folder path room)
         set(found faults)
     elseif(folder STREQUAL sim)
         set(found simulator)
+    elseif(folder STREQUAL cli)
+        set(found cli)
     elseif(path MATCHES "^CANopenAccess\\.")
         set(found access)
     elseif(path MATCHES "^CANopenTypes\\.")
@@ -39,7 +47,7 @@ endfunction()
 
 set(wrong "")
 set(number 0)
-foreach(folder src sim)
+foreach(folder src sim cli)
     file(GLOB_RECURSE files RELATIVE ${ROOT}/${folder} ${ROOT}/${folder}/*.cpp ${ROOT}/${folder}/*.h)
     foreach(file IN LISTS files)
         room_of(${folder} ${file} room)

@@ -1,0 +1,43 @@
+// Standard output and standard error of velmora-cli.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "console/ExitStatus.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdio>
+
+/// Results go to standard output, all else to standard error. Texts are written as UTF-8.
+class CConsole
+{
+public:
+    /// The streams are borrowed.
+    explicit CConsole(FILE* output = stdout, FILE* error = stderr);
+    ~CConsole(); ///< removes the progress line
+    Q_DISABLE_COPY_MOVE(CConsole)
+
+    /// Writes text to standard output, without a line end of its own. Ends the command with `exitDone` when nobody reads
+    /// it any more, with `exitUsage` when it cannot be written, for example to a full disk.
+    void write(const QByteArray& text);
+    /// A line of results.
+    void line(const QString& text) { write(text.toUtf8() + '\n'); }
+    /// Hands over what was written, for those who follow it; ends as `write` does.
+    void flush();
+
+    /// A line "velmora-cli: TEXT" to standard error.
+    void message(const QString& text);
+
+    /// Shows how far a command is, in one line that the next call overwrites; only on a terminal. An empty text removes
+    /// the line.
+    void progress(const QString& text);
+
+private:
+    void check(bool written);
+
+    FILE* const m_output;
+    FILE* const m_error;
+    const bool m_hasTerminal;
+    bool m_showsProgress = false;
+};
