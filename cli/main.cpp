@@ -14,9 +14,10 @@ namespace
 
 const char description[] = "Checks and lists CANopen data sheets, and reads, writes, saves and restores the parameters "
                            "of devices.";
-const char footer[] = "'velmora-cli COMMAND --help' explains a command. Exit statuses: 0 done, 1 a difference or a "
-                      "finding,\n2 wrong usage or a file that cannot be read, 3 no interface or no answer, 4 the device "
-                      "aborted, 130 Ctrl-C.";
+const char footer[] =
+    "'velmora-cli COMMAND --help' explains a command. Exit statuses: 0 done, 1 a difference or a "
+    "finding,\n2 wrong usage or a file that cannot be read, 3 no interface or no answer, 4 the device "
+    "aborted, 130 Ctrl-C.";
 
 // Reads the arguments. @return the exit status when there is nothing to run, else -1
 int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Faults.h"
 
-#include "device/NumberText.h"
+#include "dic/NumberText.h"
 
 #include <QStringList>
 

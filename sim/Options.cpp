@@ -4,7 +4,7 @@
 
 #include "base/Product.h"
 #include "can/CanFaults.h"
-#include "device/NumberText.h"
+#include "dic/NumberText.h"
 #include "device/SimulatedNode.h"
 #include "gateway/GatewayFaults.h"
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "device/AbortCodes.h"
-#include "device/ValueTypes.h"
+#include "dic/ValueTypes.h"
 #include "dic/EdsLoad.h"
 
 #include <QByteArray>

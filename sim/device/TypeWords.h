@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "device/ValueTypes.h"
+#include "dic/ValueTypes.h"
 
 #include <QByteArray>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "device/NumberText.h"
+#include "dic/NumberText.h"
 
 #include <QByteArray>
 #include <QString>

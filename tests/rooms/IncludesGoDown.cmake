@@ -14,9 +14,9 @@ set(below_widgets base dic values)
 set(below_windows base access dic values widgets)
 # The same in the simulator. Of the program it knows the dictionary and the base only.
 set(below_device base dic)
-set(below_faults device)
-set(below_gateway base faults device)
-set(below_can faults device)
+set(below_faults dic device)
+set(below_gateway base dic faults device)
+set(below_can dic faults device)
 set(below_simulator base dic device faults gateway can)
 # The same in velmora-cli.
 set(below_console base)

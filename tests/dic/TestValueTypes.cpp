@@ -1,6 +1,6 @@
 // Data types as bytes: defaults and limits of data sheets, and their order.
 // SPDX-License-Identifier: MIT
-#include "device/ValueTypes.h"
+#include "dic/ValueTypes.h"
 
 #include <QTest>
 #include <QTimeZone>
@@ -27,6 +27,12 @@ private Q_SLOTS:
     void limitsOutsideOfTheTypeLimitNothing();
     void valuesHaveTheOrderOfTheirType_data();
     void valuesHaveTheOrderOfTheirType();
+    void textsStandForValues_data();
+    void textsStandForValues();
+    void wrongTextsAreNoValues_data();
+    void wrongTextsAreNoValues();
+    void someValuesHaveNoText_data();
+    void someValuesHaveNoText();
 };
 
 void TestValueTypes::defaultsBecomeLittleEndianBytes_data()
@@ -174,6 +180,87 @@ void TestValueTypes::valuesHaveTheOrderOfTheirType()
     QVERIFY(isBelow(a, b, type));
     QVERIFY(!isBelow(b, a, type));
     QVERIFY(!isBelow(a, a, type));
+}
+
+// Each text is what `textFromValue` writes and what `valueFromText` reads.
+void TestValueTypes::textsStandForValues_data()
+{
+    QTest::addColumn<int>("dataType");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<unsigned>("relativeTo");
+    QTest::newRow("0x01") << 1 << hex("01") << 0U;
+    QTest::newRow("0xFE") << 2 << hex("FE") << 0U;
+    QTest::newRow("0xFC18") << 3 << hex("18FC") << 0U;
+    QTest::newRow("0x00ABCD") << 22 << hex("CDAB00") << 0U;
+    QTest::newRow("0x0102030405060708") << 27 << hex("0807060504030201") << 0U;
+    QTest::newRow("$NODEID+0x00000180") << 7 << hex("85010000") << 5U;
+    QTest::newRow("$NODEID+0x80000180") << 7 << hex("85010080") << 5U;
+    QTest::newRow("$NODEID+0xFFFFFFFC") << 7 << hex("01000000") << 5U;
+    QTest::newRow("1.5") << 8 << hex("0000C03F") << 0U;
+    QTest::newRow("0.1") << 8 << hex("CDCCCC3D") << 0U;
+    QTest::newRow("-0") << 8 << hex("00000080") << 0U;
+    QTest::newRow("0x7F800000") << 8 << hex("0000807F") << 0U;
+    QTest::newRow("0x7FC00001") << 8 << hex("0100C07F") << 0U;
+    QTest::newRow("1e+300") << 17 << hex("9C7500883CE4377E") << 0U;
+    QTest::newRow("0x7FF0000000000000") << 17 << hex("000000000000F07F") << 0U;
+    QTest::newRow("Velmora Demo") << 9 << QByteArray("Velmora Demo") << 0U;
+    QTest::newRow("01 2A FF") << 10 << hex("012AFF") << 0U;
+    QTest::newRow("61 62 63") << 15 << QByteArray("abc") << 0U;
+    QTest::newRow("92 3B 1E 0C DC 02 1A") << 11 << hex("923B1E0CDC021A") << 0U;
+    QTest::newRow("40 77 1B 00 0A 01") << 12 << hex("40771B000A01") << 0U;
+    QTest::newRow("01") << 0x60 << hex("01") << 0U;
+}
+
+void TestValueTypes::textsStandForValues()
+{
+    QFETCH(int, dataType);
+    QFETCH(QByteArray, bytes);
+    QFETCH(unsigned, relativeTo);
+    const QString text = QString::fromLatin1(QTest::currentDataTag());
+    QCOMPARE(textFromValue(bytes, valueType(dataType), relativeTo), text);
+    QCOMPARE(valueFromText(text, valueType(dataType), 5), bytes);
+}
+
+void TestValueTypes::wrongTextsAreNoValues_data()
+{
+    QTest::addColumn<int>("dataType");
+    QTest::newRow("256") << 5;
+    QTest::newRow("-1") << 5;
+    QTest::newRow("abc") << 7;
+    QTest::newRow("$NODEID+abc") << 7;
+    QTest::newRow("0x100000000") << 8;
+    QTest::newRow("1e99") << 8;
+    QTest::newRow("1,5") << 8;
+    QTest::newRow("today") << 11;
+    QTest::newRow("0") << 12;
+    QTest::newRow("") << 9;
+    QTest::newRow("") << 7;
+    QTest::newRow("\u20AC") << 9;
+}
+
+void TestValueTypes::wrongTextsAreNoValues()
+{
+    QFETCH(int, dataType);
+    QCOMPARE(valueFromText(QString::fromUtf8(QTest::currentDataTag()), valueType(dataType), 5), std::nullopt);
+}
+
+void TestValueTypes::someValuesHaveNoText_data()
+{
+    QTest::addColumn<int>("dataType");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("no bytes") << 9 << QByteArray();
+    QTest::newRow("number of another width") << 6 << hex("01");
+    QTest::newRow("comment") << 9 << QByteArray("a;b");
+    QTest::newRow("blank at the end") << 9 << QByteArray("a ");
+    QTest::newRow("line feed") << 9 << QByteArray("a\nb");
+    QTest::newRow("zero byte") << 9 << QByteArray("a\0b", 3);
+}
+
+void TestValueTypes::someValuesHaveNoText()
+{
+    QFETCH(int, dataType);
+    QFETCH(QByteArray, bytes);
+    QCOMPARE(textFromValue(bytes, valueType(dataType)), std::nullopt);
 }
 
 QTEST_GUILESS_MAIN(TestValueTypes)

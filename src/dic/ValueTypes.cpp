@@ -1,6 +1,6 @@
 // The data types of dictionary entries as bytes: their widths, the values in data sheets, and comparison with limits.
 // SPDX-License-Identifier: MIT
-#include "device/ValueTypes.h"
+#include "dic/ValueTypes.h"
 
 #include "dic/CANopenObjectEntry.h"
 
@@ -8,7 +8,10 @@
 #include <QTimeZone>
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <charconv>
+#include <cmath>
 #include <iterator>
 
 namespace
@@ -49,11 +52,6 @@ constexpr tTypeRow typeRows[] = {
     { tEntryType::typeUnsigned64, { kindUnsigned, 8 } },
 };
 
-bool isNumeric(tValueType type)
-{
-    return type.kind == kindBoolean || type.kind == kindSigned || type.kind == kindUnsigned;
-}
-
 // octets = pairs of hexadecimal digits, blanks anywhere
 std::optional<QByteArray> octetsFromText(const QString& text)
 {
@@ -65,6 +63,12 @@ std::optional<QByteArray> octetsFromText(const QString& text)
     if (!pairs)
         return std::nullopt;
     return QByteArray::fromHex(digits);
+}
+
+// A number in hexadecimal, with all digits of its width in bytes.
+QString textFromNumber(quint64 bits, int width)
+{
+    return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(2 * width, u'0');
 }
 
 QByteArray dateBytes(const QDateTime& moment)
@@ -87,15 +91,50 @@ QByteArray timeOfDayBytes(const QDateTime& moment)
            littleEndian(static_cast<quint64>(milliseconds / day), 2);
 }
 
-QByteArray momentFromText(const QString& text, tValueType type)
+std::optional<QByteArray> momentFromText(const QString& text, tValueType type)
 {
     const auto octets = octetsFromText(text);
     if (octets && octets->size() == type.width)
-        return *octets;
+        return octets;
     const QDateTime moment = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
     if (!moment.isValid())
-        return QByteArray(type.width, '\0');
+        return std::nullopt;
     return type.kind == kindDate ? dateBytes(moment) : timeOfDayBytes(moment);
+}
+
+std::optional<QByteArray> realWithin(const QString& text, int width)
+{
+    const auto pattern = readNumber(text);
+    const bool tooWide = pattern && pattern->pattern && !fits(*pattern, { kindUnsigned, width });
+    return tooWide ? std::nullopt : realFromText(text, width);
+}
+
+std::optional<QByteArray> numberFromText(const QString& text, tValueType type, unsigned nodeId)
+{
+    const auto number = readTerms(text, nodeId);
+    if (!number || !(isRelative(text) || fits(*number, type)))
+        return std::nullopt;
+    return littleEndian(number->bits, type.width);
+}
+
+// The shortest decimal number that reads as these bytes; as a bit pattern where there is none, for example for infinity.
+QString textFromReal(const QByteArray& bytes)
+{
+    std::array<char, 32> digits{};
+    const double value = realOf(bytes);
+    const auto end = bytes.size() == 4 ? std::to_chars(digits.begin(), digits.end(), static_cast<float>(value)).ptr
+                                       : std::to_chars(digits.begin(), digits.end(), value).ptr;
+    const QString text = QString::fromLatin1(digits.data(), end - digits.data());
+    if (std::isfinite(value) && realFromText(text, static_cast<int>(bytes.size())) == bytes)
+        return text;
+    return textFromNumber(numberOf(bytes, { kindUnsigned, 0 }), static_cast<int>(bytes.size()));
+}
+
+// Whether a line of a data sheet can hold the text as a value.
+bool fitsIntoLine(const QString& text)
+{
+    return text.trimmed() == text && !text.contains(u';') &&
+           std::all_of(text.cbegin(), text.cend(), [](QChar character) { return character.isPrint(); });
 }
 
 } // namespace
@@ -105,6 +144,16 @@ tValueType valueType(int dataType)
     const auto row = std::find_if(std::begin(typeRows), std::end(typeRows),
                                   [dataType](const tTypeRow& each) { return each.dataType == dataType; });
     return row == std::end(typeRows) ? tValueType{ kindOctets, 0 } : row->type;
+}
+
+bool isNumeric(tValueType type)
+{
+    return type.kind == kindBoolean || type.kind == kindSigned || type.kind == kindUnsigned;
+}
+
+bool isRelative(const QString& text)
+{
+    return text.contains(QLatin1String("$NODEID"), Qt::CaseInsensitive);
 }
 
 bool fits(const tNumber& number, tValueType type)
@@ -164,10 +213,48 @@ QByteArray defaultFromText(const QString& text, tValueType type, unsigned nodeId
     if (type.kind == kindOctets)
         return octetsFromText(text).value_or(text.toLatin1());
     if (type.kind == kindDate || type.kind == kindTimeOfDay)
-        return momentFromText(text, type);
+        return momentFromText(text, type).value_or(QByteArray(type.width, '\0'));
     if (type.kind == kindReal)
         return realFromText(text, type.width).value_or(QByteArray(type.width, '\0'));
     return littleEndian(readTerms(text, nodeId).value_or(tNumber()).bits, type.width);
+}
+
+std::optional<QByteArray> valueFromText(const QString& text, tValueType type, unsigned nodeId)
+{
+    if (text.isEmpty())
+        return std::nullopt;
+    switch (type.kind) {
+    case kindText:
+        return QString::fromLatin1(text.toLatin1()) == text ? std::optional(text.toLatin1()) : std::nullopt;
+    case kindOctets:
+        return octetsFromText(text).value_or(text.toLatin1());
+    case kindDate:
+    case kindTimeOfDay:
+        return momentFromText(text, type);
+    case kindReal:
+        return realWithin(text, type.width);
+    default:
+        return numberFromText(text, type, nodeId);
+    }
+}
+
+std::optional<QString> textFromValue(const QByteArray& bytes, tValueType type, unsigned nodeId)
+{
+    if (bytes.isEmpty() || (type.width != 0 && bytes.size() != type.width))
+        return std::nullopt;
+    if (type.kind == kindText) {
+        const QString text = QString::fromLatin1(bytes);
+        return fitsIntoLine(text) ? std::optional(text) : std::nullopt;
+    }
+    if (type.kind == kindReal)
+        return textFromReal(bytes);
+    if (!isNumeric(type))
+        return QString::fromLatin1(bytes.toHex(' ').toUpper());
+    const quint64 bits = numberOf(bytes, { kindUnsigned, 0 });
+    if (nodeId == 0)
+        return textFromNumber(bits, type.width);
+    const quint64 mask = ~quint64{ 0 } >> (64 - 8 * type.width);
+    return QStringLiteral("$NODEID+") + textFromNumber((bits - nodeId) & mask, type.width);
 }
 
 QByteArray limitFromText(const QString& text, tValueType type, unsigned nodeId)

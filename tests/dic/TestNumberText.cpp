@@ -1,6 +1,6 @@
 // Numbers in commands and data sheets.
 // SPDX-License-Identifier: MIT
-#include "device/NumberText.h"
+#include "dic/NumberText.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 // Numbers in the texts that the simulator reads: gateway commands, data sheets and fault options.
 // SPDX-License-Identifier: MIT
-#include "device/NumberText.h"
+#include "dic/NumberText.h"
 
 #include <QByteArray>
 #include <QList>
