@@ -26,6 +26,8 @@ struct CCANopenAccess::tLibrary {
     std::int32_t (*read16)(BYTE node, WORD index, BYTE subindex, std::uint16_t* value);
     std::int32_t (*read32)(BYTE node, WORD index, BYTE subindex, std::uint32_t* value);
     std::int32_t (*timeout)(WORD timeout, WORD* previous);
+    int (*lastAnswer)();
+    std::int32_t (*lineTimeout)(std::int32_t milliseconds, std::int32_t* previous);
     std::int32_t (*startNode)(BYTE node);
     std::int32_t (*stopNode)(BYTE node);
     std::int32_t (*enterPreOperational)(BYTE node);
@@ -39,6 +41,11 @@ struct CCANopenAccess::tLibrary {
     std::int32_t (*software)(char* buffer, short size);
     const char* (*version)();
 };
+
+// The numbers of the gateway client are those of the facade.
+static_assert(int{ CCANopenAccess::answerNone } == top_answer_none &&
+              int{ CCANopenAccess::answerCut } == top_answer_cut &&
+              int{ CCANopenAccess::answerWhole } == top_answer_whole);
 
 namespace
 {
@@ -63,6 +70,24 @@ std::int32_t initMaster(long board, void* param, BYTE baudrate)
 std::int32_t setMasterTimeout(WORD timeout, WORD* previous)
 {
     const WORD old = sdo_timeout(timeout);
+    if (previous != nullptr)
+        *previous = old;
+    return ERR_NO_ERROR;
+}
+
+int masterAnswer()
+{
+    return cop_error == ERR_TIMEOUT ? CCANopenAccess::answerNone : CCANopenAccess::answerWhole;
+}
+
+std::int32_t setMasterLineTimeout(std::int32_t, std::int32_t*)
+{
+    return ERR_NOT_SUPPORTED;
+}
+
+std::int32_t setGatewayLineTimeout(std::int32_t milliseconds, std::int32_t* previous)
+{
+    const std::int32_t old = top_line_timeout(milliseconds);
     if (previous != nullptr)
         *previous = old;
     return ERR_NO_ERROR;
@@ -115,12 +140,14 @@ constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
     { librarySocketCAN, initMaster, cop_exit, cop_reset,
       sdo_write, sdo_read,
       sdo_write_8bit, sdo_write_16bit, sdo_write_32bit, sdo_read_8bit, sdo_read_16bit, sdo_read_32bit, setMasterTimeout,
+      masterAnswer, setMasterLineTimeout,
       nmt_start_remote_node, nmt_stop_remote_node, nmt_enter_preoperational, nmt_reset_node, nmt_reset_communication,
       transmitByMaster, requestByMaster, readMasterQueue, cop_queue_clear,
       masterHardware, masterSoftware, cop_version },
     { libraryGateway, initGateway, top_exit, top_reset,
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
+      top_last_answer, setGatewayLineTimeout,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
       top_transmit, top_request, top_queue_read, top_queue_clear,
       top_hardware, top_software, top_version },
@@ -230,6 +257,17 @@ bool CCANopenAccess::readInteger32(BYTE node, WORD index, BYTE subindex, std::in
 bool CCANopenAccess::setSDOTimeout(WORD timeout, WORD* previous)
 {
     return storeLocalResult(call(&tLibrary::timeout, timeout, previous));
+}
+
+CCANopenAccess::TAnswer CCANopenAccess::lastAnswer() const
+{
+    const tLibrary* library = libraryOf(m_library);
+    return library != nullptr ? static_cast<TAnswer>(library->lastAnswer()) : answerNone;
+}
+
+bool CCANopenAccess::setLineTimeout(std::int32_t milliseconds, std::int32_t* previous)
+{
+    return storeResult(call(&tLibrary::lineTimeout, milliseconds, previous));
 }
 
 bool CCANopenAccess::startRemoteNode(BYTE node)

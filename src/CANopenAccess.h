@@ -66,6 +66,16 @@ public:
     /// and the two version texts below leave the last error unchanged when they succeed.
     bool setSDOTimeout(WORD timeout, WORD* previous);
 
+    /// How the last operation was answered. A gateway's silence is no error of the operation: who must not take it for
+    /// a value asks here. With the SocketCAN master a time-out is `answerNone`, everything else `answerWhole`.
+    enum TAnswer { answerNone, answerCut, answerWhole };
+    /// `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerNone` without a
+    /// bound library.
+    TAnswer lastAnswer() const;
+    /// Sets how long the client of a gateway waits for each line, in milliseconds, 66000 at first, for the whole
+    /// process. Fails with ERR_NOT_SUPPORTED with the SocketCAN master. `previous` may be null.
+    bool setLineTimeout(std::int32_t milliseconds, std::int32_t* previous);
+
     /// Network management of one node.
     bool startRemoteNode(BYTE node);
     bool stopRemoteNode(BYTE node);

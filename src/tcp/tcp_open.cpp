@@ -13,6 +13,7 @@
 #include <cstring>
 #include <ctime>
 #include <type_traits>
+#include <utility>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -23,15 +24,16 @@
 
 static constexpr int32_t top_connect_failed = -20000;
 static constexpr int32_t top_send_failed = -793;
-static constexpr time_t top_line_timeout = 66; // seconds
-static constexpr int top_line_size = 1024;     // with the terminating zero
+static constexpr int top_line_size = 1024; // with the terminating zero
 static constexpr int top_group_bytes = 3;
 static constexpr int top_group_characters = 4;
 static constexpr _top_settings top_default_settings = { 1, 1, 255 };
 
-static int top_client = -1;            // the connected socket, always below FD_SETSIZE; -1 when not connected
-static long top_sequence = 1;          // number of the next command; never reset
-static char top_buffer[top_line_size]; // the command, overwritten by the answer
+static int top_client = -1;                   // the connected socket, always below FD_SETSIZE; -1 when not connected
+static long top_sequence = 1;                 // number of the next command; never reset
+static char top_buffer[top_line_size];        // the command, overwritten by the answer
+static int32_t top_line_milliseconds = 66000; // for which a line is awaited
+static top_answer top_answered = top_answer_none;
 static _top_settings top_settings = top_default_settings; // stored, but no command carries them
 
 /// Starts a command in the line buffer: the next sequence number in brackets, a blank, then the text.
@@ -75,24 +77,24 @@ static long top_sequence_of(const char* line)
     return line[0] == '[' ? std::strtol(line + 1, nullptr, 0) : 0;
 }
 
-/// The time of the monotonic clock in seconds.
-static time_t top_seconds()
+/// The time of the monotonic clock in milliseconds.
+static int64_t top_milliseconds()
 {
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec;
+    return int64_t{ now.tv_sec } * 1000 + now.tv_nsec / 1000000;
 }
 
 /// Reads one response line into `buffer`, at most `size` - 1 characters; the rest is dropped. `buffer` stays unchanged
-/// until the first byte arrives and is zero-terminated from then on. Waits up to 66 s for the whole line: `select`
+/// until the first byte arrives and is zero-terminated from then on. One time-out bounds the whole line: `select`
 /// stores the remaining time in `rest`, and the deadline ends a line whose bytes never stop.
 /// @return the number of characters stored, CR LF included, fewer when the peer closes; 0 after a time-out
 static int top_readline(int socket, char* buffer, int size)
 {
     int count = 0;
     char byte = '\0';
-    timeval rest = { top_line_timeout, 0 };
-    const time_t deadline = top_seconds() + top_line_timeout;
+    timeval rest = { top_line_milliseconds / 1000, top_line_milliseconds % 1000 * 1000 };
+    const int64_t deadline = top_milliseconds() + top_line_milliseconds;
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(socket, &readable);
@@ -112,17 +114,20 @@ static int top_readline(int socket, char* buffer, int size)
         }
         if (byte == '\n')
             return count;
-        if (top_seconds() > deadline)
+        if (top_milliseconds() > deadline)
             return 0;
     }
     return 0;
 }
 
-/// Waits for the line with the number; others are late or unsolicited.
-static void top_await(long sequence)
+/// Waits for the line with the number; others are late or unsolicited. @return how it came
+static top_answer top_await(long sequence)
 {
-    while (top_readline(top_client, top_buffer, top_line_size) != 0 && top_sequence_of(top_buffer) != sequence) {
+    while (const int count = top_readline(top_client, top_buffer, top_line_size)) {
+        if (top_sequence_of(top_buffer) == sequence)
+            return top_buffer[count - 1] == '\n' ? top_answer_whole : top_answer_cut;
     }
+    return top_answer_none;
 }
 
 /// Sends the command in the line buffer, waits for its answer and evaluates it with `evaluator(line, out..., &abort)`,
@@ -131,9 +136,10 @@ static void top_await(long sequence)
 template <typename Evaluator, typename... Out>
 static int32_t top_exchange(Evaluator evaluator, Out... out)
 {
+    top_answered = top_answer_none;
     if (send(top_client, top_buffer, std::strlen(top_buffer), 0) < 0)
         return top_send_failed;
-    top_await(top_sequence_of(top_buffer));
+    top_answered = top_await(top_sequence_of(top_buffer));
 
     // Kept: after a time-out the buffer holds the command itself, or the last line with another number. It is evaluated
     // like an answer, so that a read may succeed with a value that no device sent, and there is no ERR_TIMEOUT.
@@ -319,6 +325,16 @@ int32_t top_status([[maybe_unused]] BYTE* can_status, [[maybe_unused]] BYTE* cop
 int32_t top_queue_status([[maybe_unused]] BYTE* low, [[maybe_unused]] BYTE* high)
 {
     return ERR_NOT_SUPPORTED;
+}
+
+int top_last_answer()
+{
+    return top_answered;
+}
+
+int32_t top_line_timeout(int32_t milliseconds)
+{
+    return std::exchange(top_line_milliseconds, std::max(milliseconds, 1));
 }
 
 static int32_t top_info(const char* subject, char* buffer, short size)

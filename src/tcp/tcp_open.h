@@ -80,6 +80,20 @@ int32_t top_queue_clear();
 int32_t top_status(BYTE* can_status, BYTE* cop_status);
 int32_t top_queue_status(BYTE* low, BYTE* high);
 
+/// How the last command was answered, for callers that must not take silence for a value.
+enum top_answer {
+    top_answer_none, ///< no line with its number has come in time, or the command could not be sent
+    top_answer_cut,  ///< such a line did not end within 1023 characters, or the connection closed within it
+    top_answer_whole ///< such a line has come up to its line feed
+};
+int top_last_answer();
+
+/// Sets how long commands wait for each line, in milliseconds, 66000 at first; at least 1. @return the previous time
+int32_t top_line_timeout(int32_t milliseconds);
+
+/// The most bytes of `top_write` that fit into a line with any number, node and object.
+inline constexpr short top_write_max = 729;
+
 /// Texts of the gateway: at most `size` - 1 characters and a terminating zero.
 int32_t top_hardware(char* buffer, short size);
 int32_t top_software(char* buffer, short size);

@@ -1,0 +1,72 @@
+// What the facade tells about the answer to the last operation.
+// SPDX-License-Identifier: MIT
+#include "CANopenAccess.h"
+#include "FakeBus.h"
+#include "FakeGateway.h"
+
+#include <QtTest>
+
+class TestCANopenAccessAnswer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutALibraryThereIsNone();
+    void gatewayThatHangsUpHasNotAnswered();
+    void masterTellsATimeOut();
+    void lineTimeoutIsThatOfTheGatewayClient();
+};
+
+void TestCANopenAccessAnswer::withoutALibraryThereIsNone()
+{
+    CCANopenAccess access;
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+    QVERIFY(!access.setLineTimeout(1000, nullptr));
+    QCOMPARE(access.getLastError(), ERR_NOT_INITIALIZED);
+}
+
+void TestCANopenAccessAnswer::gatewayThatHangsUpHasNotAnswered()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] 5 read 0x1017 0x0 u16\r\n", "[#] 1000\r\n");
+    gateway.expect("[#] 5 read 0x1017 0x0 u16\r\n", { "", tGatewayAnswer::hangUp });
+    CCANopenAccess access;
+    _top_param parameter = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
+    QVERIFY(access.initialize(libraryGateway, 0, &parameter, 0));
+    std::uint16_t value = 0;
+    QVERIFY(access.readUnsigned16(5, 0x1017, 0, &value));
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerWhole);
+    QVERIFY(access.readUnsigned16(5, 0x1017, 0, &value));
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+}
+
+void TestCANopenAccessAnswer::masterTellsATimeOut()
+{
+    CFakeBus bus;
+    CCANopenAccess access;
+    _can_param parameter = { "can0", 29, 3, 1 };
+    QVERIFY(access.initialize(librarySocketCAN, -1, &parameter, 3));
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerWhole);
+    std::uint16_t value = 0;
+    QVERIFY(!access.readUnsigned16(5, 0x1017, 0, &value)); // nobody is there
+    QCOMPARE(access.getLastError(), ERR_TIMEOUT);
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+    QVERIFY(!access.setLineTimeout(1000, nullptr));
+    QCOMPARE(access.getLastError(), ERR_NOT_SUPPORTED);
+}
+
+void TestCANopenAccessAnswer::lineTimeoutIsThatOfTheGatewayClient()
+{
+    CFakeGateway gateway;
+    CCANopenAccess access;
+    _top_param parameter = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
+    QVERIFY(access.initialize(libraryGateway, 0, &parameter, 0));
+    std::int32_t previous = 0;
+    QVERIFY(access.setLineTimeout(2000, &previous));
+    QCOMPARE(previous, 66000);
+    QCOMPARE(top_line_timeout(66000), 2000);
+    QVERIFY(access.setLineTimeout(66000, nullptr));
+}
+
+QTEST_APPLESS_MAIN(TestCANopenAccessAnswer)
+#include "TestCANopenAccessAnswer.moc"

@@ -1,0 +1,172 @@
+// What the gateway client tells about the answer to its last command: silence and cut lines are no values.
+// SPDX-License-Identifier: MIT
+#include "GatewaySession.h"
+#include "SystemCalls.h"
+
+#include <QtTest>
+
+#include <sys/time.h>
+
+namespace
+{
+
+const char readCommand[] = "[#] 5 read 0x1017 0x0 u16\r\n";
+
+int32_t readHeartbeat()
+{
+    uint16_t value = 0;
+    return top_read_16bit(5, 0x1017, 0, &value);
+}
+
+} // namespace
+
+class TestTcpAnswer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void answerIsWhole_data();
+    void answerIsWhole();
+    void hangUpIsNoAnswer();
+    void lineOfAnotherNumberIsNoAnswer();
+    void silenceIsNoAnswer();
+    void partOfALineIsNoAnswer();
+    void commandThatCannotBeSentHasNoAnswer();
+    void lineCutByTheConnectionIsCut();
+    void lineLongerThanTheBufferIsCut_data();
+    void lineLongerThanTheBufferIsCut();
+    void lineTimeoutIsSetInMilliseconds();
+    void longestWriteReachesTheGatewayWhole();
+};
+
+void TestTcpAnswer::answerIsWhole_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    for (const char* answer : { "[#] 10\r\n", "[#] Error: 5\n", "[#-1] 3\r\n[#] 10\r\n", "[#] nonsense\r\n" })
+        QTest::newRow(answer) << QByteArray(answer);
+}
+
+void TestTcpAnswer::answerIsWhole()
+{
+    QFETCH(QByteArray, answer);
+    CGatewaySession gateway;
+    gateway.expect(readCommand, answer.toStdString());
+    readHeartbeat();
+    QCOMPARE(top_last_answer(), int(top_answer_whole));
+}
+
+void TestTcpAnswer::hangUpIsNoAnswer()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, { "", tGatewayAnswer::hangUp });
+    QCOMPARE(readHeartbeat(), 0); // with the node-id as the value
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+}
+
+void TestTcpAnswer::lineOfAnotherNumberIsNoAnswer()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, { "[#+1] 31\r\n", tGatewayAnswer::hangUp });
+    QCOMPARE(readHeartbeat(), 0);
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+}
+
+void TestTcpAnswer::silenceIsNoAnswer()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, "[#] 10\r\n");
+    gateway.expect(readCommand, "");
+    readHeartbeat();
+    CSystemCalls calls;
+    calls.select = [](auto...) { return 0; };
+    QCOMPARE(readHeartbeat(), 0);
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+}
+
+void TestTcpAnswer::partOfALineIsNoAnswer()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, "[#] 10");
+    CSystemCalls calls;
+    int bytes = 0;
+    calls.select = [&](int count, fd_set* read, fd_set* write, fd_set* except, timeval* timeout) {
+        return ++bytes > 5 ? 0 : __real_select(count, read, write, except, timeout);
+    };
+    readHeartbeat();
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+}
+
+void TestTcpAnswer::commandThatCannotBeSentHasNoAnswer()
+{
+    {
+        CGatewaySession gateway;
+        gateway.expect(readCommand, "[#] 10\r\n");
+        readHeartbeat();
+        QCOMPARE(top_last_answer(), int(top_answer_whole));
+    }
+    QCOMPARE(readHeartbeat(), -793);
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+}
+
+void TestTcpAnswer::lineCutByTheConnectionIsCut()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, { "[#] 1", tGatewayAnswer::hangUp });
+    QCOMPARE(readHeartbeat(), 0);
+    QCOMPARE(top_last_answer(), int(top_answer_cut));
+}
+
+void TestTcpAnswer::lineLongerThanTheBufferIsCut_data()
+{
+    QTest::addColumn<int>("length"); // with its line feed
+    QTest::addColumn<int>("answer");
+    QTest::newRow("it fits") << 1023 << int(top_answer_whole);
+    QTest::newRow("one character more") << 1024 << int(top_answer_cut);
+    QTest::newRow("much more") << 5000 << int(top_answer_cut);
+}
+
+void TestTcpAnswer::lineLongerThanTheBufferIsCut()
+{
+    QFETCH(int, length);
+    QFETCH(int, answer);
+    CGatewaySession gateway;
+    gateway.answerWith([length](const std::string& command) {
+        std::string line = "[" + std::to_string(gatewayText::numberOf(command)) + "] ";
+        line.resize(static_cast<std::size_t>(length) - 1, 'A');
+        return line + '\n';
+    });
+    short size = 0;
+    BYTE data[2000];
+    top_read(5, 0x2000, 0, &size, data, sizeof data);
+    QCOMPARE(top_last_answer(), answer);
+}
+
+void TestTcpAnswer::lineTimeoutIsSetInMilliseconds()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, "");
+    QCOMPARE(top_line_timeout(1500), 66000);
+    CSystemCalls calls;
+    timeval given = {};
+    calls.select = [&](int, fd_set*, fd_set*, fd_set*, timeval* timeout) {
+        given = *timeout;
+        return 0;
+    };
+    readHeartbeat();
+    QCOMPARE(top_line_timeout(0), 1500);
+    QCOMPARE(std::make_pair(long(given.tv_sec), long(given.tv_usec)), std::make_pair(1L, 500000L));
+    QCOMPARE(top_line_timeout(66000), 1);
+}
+
+void TestTcpAnswer::longestWriteReachesTheGatewayWhole()
+{
+    CGatewaySession gateway;
+    const QByteArray data(top_write_max + 1, 'x');
+    gateway.expect("[#] 127 write 0xFFFF 0xFF d " + data.left(top_write_max).toBase64().toStdString() + "\r\n",
+                   "[#] OK\r\n");
+    QCOMPARE(top_write(127, 0xFFFF, 0xFF, top_write_max, reinterpret_cast<const BYTE*>(data.constData())), 0);
+    QVERIFY2(gateway.finished(), gateway.problem().c_str());
+}
+
+QTEST_APPLESS_MAIN(TestTcpAnswer)
+#include "TestTcpAnswer.moc"
