@@ -16,3 +16,6 @@ using tCommand = std::function<int(CConsole& console)>;
 // Each adds a sub-command. When it was given and its options are right, its work is put into `command`.
 
 void addCheck(CLI::App& app, tCommand& command);
+void addRead(CLI::App& app, tCommand& command);
+void addWrite(CLI::App& app, tCommand& command);
+void addNmt(CLI::App& app, tCommand& command);

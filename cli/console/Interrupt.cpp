@@ -5,6 +5,7 @@
 #include "console/ExitStatus.h"
 
 #include <csignal>
+#include <ctime>
 
 #include <unistd.h>
 
@@ -32,6 +33,19 @@ void noteInterrupts()
 bool isInterrupted()
 {
     return interrupted != 0;
+}
+
+void sleepUntil(std::chrono::steady_clock::time_point moment)
+{
+    while (true) {
+        endWhenInterrupted();
+        const auto rest = moment - std::chrono::steady_clock::now();
+        if (rest <= rest.zero())
+            return;
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(rest);
+        const timespec time = { seconds.count(), std::chrono::nanoseconds(rest - seconds).count() };
+        nanosleep(&time, nullptr); // a signal ends it
+    }
 }
 
 void endWhenInterrupted()

@@ -1,0 +1,53 @@
+// velmora-cli nmt
+// SPDX-License-Identifier: MIT
+#include "base/NodeId.h"
+#include "commands/Commands.h"
+#include "commands/SharedOptions.h"
+#include "network/NetworkCommands.h"
+
+#include <CLI/CLI.hpp>
+
+namespace
+{
+
+struct tNmtOptions {
+    tNetworkOptions network;
+    std::string word;
+    int node = 0; // 0: all
+};
+
+// The node-id of a text, 0 for "all".
+int nodeOf(const std::string& text)
+{
+    bool isNumber = false;
+    const int node = text == "all" ? 0 : QString::fromStdString(text).toInt(&isNumber);
+    if (text != "all" && (!isNumber || node < 1 || node > highestNodeId))
+        throw CLI::ValidationError("node", "expected a node-id from 1 to 127 or all, not " + text);
+    return node;
+}
+
+} // namespace
+
+void addNmt(CLI::App& app, tCommand& command)
+{
+    const auto options = std::make_shared<tNmtOptions>();
+    std::vector<std::string> words;
+    for (const QString& word : nmtWords())
+        words.push_back(word.toStdString());
+    CLI::App& nmt = *app.add_subcommand("nmt", "Sends a network management command to a node, or to all");
+    addNetwork(nmt, options->network);
+    nmt.add_option("command", options->word, "start, stop, preop, reset or reset-comm")
+        ->required()
+        ->check(CLI::IsMember(words))
+        ->type_name("COMMAND");
+    nmt.add_option_function<std::string>(
+           "node", [options](const std::string& text) { options->node = nodeOf(text); }, "1 to 127, or all")
+        ->required()
+        ->type_name("NODE");
+    nmt.footer("Example:\n  velmora-cli nmt -i can0 start 5");
+    nmt.callback([=, &command] {
+        command = [=](CConsole& console) {
+            return sendNmt(options->network, QString::fromStdString(options->word), options->node, console);
+        };
+    });
+}

@@ -1,0 +1,90 @@
+// Options that several sub-commands have.
+// SPDX-License-Identifier: MIT
+#include "commands/SharedOptions.h"
+
+#include "base/NodeId.h"
+
+#include <CLI/CLI.hpp>
+
+#include <map>
+
+CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, const std::string& description)
+{
+    return command
+        .add_option_function<std::string>(
+            name, [&text](const std::string& value) { text = QString::fromLocal8Bit(value.c_str()); }, description)
+        ->type_name("TEXT");
+}
+
+static CLI::Option* addMilliseconds(CLI::App& command, const char* name, std::optional<int>& time, int most,
+                                    const char* description)
+{
+    return command
+        .add_option_function<int>(
+            name, [&time](int value) { time = value; }, description)
+        ->check(CLI::Range(1, most))
+        ->type_name("MS");
+}
+
+CLI::Option* addNetwork(CLI::App& command, tNetworkOptions& options)
+{
+    constexpr int longestSdoTimeout = 65535;
+    constexpr int longestLineTimeout = 3600000;
+    addMilliseconds(command, "--timeout", options.sdoTimeout, longestSdoTimeout,
+                    "SDO time-out in ms; on CAN 500 otherwise. A gateway is told to use it, too");
+    addMilliseconds(command, "--gateway-timeout", options.gatewayTimeout, longestLineTimeout,
+                    "how long to wait for each line of a gateway, in ms; 66000 otherwise");
+    return addText(command, "-i,--interface", options.interface,
+                   "CAN interface (can0) or gateway (localhost:60000, 192.168.1.10:5000)")
+        ->type_name("INTERFACE")
+        ->required();
+}
+
+CLI::Option* addNode(CLI::App& command, int& node)
+{
+    return command.add_option("-n,--node", node, "node-id of the device, 1 to 127")
+        ->check(CLI::Range(1, highestNodeId))
+        ->type_name("ID");
+}
+
+CLI::Option* addSheet(CLI::App& command, QString& fileName)
+{
+    return addText(command, "-s,--sheet", fileName, "data sheet of the device (EDS or DCF): names and types")
+        ->type_name("FILE");
+}
+
+void addMode(CLI::App& command, valueFormats::TDisplayMode& mode)
+{
+    static const std::map<std::string, valueFormats::TDisplayMode> modes = { { "hex", valueFormats::modeHex },
+                                                                             { "dec", valueFormats::modeDec },
+                                                                             { "oct", valueFormats::modeOct } };
+    command
+        .add_option_function<std::string>(
+            "--mode", [&mode](const std::string& word) { mode = modes.at(word); },
+            "how numbers are shown: hex, dec, oct")
+        ->check(CLI::IsMember(modes))
+        ->type_name("MODE");
+}
+
+void addType(CLI::App& command, std::optional<int>& type)
+{
+    const auto isWord = [](const std::string& word) {
+        return typedValue::typeOfWord(QString::fromStdString(word)) ? std::string() : "no data type: " + word;
+    };
+    command
+        .add_option_function<std::string>(
+            "--type", [&type](const std::string& word) { type = typedValue::typeOfWord(QString::fromStdString(word)); },
+            "data type of the values: " + typedValue::words().toStdString())
+        ->check(isWord)
+        ->type_name("TYPE");
+}
+
+std::unique_ptr<CDataSheet> loadSheet(const QString& fileName)
+{
+    if (fileName.isEmpty())
+        return nullptr;
+    auto sheet = std::make_unique<CDataSheet>();
+    if (sheet->load(fileName) != CDataSheet::loaded)
+        throw tEnd{ exitUsage, sheet->error() };
+    return sheet;
+}

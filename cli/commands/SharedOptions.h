@@ -1,0 +1,39 @@
+// Options that several sub-commands have, and how texts of the command line are taken.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dic/DataSheet.h"
+#include "network/Network.h"
+#include "network/TypedValue.h"
+
+#include <QString>
+
+#include <memory>
+#include <string>
+
+namespace CLI
+{
+class App;
+class Option;
+} // namespace CLI
+
+/// Adds an option or a positional argument for a text, in the encoding of the terminal.
+CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, const std::string& description);
+
+/// Adds -i and the time-outs.
+CLI::Option* addNetwork(CLI::App& command, tNetworkOptions& options);
+
+/// Adds -n, which takes 1 to 127.
+CLI::Option* addNode(CLI::App& command, int& node);
+
+/// Adds -s for a data sheet.
+CLI::Option* addSheet(CLI::App& command, QString& fileName);
+
+/// Adds --mode hex|dec|oct, hexadecimal by itself.
+void addMode(CLI::App& command, valueFormats::TDisplayMode& mode);
+
+/// Adds --type and its words; `type` is none as long as it is not given.
+void addType(CLI::App& command, std::optional<int>& type);
+
+/// Loads the sheet; null without a name. Ends the command with `exitUsage`, and the reason, when it is refused.
+std::unique_ptr<CDataSheet> loadSheet(const QString& fileName);

@@ -1,0 +1,105 @@
+// velmora-cli read and velmora-cli write
+// SPDX-License-Identifier: MIT
+#include "commands/Commands.h"
+#include "commands/SharedOptions.h"
+#include "network/Transfers.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace
+{
+
+void addTransferOptions(CLI::App& command, tTransferOptions& options)
+{
+    addNetwork(command, options.network);
+    addNode(command, options.node)->required();
+    addSheet(command, options.sheet);
+    addType(command, options.type);
+    addMode(command, options.mode);
+    command
+        .add_option_function<std::string>(
+            "--format", [&](const std::string& word) { options.format = word == "json" ? formatJson : formatPlain; },
+            "plain (one value a line) or json")
+        ->check(CLI::IsMember({ "plain", "json" }))
+        ->type_name("FORMAT");
+}
+
+CLI::Option* addArguments(CLI::App& command, const char* name, const char* description, QStringList& arguments)
+{
+    return command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&arguments](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                    arguments += QString::fromLocal8Bit(text.c_str());
+            },
+            description)
+        ->required()
+        ->type_name("");
+}
+
+// "100ms", "2s" or "1min" in milliseconds.
+int millisecondsOf(const std::string& text)
+{
+    static const std::map<std::string, int> units = { { "ms", 1 }, { "s", 1000 }, { "min", 60000 } };
+    constexpr int longest = 86400000;
+    std::size_t end = 0;
+    double number = -1;
+    try {
+        number = std::stod(text, &end);
+    } catch (const std::exception&) {
+        end = 0;
+    }
+    const auto unit = units.find(text.substr(end));
+    if (end == 0 || unit == units.end() || !(number >= 0 && number * unit->second <= longest))
+        throw CLI::ValidationError("--every", "expected a time such as 100ms, 2s or 1min, not " + text);
+    return static_cast<int>(number * unit->second);
+}
+
+} // namespace
+
+void addRead(CLI::App& app, tCommand& command)
+{
+    const auto options = std::make_shared<tTransferOptions>();
+    CLI::App& read = *app.add_subcommand("read", "Reads parameters of a device and prints their values");
+    addTransferOptions(read, *options);
+    addArguments(read, "parameters", "PARAMETER: 1018:1, 0x1018sub1 (hexadecimal) or the name in the sheet",
+                 options->arguments);
+    auto* repeat =
+        read.add_option("--repeat", options->repeat, "read N times, as CSV with time stamps; 0: until Ctrl-C")
+            ->check(CLI::NonNegativeNumber)
+            ->type_name("N");
+    auto* every = read.add_option_function<std::string>(
+                          "--every", [options](const std::string& text) { options->every = millisecondsOf(text); },
+                          "time from one reading to the next: 100ms, 2s, 1min; until Ctrl-C without --repeat")
+                      ->type_name("TIME");
+    read.footer("Example:\n  velmora-cli read -i localhost:60000 -n 5 -s velmora-demo.eds 1018:1 \"Producer heartbeat "
+                "time\"");
+    read.callback([=, &command] {
+        const bool series = repeat->count() > 0 || every->count() > 0;
+        if (repeat->count() == 0 && every->count() > 0)
+            options->repeat = 0;
+        command = [=](CConsole& console) {
+            const auto sheet = loadSheet(options->sheet);
+            const CCANopen* dictionary = sheet ? &sheet->dictionary() : nullptr;
+            return series ? readSeries(*options, dictionary, console) : readParameters(*options, dictionary, console);
+        };
+    });
+}
+
+void addWrite(CLI::App& app, tCommand& command)
+{
+    const auto options = std::make_shared<tTransferOptions>();
+    CLI::App& write = *app.add_subcommand("write", "Writes parameters of a device and prints the values as sent");
+    addTransferOptions(write, *options);
+    addArguments(write, "assignments", "PARAMETER VALUE pairs: 1017 1000", options->arguments);
+    write.footer("Example:\n  velmora-cli write -i can0 -n 5 --type u16 1017 1000");
+    write.callback([=, &command] {
+        command = [=](CConsole& console) {
+            const auto sheet = loadSheet(options->sheet);
+            return writeParameters(*options, sheet ? &sheet->dictionary() : nullptr, console);
+        };
+    });
+}

@@ -1,0 +1,190 @@
+// The connection of velmora-cli to a CANopen network.
+// SPDX-License-Identifier: MIT
+#include "network/Network.h"
+
+#include "access/InterfaceText.h"
+#include "base/NodeId.h"
+#include "console/Interrupt.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <limits>
+
+namespace
+{
+
+constexpr BYTE usualBaudRate = 3; // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
+constexpr short longestValue = std::numeric_limits<short>::max();
+constexpr int gatewayError = -600; // minus the number that the gateway answered
+constexpr int sendFailed = -793;
+constexpr unsigned sdoAnswer = 0x580;  // plus the node-id
+constexpr unsigned sdoRequest = 0x600; // plus the node-id
+constexpr int mostWaiting = 20000;     // messages that the queue can hold, and some
+
+// What the numbers after "Error:" mean (CiA 309-3).
+struct tGatewayError {
+    int number;
+    const char* text;
+};
+constexpr tGatewayError gatewayErrors[] = {
+    { 100, "it does not support the command" },
+    { 101, "it does not understand the command" },
+    { 102, "its state does not allow the command" },
+    { 103, "no answer of the device in time" },
+    { 106, "no such network" },
+    { 107, "no such node" },
+};
+
+QString gatewayText(int number)
+{
+    const auto* row = std::find_if(std::begin(gatewayErrors), std::end(gatewayErrors),
+                                   [number](const tGatewayError& each) { return each.number == number; });
+    const QString text = QStringLiteral("the gateway answers error %1").arg(number);
+    return row == std::end(gatewayErrors) ? text : QStringLiteral("%1 (%2)").arg(text, QLatin1String(row->text));
+}
+
+QString numbered(const char* text, int error)
+{
+    return QStringLiteral("%1 (error %2)").arg(QString::fromLatin1(text), QString::number(error));
+}
+
+// What went wrong without an abort code of the device.
+QString networkText(const CCANopenAccess& access, bool isGateway)
+{
+    const int error = access.getLastError();
+    if (access.lastAnswer() == CCANopenAccess::answerNone)
+        return error == sendFailed ? QStringLiteral("the connection to the gateway is lost")
+                                   : QStringLiteral("no answer");
+    if (access.lastAnswer() == CCANopenAccess::answerCut)
+        return QStringLiteral("the answer of the gateway is cut");
+    if (isGateway && error <= gatewayError)
+        return gatewayText(gatewayError - error);
+    return numbered(access.getErrorText(error), error);
+}
+
+} // namespace
+
+CNetwork::CNetwork(const tNetworkOptions& options, CConsole& console) : m_console(console)
+{
+    noteInterrupts();
+    open(options);
+    setTimeouts(options);
+}
+
+CNetwork::~CNetwork()
+{
+    watchOthers();
+}
+
+void CNetwork::open(const tNetworkOptions& options)
+{
+    const QByteArray name = options.interface.toLocal8Bit();
+    tInterface interface = classifyInterface(name.constData());
+    m_isGateway = interface.library == libraryGateway;
+    if (m_access.initialize(interface.library, -1, interface.record(), usualBaudRate))
+        return;
+    endWhenInterrupted();
+    throw tEnd{
+        exitNetwork,
+        m_isGateway ? QStringLiteral("%1: no gateway answers there").arg(options.interface)
+                    : QStringLiteral("%1: there is no such CAN interface, or it cannot be used").arg(options.interface)
+    };
+}
+
+void CNetwork::setTimeouts(const tNetworkOptions& options)
+{
+    if (m_isGateway && options.gatewayTimeout)
+        m_access.setLineTimeout(*options.gatewayTimeout, nullptr);
+    if (!options.sdoTimeout)
+        return;
+    const auto failure = run(
+        [&](CCANopenAccess& access) { return access.setSDOTimeout(static_cast<WORD>(*options.sdoTimeout), nullptr); });
+    if (failure)
+        m_console.message(QStringLiteral("warning: the SDO time-out is not set: %1").arg(failure->text));
+}
+
+tReadResult CNetwork::read(BYTE node, WORD index, BYTE subIndex)
+{
+    std::array<BYTE, longestValue> buffer{};
+    short length = 0;
+    const bool done = m_access.read(node, index, subIndex, &length, buffer.data(), longestValue);
+    tReadResult result{ {}, transferFailure(done, node) };
+    if (!result.failure && length == longestValue)
+        result.failure = { exitNetwork, 0, QStringLiteral("the value is longer than %1 bytes").arg(length - 1) };
+    if (!result.failure)
+        result.bytes = QByteArray(reinterpret_cast<const char*>(buffer.data()), length);
+    return result;
+}
+
+std::optional<tFailure> CNetwork::write(BYTE node, WORD index, BYTE subIndex, const QByteArray& bytes, bool isNumber)
+{
+    const int longest = m_isGateway ? top_write_max : longestValue;
+    if (bytes.size() > longest)
+        return tFailure{ exitUsage, 0, QStringLiteral("more than %1 bytes cannot be sent").arg(longest) };
+    const auto size = static_cast<short>(bytes.size());
+    const auto* data = reinterpret_cast<const BYTE*>(bytes.constData()); // a zero byte follows them
+    const auto byte = [data](int place) { return static_cast<std::uint32_t>(data[place]) << (8 * place); };
+    bool done = false;
+    // Numbers go as numbers, as the window sends them: a gateway has words for them.
+    if (isNumber && size == 1)
+        done = m_access.writeUnsigned8(node, index, subIndex, data[0]);
+    else if (isNumber && size == 2)
+        done = m_access.writeUnsigned16(node, index, subIndex, static_cast<std::uint16_t>(byte(0) | byte(1)));
+    else if (isNumber && size == 4)
+        done = m_access.writeUnsigned32(node, index, subIndex, byte(0) | byte(1) | byte(2) | byte(3));
+    else
+        done = m_access.write(node, index, subIndex, size, data);
+    return transferFailure(done, node);
+}
+
+// Why a transfer with a node failed; none when it is done.
+std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
+{
+    const auto failure = failureOf(done);
+    if (failure && failure->status == exitNetwork)
+        m_late.insert(node);
+    constexpr int watchEvery = 32;
+    if (++m_transfers % watchEvery == 0)
+        watchOthers();
+    return failure;
+}
+
+std::optional<tFailure> CNetwork::failureOf(bool done)
+{
+    endWhenInterrupted();
+    if (m_access.isSDOAborted() && !done) {
+        const auto code = static_cast<std::uint32_t>(m_access.getLastAbort());
+        return tFailure{ exitAborted, code,
+                         QStringLiteral("aborted by the device: 0x%1 (%2)")
+                             .arg(code, 8, 16, QLatin1Char('0'))
+                             .arg(QString::fromLatin1(m_access.getAbortText(code))) };
+    }
+    if (done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
+        return std::nullopt;
+    return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway) };
+}
+
+void CNetwork::watchOthers()
+{
+    if (m_isGateway)
+        return;
+    union {
+        WORD cobId;
+        std::uint32_t identifier; // the facade writes 32 bits
+    } place = {};
+    short length = 0;
+    std::array<BYTE, 8> data{};
+    for (int n = 0; n < mostWaiting && m_access.readQueue(&place.cobId, &length, data.data()); ++n) {
+        const unsigned node = place.identifier & highestNodeId;
+        const bool answer = place.identifier > sdoAnswer && place.identifier <= sdoAnswer + highestNodeId;
+        const bool request = place.identifier > sdoRequest && place.identifier <= sdoRequest + highestNodeId;
+        if (m_warned || !(request || (answer && m_late.count(node) == 0)))
+            continue;
+        m_warned = true;
+        m_console.message(
+            QStringLiteral("warning: another SDO client is at work on this bus: it talks to node %1, and answers to it "
+                           "may be taken for answers to this program")
+                .arg(node));
+    }
+}

@@ -1,0 +1,82 @@
+// The connection of velmora-cli to a CANopen network.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "CANopenAccess.h"
+#include "base/CANopenErrors.h"
+#include "console/Console.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <set>
+
+/// Which network, and how long to wait there.
+struct tNetworkOptions {
+    QString interface;                 ///< as the window takes it: "can0", "localhost:60000", "192.168.1.10:5000"
+    std::optional<int> sdoTimeout;     ///< of a transfer, in milliseconds; a gateway is told. Not given: 500 on CAN
+    std::optional<int> gatewayTimeout; ///< for each line of a gateway, in milliseconds; not given: 66000
+};
+
+/// How an operation ended that did not end as it should.
+struct tFailure {
+    tExitStatus status;      ///< `exitNetwork`, `exitAborted` or `exitUsage`
+    std::uint32_t abortCode; ///< of the device; 0 unless it aborted the transfer
+    QString text;            ///< "aborted by the device: 0x06010001 (...)", "no answer"
+};
+
+/// What a read has brought: the bytes, or why there are none.
+struct tReadResult {
+    QByteArray bytes;
+    std::optional<tFailure> failure;
+};
+
+/// One open interface. Silence, a cut answer and the answer to another command are failures, never values. Ctrl-C ends
+/// the command (`tEnd` with `exitInterrupted`) after the call that it interrupts.
+class CNetwork
+{
+public:
+    /// Opens the interface; ends the command with `exitNetwork` when it cannot be opened.
+    CNetwork(const tNetworkOptions& options, CConsole& console);
+    ~CNetwork();
+    Q_DISABLE_COPY_MOVE(CNetwork)
+
+    bool isGateway() const { return m_isGateway; }
+
+    /// One SDO upload, as bytes. A value as long as what can be received is a failure: it may go on.
+    tReadResult read(BYTE node, WORD index, BYTE subIndex);
+    /// One SDO download. More bytes than a gateway's line holds are a failure (`exitUsage`), and nothing is sent.
+    /// `isNumber`: the bytes are a number, for which a gateway has words of its own.
+    std::optional<tFailure> write(BYTE node, WORD index, BYTE subIndex, const QByteArray& bytes, bool isNumber);
+
+    /// An operation of the facade that is answered, such as an NMT command: none when it was done.
+    template <typename Operation>
+    std::optional<tFailure> run(Operation operation)
+    {
+        return failureOf(operation(m_access));
+    }
+
+    /// The facade itself, for messages that are no transfers.
+    CCANopenAccess& access() { return m_access; }
+
+    /// Takes the messages that came in unasked, and warns once when another SDO client is at work on the bus: there are
+    /// its requests, or answers that nobody here has asked for.
+    void watchOthers();
+    /// An answer of this node may come later: it is no sign of another client.
+    void expectLateAnswer(unsigned node) { m_late.insert(node); }
+
+private:
+    std::optional<tFailure> failureOf(bool done);
+    std::optional<tFailure> transferFailure(bool done, BYTE node);
+    void open(const tNetworkOptions& options);
+    void setTimeouts(const tNetworkOptions& options);
+
+    CConsole& m_console;
+    CCANopenAccess m_access;
+    bool m_isGateway = false;
+    std::set<unsigned> m_late; // nodes whose answers may still come
+    int m_transfers = 0;
+    bool m_warned = false;
+};

@@ -1,0 +1,45 @@
+// Network management commands.
+// SPDX-License-Identifier: MIT
+#include "network/NetworkCommands.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+struct tNmtWord {
+    const char* word;
+    bool (CCANopenAccess::*command)(BYTE node);
+};
+
+constexpr tNmtWord nmtRows[] = {
+    { "start", &CCANopenAccess::startRemoteNode },          { "stop", &CCANopenAccess::stopRemoteNode },
+    { "preop", &CCANopenAccess::enterPreOperationalState }, { "reset", &CCANopenAccess::resetNode },
+    { "reset-comm", &CCANopenAccess::resetCommunication },
+};
+
+} // namespace
+
+QStringList nmtWords()
+{
+    QStringList words;
+    for (const tNmtWord& row : nmtRows)
+        words += QLatin1String(row.word);
+    return words;
+}
+
+int sendNmt(const tNetworkOptions& options, const QString& word, int node, CConsole& console)
+{
+    const auto* row = std::find_if(std::begin(nmtRows), std::end(nmtRows),
+                                   [&word](const tNmtWord& each) { return word == QLatin1String(each.word); });
+    if (row == std::end(nmtRows))
+        throw tEnd{ exitUsage, QStringLiteral("no NMT command: %1").arg(word) };
+    CNetwork network(options, console);
+    const auto failure =
+        network.run([&](CCANopenAccess& access) { return (access.*row->command)(static_cast<BYTE>(node)); });
+    if (!failure)
+        return exitDone;
+    console.message(failure->text);
+    return failure->status;
+}

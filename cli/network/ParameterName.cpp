@@ -1,0 +1,85 @@
+// The names of parameters on the command line.
+//
+//     parameter = index [ ( ":" | "sub" ) sub-index ] | name [ "/" name ]
+//     index     = [ "0x" ] 1 to 4 hexadecimal digits
+//     sub-index = [ "0x" ] 1 or 2 hexadecimal digits
+// SPDX-License-Identifier: MIT
+#include "network/ParameterName.h"
+
+#include "console/ExitStatus.h"
+#include "dic/CANopen.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace
+{
+
+using tObject = CCANopenObject;
+
+const CCANopenObjectEntry* entryOf(const CCANopen* sheet, WORD index, BYTE subIndex)
+{
+    const int place = sheet != nullptr ? sheet->find(index) : -1;
+    if (place < 0)
+        return nullptr;
+    const tObject& object = *sheet->m_objectArray[static_cast<std::size_t>(place)];
+    const int entry = object.find(subIndex);
+    return entry < 0 ? nullptr : object.m_objectEntryArray[static_cast<std::size_t>(entry)].get();
+}
+
+// All parameters of that name, each once.
+QList<tParameterName> namedParameters(const QString& text, const CCANopen& sheet)
+{
+    QList<tParameterName> found;
+    for (const auto& object : sheet.m_objectArray) {
+        for (const auto& entry : object->m_objectEntryArray) {
+            const bool named = text == object->getName() + u'/' + entry->getName() ||
+                               (entry->getSubindex() == 0 && text == object->getName());
+            const bool known = std::any_of(found.cbegin(), found.cend(), [&](const tParameterName& other) {
+                return other.index == object->getIndex() && other.subIndex == entry->getSubindex();
+            });
+            if (named && !known)
+                found += { object->getIndex(), entry->getSubindex(), entry.get() };
+        }
+    }
+    return found;
+}
+
+QString listed(const QList<tParameterName>& parameters)
+{
+    QStringList texts;
+    for (const tParameterName& parameter : parameters)
+        texts += parameterText(parameter.index, parameter.subIndex);
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+tParameterName readParameterName(const QString& text, const CCANopen* sheet)
+{
+    static const QRegularExpression numbers(
+        QStringLiteral("^(?:0x)?([0-9a-f]{1,4})(?:(?::|sub)(?:0x)?([0-9a-f]{1,2}))?$"),
+        QRegularExpression::CaseInsensitiveOption);
+    const auto names = sheet != nullptr ? namedParameters(text, *sheet) : QList<tParameterName>();
+    if (names.size() == 1)
+        return names.first();
+    if (names.size() > 1)
+        throw tEnd{ exitUsage,
+                    QStringLiteral("\"%1\" is the name of several parameters: %2").arg(text, listed(names)) };
+    const auto match = numbers.match(text);
+    if (match.hasMatch()) {
+        const auto index = static_cast<WORD>(match.captured(1).toUInt(nullptr, 16));
+        const auto subIndex = static_cast<BYTE>(match.captured(2).toUInt(nullptr, 16));
+        return { index, subIndex, entryOf(sheet, index, subIndex) };
+    }
+    throw tEnd{ exitUsage, QStringLiteral("\"%1\" is no parameter such as 1018:1 or 0x1018sub1%2")
+                               .arg(text, sheet != nullptr ? QStringLiteral(", and no name in the data sheet")
+                                                           : QStringLiteral("; names need a data sheet (-s)")) };
+}
+
+QString parameterText(WORD index, BYTE subIndex)
+{
+    const QString text = QStringLiteral("%1").arg(index, 4, 16, QLatin1Char('0'));
+    return (subIndex == 0 ? text : QStringLiteral("%1:%2").arg(text).arg(subIndex, 0, 16)).toUpper();
+}

@@ -1,0 +1,184 @@
+// The values of parameters as texts of the command line.
+// SPDX-License-Identifier: MIT
+#include "network/TypedValue.h"
+
+#include "CANopenTypes.h"
+#include "dic/CANopenObjectEntry.h"
+#include "dic/ValueTypes.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace
+{
+
+using entry = CCANopenObjectEntry;
+using types = CCANopenTypes;
+using valueFormats::TDisplayMode;
+
+struct tWord {
+    const char* word;
+    int type;
+};
+
+constexpr tWord typeWords[] = {
+    { "bool", entry::typeBoolean },   { "i8", entry::typeInteger8 },      { "i16", entry::typeInteger16 },
+    { "i24", entry::typeInteger24 },  { "i32", entry::typeInteger32 },    { "i40", entry::typeInteger40 },
+    { "i48", entry::typeInteger48 },  { "i56", entry::typeInteger56 },    { "i64", entry::typeInteger64 },
+    { "u8", entry::typeUnsigned8 },   { "u16", entry::typeUnsigned16 },   { "u24", entry::typeUnsigned24 },
+    { "u32", entry::typeUnsigned32 }, { "u40", entry::typeUnsigned40 },   { "u48", entry::typeUnsigned48 },
+    { "u56", entry::typeUnsigned56 }, { "u64", entry::typeUnsigned64 },   { "r32", entry::typeReal32 },
+    { "r64", entry::typeReal64 },     { "vs", entry::typeVisibleString }, { "os", entry::typeOctetString },
+    { "d", entry::typeDomain },       { "date", entry::typeDate },        { "time", entry::typeTimeOfDay },
+};
+
+template <typename Value>
+std::optional<QByteArray> raw(bool isValue, const Value& value)
+{
+    if (!isValue)
+        return std::nullopt;
+    return QByteArray(reinterpret_cast<const char*>(&value), sizeof value); // the processor's order is that of the bus
+}
+
+template <typename Value, bool (*convert)(const char*, Value*)>
+std::optional<QByteArray> converted(const QString& text)
+{
+    Value value{};
+    const QByteArray characters = text.toLatin1();
+    return raw(convert(characters.constData(), &value), value);
+}
+
+// The types that the window reads: by the same functions.
+struct tReader {
+    int type;
+    std::optional<QByteArray> (*read)(const QString& text);
+};
+
+constexpr tReader windowTypes[] = {
+    { entry::typeInteger8, converted<SDO_t_INTEGER8, types::ascii2integer8> },
+    { entry::typeInteger16, converted<SDO_t_INTEGER16, types::ascii2integer16> },
+    { entry::typeInteger32, converted<SDO_t_INTEGER32, types::ascii2integer32> },
+    { entry::typeUnsigned8, converted<SDO_t_UNSIGNED8, types::ascii2unsigned8> },
+    { entry::typeUnsigned16, converted<SDO_t_UNSIGNED16, types::ascii2unsigned16> },
+    { entry::typeUnsigned32, converted<SDO_t_UNSIGNED32, types::ascii2unsigned32> },
+    { entry::typeDate, converted<SDO_t_DATE, types::ascii2date> },
+    { entry::typeTimeOfDay, converted<SDO_t_TIME_OF_DAY, types::ascii2timeOfDay> },
+};
+
+// "01 2A FF", "0x01 0x2A" or "012AFF".
+std::optional<QByteArray> bytesOfOctets(const QString& text)
+{
+    QByteArray bytes;
+    const auto words = text.split(u' ', Qt::SkipEmptyParts);
+    for (const QString& word : words) {
+        const QString digits = word.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? word.mid(2) : word;
+        const QByteArray octets = QByteArray::fromHex(digits.toLatin1());
+        if (octets.size() * 2 != digits.size() || octets.toHex() != digits.toLatin1().toLower())
+            return std::nullopt;
+        bytes += octets;
+    }
+    return bytes;
+}
+
+std::optional<QByteArray> bytesOfBoolean(const QString& text)
+{
+    const auto bytes = valueFromText(text, valueType(entry::typeBoolean), 0);
+    return bytes && static_cast<unsigned char>(bytes->front()) <= 1 ? bytes : std::nullopt;
+}
+
+QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)
+{
+    const quint64 bits = numberOf(bytes, { kindUnsigned, type.width });
+    const int width = 8 * type.width;
+    if (mode == valueFormats::modeOct)
+        return QString::number(bits, 8).rightJustified((width + 2) / 3, u'0');
+    if (mode != valueFormats::modeDec)
+        return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(width / 4, u'0');
+    if (type.kind != kindSigned)
+        return QString::number(bits);
+    const auto value = static_cast<qint64>(numberOf(bytes, type));
+    return (value < 0 ? QString() : QStringLiteral("+")) + QString::number(value);
+}
+
+template <typename Moment, bool (*toText)(Moment, QString&)>
+QString momentText(const QByteArray& bytes)
+{
+    Moment moment{};
+    std::memcpy(&moment, bytes.constData(), sizeof moment);
+    QString text;
+    toText(moment, text);
+    return text;
+}
+
+QString integerText(int dataType, tValueType type, const QByteArray& bytes, TDisplayMode mode)
+{
+    const auto bits = static_cast<std::uint32_t>(numberOf(bytes, type));
+    const QString text = valueFormats::integer(dataType, valueFormats::sent, bits, mode);
+    return text.isEmpty() ? wideInteger(type, bytes, mode) : text;
+}
+
+} // namespace
+
+std::optional<int> typedValue::typeOfWord(const QString& word)
+{
+    const auto* row = std::find_if(std::begin(typeWords), std::end(typeWords), [&word](const tWord& each) {
+        return word.compare(QLatin1String(each.word), Qt::CaseInsensitive) == 0;
+    });
+    return row == std::end(typeWords) ? std::nullopt : std::optional(row->type);
+}
+
+QString typedValue::words()
+{
+    QStringList texts;
+    for (const tWord& row : typeWords)
+        texts += QLatin1String(row.word);
+    return texts.join(QStringLiteral(", "));
+}
+
+std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
+{
+    if (QString::fromLatin1(text.toLatin1()) != text)
+        return std::nullopt;
+    const auto* row = std::find_if(std::begin(windowTypes), std::end(windowTypes),
+                                   [type](const tReader& each) { return each.type == type; });
+    if (row != std::end(windowTypes))
+        return row->read(text);
+    if (type == entry::typeVisibleString)
+        return text.toLatin1();
+    if (type == entry::typeBoolean)
+        return bytesOfBoolean(text);
+    const tValueType layout = valueType(type);
+    if (isNumeric(layout) || layout.kind == kindReal)
+        return isRelative(text) ? std::nullopt : valueFromText(text, layout, 0);
+    const auto bytes = bytesOfOctets(text);
+    return bytes && !sizeDiffers(type, bytes->size()) ? bytes : std::nullopt;
+}
+
+QString typedValue::textOf(int type, const QByteArray& bytes, TDisplayMode mode)
+{
+    const tValueType layout = valueType(type);
+    if (layout.kind == kindText)
+        return QString::fromLatin1(bytes);
+    if (!sizeDiffers(type, bytes.size())) {
+        if (layout.kind == kindReal)
+            return textFromValue(bytes, layout).value_or(QString());
+        if (isNumeric(layout))
+            return integerText(type, layout, bytes, mode);
+        if (mode == valueFormats::modeDec && type == entry::typeDate)
+            return momentText<SDO_t_DATE, types::date2ascii>(bytes);
+        if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
+            return momentText<SDO_t_TIME_OF_DAY, types::timeOfDay2ascii>(bytes);
+    }
+    return valueFormats::bytes(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<int>(bytes.size()),
+                               mode)
+        .trimmed();
+}
+
+bool typedValue::sizeDiffers(int type, qsizetype size)
+{
+    const int width = valueType(type).width;
+    return width != 0 && size != width;
+}

@@ -1,0 +1,34 @@
+// The values of parameters as texts of the command line: those that a user types, and those that the program prints.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "values/ValueFormats.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace typedValue
+{
+
+/// The number of a data type by its word on the command line: "u8", "i32", "bool", "r32", "vs", "os", "d", "date",
+/// "time"; none for other words.
+std::optional<int> typeOfWord(const QString& word);
+/// All words, for messages and help: "bool, i8, ... time".
+QString words();
+
+/// The bytes that a typed text stands for; none when it is no value of the type, for example a number out of its range.
+/// Integers, dates and times are read as the window reads them; a boolean is 0 or 1; reals are decimal or bit patterns
+/// ("1.5", "0x3FC00000"); texts are Latin-1; all other types are bytes in hexadecimal ("01 2A FF").
+std::optional<QByteArray> bytesOf(int type, const QString& text);
+
+/// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Texts
+/// and reals are shown as they are read. Bytes that are no value of the type, since their number is another, are shown
+/// byte by byte.
+QString textOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
+
+/// Whether values of the type have a fixed number of bytes other than this one.
+bool sizeDiffers(int type, qsizetype size);
+
+} // namespace typedValue
