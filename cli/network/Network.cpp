@@ -22,6 +22,8 @@ constexpr unsigned sdoAnswer = 0x580;  // plus the node-id
 constexpr unsigned sdoRequest = 0x600; // plus the node-id
 constexpr int mostWaiting = 20000;     // messages that the queue can hold, and some
 
+constexpr int deviceTimeout = 103;
+
 // What the numbers after "Error:" mean (CiA 309-3).
 struct tGatewayError {
     int number;
@@ -31,7 +33,7 @@ constexpr tGatewayError gatewayErrors[] = {
     { 100, "it does not support the command" },
     { 101, "it does not understand the command" },
     { 102, "its state does not allow the command" },
-    { 103, "no answer of the device in time" },
+    { deviceTimeout, "no answer of the device in time" },
     { 106, "no such network" },
     { 107, "no such node" },
 };
@@ -121,7 +123,7 @@ std::optional<tFailure> CNetwork::write(BYTE node, WORD index, BYTE subIndex, co
 {
     const int longest = m_isGateway ? top_write_max : longestValue;
     if (bytes.size() > longest)
-        return tFailure{ exitUsage, 0, QStringLiteral("more than %1 bytes cannot be sent").arg(longest) };
+        return tFailure{ exitUsage, 0, QStringLiteral("more than %1 bytes cannot be sent").arg(longest), false };
     const auto size = static_cast<short>(bytes.size());
     const auto* data = reinterpret_cast<const BYTE*>(bytes.constData()); // a zero byte follows them
     const auto byte = [data](int place) { return static_cast<std::uint32_t>(data[place]) << (8 * place); };
@@ -162,7 +164,9 @@ std::optional<tFailure> CNetwork::failureOf(bool done)
     }
     if (done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
         return std::nullopt;
-    return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway) };
+    const bool silent =
+        m_access.lastAnswer() == CCANopenAccess::answerNone || m_access.getLastError() == gatewayError - deviceTimeout;
+    return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway), silent };
 }
 
 void CNetwork::watchOthers()

@@ -25,6 +25,7 @@ struct tFailure {
     tExitStatus status;      ///< `exitNetwork`, `exitAborted` or `exitUsage`
     std::uint32_t abortCode; ///< of the device; 0 unless it aborted the transfer
     QString text;            ///< "aborted by the device: 0x06010001 (...)", "no answer"
+    bool silent = false;     ///< nobody has answered: further attempts would wait as long
 };
 
 /// What a read has brought: the bytes, or why there are none.

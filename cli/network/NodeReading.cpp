@@ -1,0 +1,75 @@
+// Reading many entries of a device.
+// SPDX-License-Identifier: MIT
+#include "network/NodeReading.h"
+
+#include "dic/CANopenObjectEntry.h"
+#include "network/TypedValue.h"
+#include "sheets/EntryText.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+using tEntry = CCANopenObjectEntry;
+
+QString nameOf(const tSnapshotEntry& entry)
+{
+    return parameterText(entry.index, entry.subIndex);
+}
+
+} // namespace
+
+int readEntry(const tDevice& device, tSnapshotEntry& entry)
+{
+    entry.value.reset();
+    entry.abortCode = 0;
+    const auto [bytes, failure] = device.network.read(static_cast<BYTE>(device.node), static_cast<WORD>(entry.index),
+                                                      static_cast<BYTE>(entry.subIndex));
+    if (failure && failure->silent)
+        throw tEnd{ exitNetwork, QStringLiteral("%1: %2").arg(nameOf(entry), failure->text) };
+    if (failure) {
+        entry.abortCode = failure->abortCode;
+        device.console.message(QStringLiteral("%1: %2").arg(nameOf(entry), failure->text));
+        return failure->status;
+    }
+    if (typedValue::sizeDiffers(entry.type, bytes.size())) {
+        device.console.message(QStringLiteral("%1: the device has %2 bytes, which is no %3")
+                                   .arg(nameOf(entry), QString::number(bytes.size()),
+                                        tEntry::getDataTypeByIndex(tEntry::TEntryType(entry.type))));
+        return exitDifference;
+    }
+    entry.value = valueToHold(entry, bytes, static_cast<unsigned>(device.node));
+    return exitDone;
+}
+
+int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted)
+{
+    snapshot.nodeId = static_cast<unsigned>(device.node);
+    const auto total = std::count_if(snapshot.entries.cbegin(), snapshot.entries.cend(), wanted);
+    int status = exitDone;
+    int done = 0;
+    for (tSnapshotEntry& entry : snapshot.entries) {
+        if (!wanted(entry)) {
+            entry.value.reset();
+            continue;
+        }
+        device.console.progress(QStringLiteral("%1 of %2: %3").arg(++done).arg(total).arg(nameOf(entry)));
+        status = graver(status, readEntry(device, entry));
+    }
+    device.console.progress(QString());
+    return status;
+}
+
+bool isReadable(const tSnapshotEntry& entry)
+{
+    return entry.access != tEntry::accessWO;
+}
+
+int graver(int status, int other)
+{
+    constexpr int order[] = { exitDone, exitDifference, exitUsage, exitAborted, exitNetwork, exitInterrupted };
+    const auto* place = std::find(std::begin(order), std::end(order), status);
+    return std::find(place, std::end(order), other) != std::end(order) ? other : status;
+}

@@ -1,0 +1,31 @@
+// Reading many entries of a device.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "network/Network.h"
+#include "sheets/Snapshot.h"
+
+#include <functional>
+
+/// A device of which entries are read, one after the other.
+struct tDevice {
+    CNetwork& network;
+    int node;
+    CConsole& console;
+};
+
+/// Reads the value of the entry into it, as it is held. Without an answer the command ends with `exitNetwork`. Whatever
+/// else prevents it is told, and the entry has no value afterwards: an abort (kept in the entry), a cut answer, a value
+/// that has not the size of its type.
+/// @return the exit status for this entry
+int readEntry(const tDevice& device, tSnapshotEntry& entry);
+
+/// Reads all entries for which `wanted` holds, with progress; the others lose their value.
+/// @return the worst exit status of an entry
+int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted);
+
+/// Whether an entry can be read at all.
+bool isReadable(const tSnapshotEntry& entry);
+
+/// The graver one of two exit statuses: no answer, then an abort, then a difference.
+int graver(int status, int other);
