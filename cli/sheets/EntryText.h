@@ -1,0 +1,30 @@
+// How commands write indexes, sub-indexes and values of entries.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+/// "0x1018"
+QString indexText(unsigned index);
+/// "9", "0xA"
+QString subIndexText(unsigned subIndex);
+/// "1018:1", both hexadecimal, as parameters are written in messages
+QString parameterText(unsigned index, unsigned subIndex);
+
+/// The number in the text, decimal or hexadecimal after "0x"; none when it is no number or larger than `most`.
+std::optional<unsigned> numberIn(const QString& text, unsigned most);
+
+/// The bytes of a text such as "$NODEID+0x180" minus the node-id, that is, of node 0; none for a text that is no such sum,
+/// or has the node-id in it twice.
+std::optional<QByteArray> relativeValue(const QString& text, int dataType);
+
+/// A value in a dump: as `textFromValue` writes it (`relative`: to a node-id, which has been subtracted from it). A text
+/// is written as it is; a value of another length than its type has, as octets.
+QString dumpedText(const QByteArray& value, int dataType, bool relative);
+
+/// The value of `size` bytes that `dumpedText` has written, or that anybody else may write so; none when the text is no
+/// such value.
+std::optional<QByteArray> dumpedValue(const QString& text, int dataType, qsizetype size);

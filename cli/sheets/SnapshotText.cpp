@@ -1,0 +1,89 @@
+// Snapshots as text.
+// SPDX-License-Identifier: MIT
+#include "sheets/SnapshotText.h"
+
+#include "dic/CANopenObjectEntry.h"
+#include "sheets/Csv.h"
+#include "sheets/EntryText.h"
+#include "sheets/TextTable.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace
+{
+
+using tEntry = CCANopenObjectEntry;
+
+QString abortText(std::uint32_t code)
+{
+    return code == 0 ? QString() : QStringLiteral("0x") + QString::number(code, 16).toUpper().rightJustified(8, u'0');
+}
+
+// The fields of the columns.
+QStringList fieldsOf(const tSnapshotEntry& entry)
+{
+    return {
+        indexText(entry.index),
+        subIndexText(entry.subIndex),
+        entry.name,
+        tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(entry.type)),
+        tEntry::getAccessByIndex(static_cast<tEntry::TEntryAccess>(entry.access)),
+        entry.value ? QString::number(entry.value->size()) : QString(),
+        entry.value ? dumpedText(*entry.value, entry.type, entry.relative) : QString(),
+        abortText(entry.abortCode),
+    };
+}
+
+QJsonObject jsonOf(const tSnapshotEntry& entry)
+{
+    QJsonObject object;
+    const QStringList columns = dumpColumns();
+    const QStringList fields = fieldsOf(entry);
+    for (qsizetype column = 0; column < columns.size(); ++column)
+        object[columns[column]] = fields[column];
+    object[QStringLiteral("subindex")] = static_cast<int>(entry.subIndex);
+    object[QStringLiteral("size")] = entry.value ? QJsonValue(qint64{ entry.value->size() }) : QJsonValue();
+    if (!entry.value)
+        object[QStringLiteral("value")] = QJsonValue();
+    if (entry.abortCode == 0)
+        object[QStringLiteral("abort")] = QJsonValue();
+    return object;
+}
+
+} // namespace
+
+QStringList dumpColumns()
+{
+    return QStringLiteral("index,subindex,name,type,access,size,value,abort").split(u',');
+}
+
+QByteArray snapshotAsCsv(const tSnapshot& snapshot)
+{
+    QByteArray text = csvLine(dumpColumns());
+    for (const tSnapshotEntry& entry : snapshot.entries)
+        text += csvLine(fieldsOf(entry));
+    return text;
+}
+
+QByteArray snapshotAsJson(const tSnapshot& snapshot)
+{
+    QJsonArray entries;
+    for (const tSnapshotEntry& entry : snapshot.entries)
+        entries.append(jsonOf(entry));
+    const QJsonObject object{
+        { QStringLiteral("nodeId"), static_cast<int>(snapshot.nodeId) },
+        { QStringLiteral("sheet"), snapshot.sheet },
+        { QStringLiteral("entries"), entries },
+    };
+    return QJsonDocument(object).toJson();
+}
+
+QByteArray snapshotAsTable(const tSnapshot& snapshot)
+{
+    std::vector<QStringList> rows{ dumpColumns() };
+    for (const tSnapshotEntry& entry : snapshot.entries)
+        rows.push_back(fieldsOf(entry));
+    return textTable(rows);
+}
