@@ -3,6 +3,7 @@
 #include "commands/SharedOptions.h"
 
 #include "base/NodeId.h"
+#include "sheets/SheetFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,6 +15,20 @@ CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, 
         .add_option_function<std::string>(
             name, [&text](const std::string& value) { text = QString::fromLocal8Bit(value.c_str()); }, description)
         ->type_name("TEXT");
+}
+
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts)
+{
+    return command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&texts](const std::vector<std::string>& values) {
+                for (const std::string& text : values)
+                    texts += QString::fromLocal8Bit(text.c_str());
+            },
+            description)
+        ->required()
+        ->type_name("");
 }
 
 static CLI::Option* addMilliseconds(CLI::App& command, const char* name, std::optional<int>& time, int most,
@@ -79,12 +94,11 @@ void addType(CLI::App& command, std::optional<int>& type)
         ->type_name("TYPE");
 }
 
-std::unique_ptr<CDataSheet> loadSheet(const QString& fileName)
+std::unique_ptr<CDataSheet> loadSheetIfNamed(const QString& fileName)
 {
     if (fileName.isEmpty())
         return nullptr;
     auto sheet = std::make_unique<CDataSheet>();
-    if (sheet->load(fileName) != CDataSheet::loaded)
-        throw tEnd{ exitUsage, sheet->error() };
+    loadSheet(*sheet, fileName);
     return sheet;
 }

@@ -7,6 +7,7 @@
 #include "network/TypedValue.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <string>
@@ -20,10 +21,13 @@ class Option;
 /// Adds an option or a positional argument for a text, in the encoding of the terminal.
 CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, const std::string& description);
 
-/// Adds -i and the time-outs.
+/// The same for a positional argument that is given once or more often; required.
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts);
+
+/// Adds -i and the time-outs. @return -i, which is required
 CLI::Option* addNetwork(CLI::App& command, tNetworkOptions& options);
 
-/// Adds -n, which takes 1 to 127.
+/// Adds -n, which takes 1 to 127. Not required.
 CLI::Option* addNode(CLI::App& command, int& node);
 
 /// Adds -s for a data sheet.
@@ -36,4 +40,4 @@ void addMode(CLI::App& command, valueFormats::TDisplayMode& mode);
 void addType(CLI::App& command, std::optional<int>& type);
 
 /// Loads the sheet; null without a name. Ends the command with `exitUsage`, and the reason, when it is refused.
-std::unique_ptr<CDataSheet> loadSheet(const QString& fileName);
+std::unique_ptr<CDataSheet> loadSheetIfNamed(const QString& fileName);

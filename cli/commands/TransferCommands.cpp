@@ -26,20 +26,6 @@ void addTransferOptions(CLI::App& command, tTransferOptions& options)
         ->type_name("FORMAT");
 }
 
-CLI::Option* addArguments(CLI::App& command, const char* name, const char* description, QStringList& arguments)
-{
-    return command
-        .add_option_function<std::vector<std::string>>(
-            name,
-            [&arguments](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts)
-                    arguments += QString::fromLocal8Bit(text.c_str());
-            },
-            description)
-        ->required()
-        ->type_name("");
-}
-
 // "100ms", "2s" or "1min" in milliseconds.
 int millisecondsOf(const std::string& text)
 {
@@ -65,8 +51,8 @@ void addRead(CLI::App& app, tCommand& command)
     const auto options = std::make_shared<tTransferOptions>();
     CLI::App& read = *app.add_subcommand("read", "Reads parameters of a device and prints their values");
     addTransferOptions(read, *options);
-    addArguments(read, "parameters", "PARAMETER: 1018:1, 0x1018sub1 (hexadecimal) or the name in the sheet",
-                 options->arguments);
+    addTexts(read, "parameters", "PARAMETER: 1018:1, 0x1018sub1 (hexadecimal) or the name in the sheet",
+             options->arguments);
     auto* repeat =
         read.add_option("--repeat", options->repeat, "read N times, as CSV with time stamps; 0: until Ctrl-C")
             ->check(CLI::NonNegativeNumber)
@@ -82,7 +68,7 @@ void addRead(CLI::App& app, tCommand& command)
         if (repeat->count() == 0 && every->count() > 0)
             options->repeat = 0;
         command = [=](CConsole& console) {
-            const auto sheet = loadSheet(options->sheet);
+            const auto sheet = loadSheetIfNamed(options->sheet);
             const CCANopen* dictionary = sheet ? &sheet->dictionary() : nullptr;
             return series ? readSeries(*options, dictionary, console) : readParameters(*options, dictionary, console);
         };
@@ -94,11 +80,11 @@ void addWrite(CLI::App& app, tCommand& command)
     const auto options = std::make_shared<tTransferOptions>();
     CLI::App& write = *app.add_subcommand("write", "Writes parameters of a device and prints the values as sent");
     addTransferOptions(write, *options);
-    addArguments(write, "assignments", "PARAMETER VALUE pairs: 1017 1000", options->arguments);
+    addTexts(write, "assignments", "PARAMETER VALUE pairs: 1017 1000", options->arguments);
     write.footer("Example:\n  velmora-cli write -i can0 -n 5 --type u16 1017 1000");
     write.callback([=, &command] {
         command = [=](CConsole& console) {
-            const auto sheet = loadSheet(options->sheet);
+            const auto sheet = loadSheetIfNamed(options->sheet);
             return writeParameters(*options, sheet ? &sheet->dictionary() : nullptr, console);
         };
     });

@@ -8,6 +8,7 @@
 
 #include "console/ExitStatus.h"
 #include "dic/CANopen.h"
+#include "sheets/EntryText.h"
 
 #include <QRegularExpression>
 
@@ -76,10 +77,4 @@ tParameterName readParameterName(const QString& text, const CCANopen* sheet)
     throw tEnd{ exitUsage, QStringLiteral("\"%1\" is no parameter such as 1018:1 or 0x1018sub1%2")
                                .arg(text, sheet != nullptr ? QStringLiteral(", and no name in the data sheet")
                                                            : QStringLiteral("; names need a data sheet (-s)")) };
-}
-
-QString parameterText(WORD index, BYTE subIndex)
-{
-    const QString text = QStringLiteral("%1").arg(index, 4, 16, QLatin1Char('0'));
-    return (subIndex == 0 ? text : QStringLiteral("%1:%2").arg(text).arg(subIndex, 0, 16)).toUpper();
 }

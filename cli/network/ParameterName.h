@@ -21,6 +21,3 @@ struct tParameterName {
 /// as they are written. `sheet` may be null. Ends the command with `exitUsage` when there is no such parameter: a wrong
 /// form, an unknown or ambiguous name.
 tParameterName readParameterName(const QString& text, const CCANopen* sheet);
-
-/// "1018:1", or "1017" for sub-index 0, as it is written on the command line and in messages.
-QString parameterText(WORD index, BYTE subIndex);

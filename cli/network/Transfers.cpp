@@ -4,6 +4,8 @@
 
 #include "console/Interrupt.h"
 #include "dic/ValueTypes.h"
+#include "sheets/Csv.h"
+#include "sheets/EntryText.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -43,8 +45,7 @@ bool isNumber(int type)
 
 QJsonObject jsonOf(const tTyped& parameter, valueFormats::TDisplayMode mode)
 {
-    QJsonObject object{ { QStringLiteral("index"),
-                          QStringLiteral("0x%1").arg(parameter.name.index, 4, 16, QLatin1Char('0')) },
+    QJsonObject object{ { QStringLiteral("index"), indexText(parameter.name.index) },
                         { QStringLiteral("subindex"), parameter.name.subIndex },
                         { QStringLiteral("type"), tEntry::getDataTypeByIndex(tEntry::TEntryType(parameter.type)) },
                         { QStringLiteral("value"), typedValue::textOf(parameter.type, parameter.bytes, mode) },
@@ -99,13 +100,6 @@ QList<tTyped> typedParameters(const tTransferOptions& options, const CCANopen* s
     return parameters;
 }
 
-QString csvField(const QString& text)
-{
-    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r'))
-        return text;
-    return u'"' + QString(text).replace(u'"', QLatin1String("\"\"")) + u'"';
-}
-
 // One row of a series; the worst exit status of its readings.
 int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& parameters, CConsole& console)
 {
@@ -114,7 +108,7 @@ int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& p
     for (tTyped& parameter : parameters) {
         const tReadResult result =
             network.read(static_cast<BYTE>(options.node), parameter.name.index, parameter.name.subIndex);
-        row += result.failure ? QString() : csvField(typedValue::textOf(parameter.type, result.bytes, options.mode));
+        row += result.failure ? QString() : typedValue::textOf(parameter.type, result.bytes, options.mode);
         if (result.failure) {
             report(console, parameter.name, *result.failure);
             status = std::max<int>(status, result.failure->status);
@@ -124,7 +118,7 @@ int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& p
             status = std::max<int>(status, exitDifference);
         }
     }
-    console.line(row.join(u','));
+    console.write(csvLine(row));
     console.flush();
     return status;
 }
@@ -165,7 +159,7 @@ int readSeries(const tTransferOptions& options, const CCANopen* sheet, CConsole&
     QStringList header{ QStringLiteral("time") };
     for (const tTyped& parameter : parameters)
         header += textOf(parameter.name);
-    console.line(header.join(u','));
+    console.write(csvLine(header));
     int status = exitDone;
     auto next = std::chrono::steady_clock::now();
     for (int row = 0; row < options.repeat || options.repeat == 0; ++row) {

@@ -41,7 +41,8 @@ QString subIndexText(unsigned subIndex)
 
 QString parameterText(unsigned index, unsigned subIndex)
 {
-    return hexadecimal(index).rightJustified(4, u'0') + u':' + hexadecimal(subIndex);
+    const QString text = hexadecimal(index).rightJustified(4, u'0');
+    return subIndex == 0 ? text : text + u':' + hexadecimal(subIndex);
 }
 
 std::optional<unsigned> numberIn(const QString& text, unsigned most)

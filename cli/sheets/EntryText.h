@@ -11,7 +11,7 @@
 QString indexText(unsigned index);
 /// "9", "0xA"
 QString subIndexText(unsigned subIndex);
-/// "1018:1", both hexadecimal, as parameters are written in messages
+/// "1018:1", both hexadecimal, or "1017" for sub-index 0, as parameters are written on the command line and in messages
 QString parameterText(unsigned index, unsigned subIndex);
 
 /// The number in the text, decimal or hexadecimal after "0x"; none when it is no number or larger than `most`.
