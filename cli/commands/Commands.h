@@ -19,4 +19,5 @@ void addCheck(CLI::App& app, tCommand& command);
 void addRead(CLI::App& app, tCommand& command);
 void addWrite(CLI::App& app, tCommand& command);
 void addCompare(CLI::App& app, tCommand& command);
+void addRestore(CLI::App& app, tCommand& command);
 void addNmt(CLI::App& app, tCommand& command);

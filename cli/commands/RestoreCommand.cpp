@@ -1,0 +1,56 @@
+// velmora-cli restore
+// SPDX-License-Identifier: MIT
+#include "commands/Commands.h"
+#include "commands/SharedOptions.h"
+#include "network/Restore.h"
+
+#include <CLI/CLI.hpp>
+
+namespace
+{
+
+// The index of a text such as "1010" or "0x1F51".
+unsigned indexOf(const std::string& text)
+{
+    constexpr unsigned highest = 0xFFFF;
+    bool isNumber = false;
+    const unsigned index = QString::fromStdString(text).toUInt(&isNumber, 16);
+    if (!isNumber || index > highest)
+        throw CLI::ValidationError("--include", "expected an index such as 1003, not " + text);
+    return index;
+}
+
+} // namespace
+
+void addRestore(CLI::App& app, tCommand& command)
+{
+    const auto options = std::make_shared<tRestoreOptions>();
+    CLI::App& restoreApp = *app.add_subcommand("restore", "Writes the values of a DCF or a dump back into a device");
+    addNetwork(restoreApp, options->network);
+    addNode(restoreApp, options->node)->required();
+    addText(restoreApp, "file", options->file, "the saved values: .dcf, .csv, .json")->required()->type_name("FILE");
+    restoreApp.add_flag("--dry-run", options->dryRun, "only list what would be written");
+    restoreApp.add_flag("--store", options->store, "let the device store its parameters (1010:1) when all was written");
+    restoreApp.add_flag("--force", options->force,
+                        "also to a device with another type, vendor or product (1000, 1018)");
+    restoreApp.add_flag("--keep-going", options->keepGoing, "go on after a parameter that the device refuses");
+    restoreApp.add_flag_callback(
+        "--no-start", [options] { options->start = false; },
+        "leave a node whose state before is not known in pre-operational");
+    restoreApp
+        .add_option_function<std::vector<std::string>>(
+            "--include",
+            [options](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                    options->include.insert(indexOf(text));
+            },
+            "write this index, too: 1003, 1010, 1011, 1F50 to 1F5F and write-only entries are left out otherwise")
+        ->type_name("INDEX")
+        ->take_all()
+        ->allow_extra_args(false);
+    restoreApp.footer(
+        "Compares first and writes only what differs, then reads it back. PDO parameters are written in\n"
+        "pre-operational: afterwards the node is brought back into its state, which is learned from its heartbeat.\n"
+        "Example:\n  velmora-cli restore -i can0 -n 5 node5.dcf --dry-run");
+    restoreApp.callback([=, &command] { command = [=](CConsole& console) { return restore(*options, console); }; });
+}

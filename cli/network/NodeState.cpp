@@ -1,0 +1,99 @@
+// A node that is in pre-operational for the time in which its PDO parameters are written.
+// SPDX-License-Identifier: MIT
+#include "network/NodeState.h"
+
+#include "console/Interrupt.h"
+
+#include <QDeadlineTimer>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+namespace
+{
+
+// States in heartbeats (CiA 301).
+constexpr int preOperational = 0x7F;
+constexpr int unknownState = -1;
+constexpr int stateMask = 0x7F;
+constexpr unsigned heartbeat = 0x700; // plus the node-id
+constexpr WORD producerHeartbeatTime = 0x1017;
+constexpr int longestWait = 3000; // milliseconds for a heartbeat
+
+// The state in the next heartbeat, for which `time` milliseconds are waited.
+int awaitHeartbeat(CNetwork& network, unsigned node, int time)
+{
+    const QDeadlineTimer deadline(time);
+    union {
+        WORD cobId;
+        std::uint32_t identifier; // the facade writes 32 bits
+    } place = {};
+    short length = 0;
+    std::array<BYTE, 8> data{};
+    while (!deadline.hasExpired()) {
+        if (!network.access().readQueue(&place.cobId, &length, data.data()))
+            sleepUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(1));
+        else if (place.identifier == heartbeat + node && length == 1)
+            return data[0] & stateMask;
+    }
+    return unknownState;
+}
+
+int stateOf(const tDevice& device)
+{
+    if (device.network.isGateway())
+        return unknownState;
+    const auto [bytes, failure] = device.network.read(static_cast<BYTE>(device.node), producerHeartbeatTime, 0);
+    if (failure || bytes.size() != 2)
+        return unknownState;
+    const int period = static_cast<unsigned char>(bytes[0]) | static_cast<unsigned char>(bytes[1]) << 8;
+    return period == 0
+               ? unknownState
+               : awaitHeartbeat(device.network, static_cast<unsigned>(device.node), std::min(2 * period, longestWait));
+}
+
+} // namespace
+
+void CPreOperational::begin()
+{
+    m_state = stateOf(m_device);
+    send(&CCANopenAccess::enterPreOperationalState);
+    m_begun = true;
+    say("is in pre-operational while its PDO parameters are written");
+}
+
+void CPreOperational::end(bool start)
+{
+    if (!m_begun)
+        return;
+    m_begun = false;
+    if (m_state == preOperational) {
+        say("stays in pre-operational, as it was");
+    } else if (m_state == unknownState && !start) {
+        say("stays in pre-operational");
+    } else {
+        send(&CCANopenAccess::startRemoteNode);
+        say(m_state == unknownState ? "was started again; its state before is not known" : "is operational again");
+    }
+}
+
+void CPreOperational::abandon()
+{
+    if (m_begun)
+        say("stays in pre-operational, since not all of its PDO parameters were written");
+    m_begun = false;
+}
+
+void CPreOperational::send(bool (CCANopenAccess::*command)(BYTE node))
+{
+    const auto failure = m_device.network.run(
+        [&](CCANopenAccess& access) { return (access.*command)(static_cast<BYTE>(m_device.node)); });
+    if (failure)
+        throw tEnd{ failure->status, failure->text };
+}
+
+void CPreOperational::say(const char* what)
+{
+    m_device.console.message(QStringLiteral("node %1 %2").arg(m_device.node).arg(QLatin1String(what)));
+}
