@@ -18,6 +18,7 @@ using tCommand = std::function<int(CConsole& console)>;
 void addCheck(CLI::App& app, tCommand& command);
 void addRead(CLI::App& app, tCommand& command);
 void addWrite(CLI::App& app, tCommand& command);
+void addDump(CLI::App& app, tCommand& command);
 void addCompare(CLI::App& app, tCommand& command);
 void addRestore(CLI::App& app, tCommand& command);
 void addNmt(CLI::App& app, tCommand& command);
