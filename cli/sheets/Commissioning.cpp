@@ -10,13 +10,40 @@
 
 #include <string_view>
 
+namespace
+{
+
+// Calls `use` with the reader at each key of the section.
+template <typename Use>
+void readSection(const QString& fileName, Use use)
+{
+    CIniReader reader(QFile::encodeName(fileName).constData());
+    for (int item = reader.moveToNextItem(); item > 0; item = reader.moveToNextItem())
+        if (reader.section() == std::string_view(commissioning::section))
+            use(reader);
+}
+
+} // namespace
+
 unsigned commissionedNodeId(const QString& fileName)
 {
     unsigned nodeId = 0;
-    CIniReader reader(QFile::encodeName(fileName).constData());
-    for (int item = reader.moveToNextItem(); item > 0; item = reader.moveToNextItem())
-        if (reader.section() == std::string_view(commissioning::section) && reader.keyName() == commissioning::nodeId)
-            if (const auto number = numberIn(reader.getKeyValue(), highestNodeId); number && *number > 0)
-                nodeId = *number;
+    readSection(fileName, [&nodeId](const CIniReader& reader) {
+        if (reader.keyName() != commissioning::nodeId)
+            return;
+        if (const auto number = numberIn(reader.getKeyValue(), highestNodeId); number && *number > 0)
+            nodeId = *number;
+    });
     return nodeId;
+}
+
+tCommissioningLines commissioningLines(const QString& fileName)
+{
+    tCommissioningLines lines;
+    readSection(fileName, [&lines](const CIniReader& reader) {
+        lines.last = reader.getLineOfError();
+        if (reader.keyName() == commissioning::nodeId)
+            lines.nodeId = lines.last;
+    });
+    return lines;
 }

@@ -63,6 +63,14 @@ std::optional<QByteArray> relativeValue(const QString& text, int dataType)
     return ofNode0 && ofNode1 == plusOne(*ofNode0, type) ? ofNode0 : std::nullopt;
 }
 
+std::optional<QString> sheetText(const QByteArray& value, int dataType, bool relative)
+{
+    const tValueType type = valueType(dataType);
+    if (!relative || !isNumeric(type) || value.size() != type.width)
+        return textFromValue(value, type);
+    return textFromValue(plusOne(value, type), type, 1); // the value of node 1, relative to it
+}
+
 QString dumpedText(const QByteArray& value, int dataType, bool relative)
 {
     const tValueType type = valueType(dataType);
@@ -70,9 +78,7 @@ QString dumpedText(const QByteArray& value, int dataType, bool relative)
         return QString::fromLatin1(value);
     if (!hasLength(value.size(), type))
         return octets(value);
-    if (!relative || !isNumeric(type))
-        return textFromValue(value, type).value_or(QString());
-    return textFromValue(plusOne(value, type), type, 1).value_or(QString());
+    return sheetText(value, dataType, relative).value_or(QString());
 }
 
 std::optional<QByteArray> dumpedValue(const QString& text, int dataType, qsizetype size)

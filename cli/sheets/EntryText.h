@@ -21,8 +21,11 @@ std::optional<unsigned> numberIn(const QString& text, unsigned most);
 /// or has the node-id in it twice.
 std::optional<QByteArray> relativeValue(const QString& text, int dataType);
 
-/// A value in a dump: as `textFromValue` writes it (`relative`: to a node-id, which has been subtracted from it). A text
-/// is written as it is; a value of another length than its type has, as octets.
+/// The text of a value in a data sheet, see `textFromValue`. `relative`: to a node-id, which has been subtracted from it.
+std::optional<QString> sheetText(const QByteArray& value, int dataType, bool relative);
+
+/// A value in a dump: as in a data sheet, but a text is written as it is, and a value of another length than its type
+/// has, as octets.
 QString dumpedText(const QByteArray& value, int dataType, bool relative);
 
 /// The value of `size` bytes that `dumpedText` has written, or that anybody else may write so; none when the text is no

@@ -19,9 +19,9 @@ constexpr qint64 mostBytes = 64 << 20;
 
 } // namespace
 
-void loadSheet(CDataSheet& sheet, const QString& fileName)
+void loadSheet(CDataSheet& sheet, const QString& fileName, tSheetLines* lines)
 {
-    if (sheet.load(fileName) != CDataSheet::loaded)
+    if (sheet.load(fileName, lines) != CDataSheet::loaded)
         throw tEnd{ exitUsage, sheet.error() };
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "console/ExitStatus.h"
+#include "dic/EdsLoad.h"
 
 #include <QByteArray>
 #include <QString>
@@ -10,7 +11,8 @@
 class CDataSheet;
 
 /// Loads the sheet; ends the command with `exitUsage` and the reader's reason when it does not load.
-void loadSheet(CDataSheet& sheet, const QString& fileName);
+/// `lines` as for `CDataSheet::load`.
+void loadSheet(CDataSheet& sheet, const QString& fileName, tSheetLines* lines = nullptr);
 
 /// All bytes of a file. Ends the command with `exitUsage` when it cannot be read, or is no regular file, or is larger
 /// than 64 MiB, which no sheet or dump is.

@@ -6,10 +6,9 @@
 #include "dic/ValueTypes.h"
 #include "sheets/Commissioning.h"
 #include "sheets/EntryText.h"
+#include "sheets/FirstEntries.h"
 #include "sheets/SnapshotReader.h"
 
-#include <set>
-#include <unordered_set>
 #include <utility>
 
 namespace
@@ -102,22 +101,14 @@ tSnapshot snapshotOf(const CDataSheet& sheet, unsigned nodeId)
 {
     tSnapshot snapshot{ nodeId, sheet.dictionary().getFileName(), {} };
     const bool configured = sheet.dictionary().m_fileType == CCANopen::typeDCF;
-    std::unordered_set<unsigned> objects;
-    for (const auto& object : sheet.dictionary().m_objectArray) {
-        if (!objects.insert(object->getIndex()).second)
-            continue;
-        std::set<unsigned> subIndexes;
-        for (const auto& source : object->m_objectEntryArray) {
-            if (!subIndexes.insert(source->getSubindex()).second)
-                continue;
-            tSnapshotEntry entry = describe(*object, *source);
-            const auto configuredValue = sheet.parameterValues().find(source.get());
-            if (!configured)
-                entry.value = heldValue(entry, source->getDefaultValue(), nodeId);
-            else if (configuredValue != sheet.parameterValues().end())
-                entry.value = heldValue(entry, configuredValue->second, nodeId);
-            snapshot.entries.push_back(std::move(entry));
-        }
+    for (const auto& [object, source] : firstEntries(sheet.dictionary())) {
+        tSnapshotEntry entry = describe(object, source);
+        const auto configuredValue = sheet.parameterValues().find(&source);
+        if (!configured)
+            entry.value = heldValue(entry, source.getDefaultValue(), nodeId);
+        else if (configuredValue != sheet.parameterValues().end())
+            entry.value = heldValue(entry, configuredValue->second, nodeId);
+        snapshot.entries.push_back(std::move(entry));
     }
     return snapshot;
 }

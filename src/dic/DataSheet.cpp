@@ -64,7 +64,7 @@ QString visibleCharacter(char32_t character)
 
 } // namespace
 
-CDataSheet::tResult CDataSheet::load(const QString& fileName)
+CDataSheet::tResult CDataSheet::load(const QString& fileName, tSheetLines* lines)
 {
     m_error = readError(fileName);
     if (!m_error.isEmpty())
@@ -73,6 +73,7 @@ CDataSheet::tResult CDataSheet::load(const QString& fileName)
     m_dictionary.m_fileType =
         fileName.endsWith(QLatin1String(".dcf"), Qt::CaseInsensitive) ? CCANopen::typeDCF : CCANopen::typeEDS;
     tEdsReport report;
+    report.lines = lines;
     if (!loadEdsFile(m_dictionary, QFile::encodeName(fileName).constData(), &report)) {
         m_error = refusal(fileName, report);
         return refused;

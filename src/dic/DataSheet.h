@@ -15,7 +15,8 @@ public:
     enum tResult { loaded, noFile, refused };
 
     /// Loads an electronic data sheet, or a device configuration file: its name ends in ".dcf", in any case. Once only.
-    tResult load(const QString& fileName);
+    /// `lines`: where to put the lines of the entries, for those who need them.
+    tResult load(const QString& fileName, tSheetLines* lines = nullptr);
 
     /// Why the sheet was not loaded, with the file, the line and the text where reading stopped.
     const QString& error() const { return m_error; }

@@ -4,6 +4,7 @@
 
 #include "dic/CANopen.h"
 #include "dic/EdsGrammar.h"
+#include "dic/FirstObjects.h"
 #include "dic/IniReader.h"
 #include "dic/TextPool.h"
 #include "dic/Utf8Text.h"
@@ -11,10 +12,7 @@
 #include <QByteArray>
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -46,31 +44,7 @@ constexpr struct {
     { "ManufacturerObjects", sectionManufacturerObjects },
 };
 
-// The first object of each index. In pages, since a data sheet uses few ranges of the indexes.
-class CFirstObjects
-{
-public:
-    // Null when there is none.
-    CCANopenObject* find(unsigned short index) const
-    {
-        const std::unique_ptr<tPage>& page = m_pages[index / pageSize];
-        return page ? (*page)[index % pageSize] : nullptr;
-    }
-    // Unless there is one already.
-    void add(CCANopenObject& object)
-    {
-        std::unique_ptr<tPage>& page = m_pages[object.getIndex() / pageSize];
-        if (!page)
-            page = std::make_unique<tPage>();
-        if (CCANopenObject*& first = (*page)[object.getIndex() % pageSize]; first == nullptr)
-            first = &object;
-    }
-
-private:
-    static constexpr std::size_t pageSize = 256;
-    using tPage = std::array<CCANopenObject*, pageSize>;
-    std::array<std::unique_ptr<tPage>, (std::numeric_limits<unsigned short>::max() + 1) / pageSize> m_pages;
-};
+constexpr std::string_view parameterValue = "ParameterValue";
 
 class CEdsLoad
 {
@@ -79,6 +53,7 @@ public:
 
     void enterSection(const char* name);
     void processKey(std::string_view key, const char* value);
+    void noteLine(const CIniReader& reader, tSheetLines& lines) const;
 
     // What the functions in the key tables work on.
     CCANopen& m_dictionary;
@@ -231,7 +206,7 @@ constexpr tKey<CEdsLoad> entryKeys[] = {
     { "HighLimit",    [](auto& load, auto value) { load.m_entry->setHighLimit(load.m_pool.text(value)); } },
     { "DefaultValue", [](auto& load, auto value) { load.m_entry->setDefaultValue(load.m_pool.text(value)); } },
     { "ObjFlags",     [](auto& load, auto value) { load.m_entry->setObjectFlags(number32(value)); } },
-    { "ParameterValue", [](auto& load, auto value) {
+    { parameterValue, [](auto& load, auto value) {
         if (load.m_report && *value)
             load.m_report->parameterValues[load.m_entry] = load.m_pool.text(value);
     } },
@@ -314,6 +289,19 @@ void CEdsLoad::processKey(std::string_view key, const char* value)
     }
 }
 
+// Notes the line of the key that was processed last.
+void CEdsLoad::noteLine(const CIniReader& reader, tSheetLines& lines) const
+{
+    if ((m_section != sectionObject && m_section != sectionObjectEntry) || m_entry == nullptr)
+        return;
+    tEntryLines& ofEntry = lines[m_entry];
+    ofEntry.last = reader.getLineOfError();
+    if (reader.keyName() != parameterValue)
+        return;
+    ofEntry.values.push_back(ofEntry.last);
+    ofEntry.hasValue = ofEntry.hasValue || *reader.keyValue() != '\0';
+}
+
 // The first section of a load creates the device information, further ones add to it.
 // Kept: EDS version and description are taken now; file information after the device information does not change them.
 void CEdsLoad::enterDeviceInfo()
@@ -383,6 +371,7 @@ bool loadEdsFile(CCANopen& dictionary, const char* fileName, tEdsReport* report)
 {
     CIniReader reader(fileName);
     CEdsLoad load(dictionary, report);
+    tSheetLines* const lines = report != nullptr ? report->lines : nullptr;
     while (true) {
         switch (reader.moveToNextItem()) {
         case -1:
@@ -392,6 +381,8 @@ bool loadEdsFile(CCANopen& dictionary, const char* fileName, tEdsReport* report)
             [[fallthrough]];
         case 2:
             load.processKey(reader.keyName(), reader.keyValue());
+            if (lines != nullptr) [[unlikely]]
+                load.noteLine(reader, *lines);
             break;
         default:
             return refuse(reader, report);

@@ -6,6 +6,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 class CCANopen;
 class CCANopenObjectEntry;
@@ -14,9 +15,18 @@ class CCANopenObjectEntry;
 /// left out.
 using tParameterValues = std::unordered_map<const CCANopenObjectEntry*, QString>;
 
+/// The lines of a sheet, from 1, that describe an entry.
+struct tEntryLines {
+    int last = 0;            ///< with the last key of the entry
+    std::vector<int> values; ///< with its "ParameterValue", also without a text
+    bool hasValue = false;   ///< one of them has a text
+};
+using tSheetLines = std::unordered_map<const CCANopenObjectEntry*, tEntryLines>;
+
 /// What a sheet tells besides its dictionary.
 struct tEdsReport {
     tParameterValues parameterValues;
+    tSheetLines* lines = nullptr; ///< where to put the lines of the entries; borrowed, null for those who need none
     // Where reading stopped; after success line 0.
     int line = 0;
     std::string text; ///< of that line, UTF-8
