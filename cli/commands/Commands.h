@@ -16,6 +16,8 @@ using tCommand = std::function<int(CConsole& console)>;
 // Each adds a sub-command. When it was given and its options are right, its work is put into `command`.
 
 void addCheck(CLI::App& app, tCommand& command);
+void addList(CLI::App& app, tCommand& command);
+void addDiff(CLI::App& app, tCommand& command);
 void addRead(CLI::App& app, tCommand& command);
 void addWrite(CLI::App& app, tCommand& command);
 void addDump(CLI::App& app, tCommand& command);
