@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/Csv.h"
 
+#include "dic/Utf8Text.h"
+
 #include <algorithm>
+#include <string_view>
 
 namespace
 {
@@ -79,7 +82,7 @@ bool CCsvReader::readField(QString& field)
     }
     if (!bytes.isValidUtf8())
         return refuse(QStringLiteral("the text is not UTF-8"));
-    field = QString::fromUtf8(bytes);
+    field = textFromUtf8(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
     return true;
 }
 
