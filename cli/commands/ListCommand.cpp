@@ -40,7 +40,7 @@ const std::map<std::string, QByteArray (*)(const std::vector<tListRow>& rows)> f
 QRegularExpression patternOf(const tListOptions& options)
 {
     const QString text = QString::fromLocal8Bit(options.pattern.c_str());
-    const QRegularExpression pattern(text, QRegularExpression::CaseInsensitiveOption);
+    QRegularExpression pattern(text, QRegularExpression::CaseInsensitiveOption);
     if (!pattern.isValid())
         throw tEnd{
             exitUsage,

@@ -88,7 +88,7 @@ std::optional<QByteArray> dumpedValue(const QString& text, int dataType, qsizety
         return text.isEmpty() ? std::optional(QByteArray()) : std::nullopt;
     const tValueType written = hasLength(size, type) ? type : tValueType{ kindOctets, 0 };
     const bool relative = isNumeric(written) && isRelative(text);
-    const auto value = relative ? relativeValue(text, dataType) : valueFromText(text, written, 0);
+    auto value = relative ? relativeValue(text, dataType) : valueFromText(text, written, 0);
     if (!value || value->size() != size)
         return std::nullopt;
     // Only octets may stand for a value of a wrong length: no characters.

@@ -89,7 +89,7 @@ QByteArray CLineEdits::replaced(QByteArrayView line, const QString& text) const
     qsizetype comment = line.indexOf(';');
     while (comment > 0 && (line[comment - 1] == ' ' || line[comment - 1] == '\t'))
         --comment;
-    const QByteArray bytes = encoded(text);
+    QByteArray bytes = encoded(text);
     constexpr qsizetype lineEnd = 2;
     if (comment < 0 || bytes.size() + line.size() - comment + lineEnd > CLineFile::maxLine)
         return bytes;

@@ -32,7 +32,7 @@ QByteArray contentOf(const QString& fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         endUnread(fileName, file.errorString());
-    const QByteArray content = file.read(mostBytes + 1);
+    QByteArray content = file.read(mostBytes + 1);
     if (file.error() != QFileDevice::NoError)
         endUnread(fileName, file.errorString());
     if (content.size() > mostBytes)

@@ -31,7 +31,7 @@ std::optional<QByteArray> heldValue(const tSnapshotEntry& entry, const QString& 
     if (!depends && !entry.relative)
         return valueFromText(text, type, 0);
     if (entry.relative)
-        if (const auto value = relativeValue(text, entry.type))
+        if (auto value = relativeValue(text, entry.type))
             return value;
     if (nodeId == 0)
         return std::nullopt;
