@@ -60,7 +60,7 @@ std::vector<tFinding> CFindings::take(const char* fileName)
     tSheetLine line;
     CSheetLines lines(m_findings.empty() ? "" : fileName);
     for (tFinding& finding : m_findings) {
-        while (line.number < finding.place.line && lines.next(line)) {
+        while (line.number < finding.place.line && lines.nextText(line)) {
         }
         if (line.number == finding.place.line)
             complete(finding, line.text);

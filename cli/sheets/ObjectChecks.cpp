@@ -19,6 +19,19 @@ constexpr bool isWritable(int access)
     return access != CCANopenObjectEntry::accessCONST && access != CCANopenObjectEntry::accessRO;
 }
 
+constexpr bool isOfManufacturer(unsigned index)
+{
+    return index >= 0x2000 && index <= 0x5FFF;
+}
+
+// The list that an object belongs to; a device profile may make others mandatory.
+QString listOf(unsigned short index)
+{
+    if (std::ranges::find(mandatoryObjects, index) != std::end(mandatoryObjects))
+        return QStringLiteral("[MandatoryObjects]");
+    return isOfManufacturer(index) ? QStringLiteral("[ManufacturerObjects]") : QStringLiteral("[OptionalObjects]");
+}
+
 tPlace startOfFile()
 {
     return { 1, 0, 0 };
@@ -94,7 +107,7 @@ void CObjectChecks::checkLists()
 
 void CObjectChecks::checkList(const tListed& listed)
 {
-    const bool isManufacturer = listed.index >= 0x2000 && listed.index <= 0x5FFF;
+    const bool isManufacturer = isOfManufacturer(listed.index);
     if (m_listed[listed.index]) {
         add(ruleDuplicateIndex, listed.place,
             QStringLiteral("object %1 is listed twice, and the browser shows it twice").arg(indexText(listed.index)));
@@ -105,8 +118,7 @@ void CObjectChecks::checkList(const tListed& listed)
         add(ruleWrongList, listed.place,
             isManufacturer ? QStringLiteral("0x2000 to 0x5FFF are objects of the manufacturer")
                            : QStringLiteral("the objects of the manufacturer are 0x2000 to 0x5FFF"),
-            isManufacturer ? QStringLiteral("list it in [ManufacturerObjects]")
-                           : QStringLiteral("list it in [MandatoryObjects] or [OptionalObjects]"));
+            QStringLiteral("list it in %1").arg(listOf(listed.index)));
     if (m_objects.object(listed.index) == nullptr) {
         m_reported.set(listed.index);
         add(ruleMissingObject, listed.place,
@@ -125,7 +137,7 @@ void CObjectChecks::checkMandatory()
                 QStringLiteral("every device has object %1, but this sheet does not").arg(indexText(index)));
         else if (listed != m_model.listed.end() && listed->list == sectionOptional)
             add(ruleWrongList, listed->place, QStringLiteral("object %1 is mandatory").arg(indexText(index)),
-                QStringLiteral("list it in [MandatoryObjects]"));
+                QStringLiteral("list it in %1").arg(listOf(index)));
     }
 }
 
@@ -144,7 +156,8 @@ void CObjectChecks::checkSections()
         if (!m_listed[object.index])
             add(ruleUnlistedObject, object.place,
                 QStringLiteral("no list names object %1: the browser takes its keys for those of another object")
-                    .arg(indexText(object.index)));
+                    .arg(indexText(object.index)),
+                QStringLiteral("list it in %1").arg(listOf(object.index)));
     }
 }
 
@@ -198,8 +211,10 @@ void CObjectChecks::checkSubNumber(const tObjectRecord& object, std::span<const 
         count += n == 0 || entries[n].subIndex != entries[n - 1].subIndex ? 1 : 0;
     if (object.subNumber >= 0 && object.compactSubObj == 0 && object.subNumber != count)
         add(ruleSubCount, object.subNumberPlace,
-            QStringLiteral("SubNumber is %1, but %2 entries have sections").arg(object.subNumber).arg(count),
-            QStringLiteral("SubNumber=%1").arg(count));
+            QStringLiteral("SubNumber is %1, but the number of entries with a section is %2")
+                .arg(object.subNumber)
+                .arg(count),
+            QStringLiteral("SubNumber=%1, or the sections that are missing").arg(count));
     // What the device may change by itself, or is written, counts the entries in use.
     if (entries.empty() || entries.front().subIndex != 0 || entries.front().value < 0 || object.compactSubObj > 0)
         return;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/SectionChecks.h"
 
+#include "base/Digits.h"
 #include "dic/EdsGrammar.h"
 
 #include <algorithm>
@@ -97,8 +98,10 @@ void checkCount(const tSection& section, std::size_t count, CFindings& findings)
     if (number >= 0 && number != static_cast<long long>(count))
         findings.add(ruleCount, field.place(), [&] {
             const QString found = QString::number(count);
-            return tAdvice{ QStringLiteral("%1 is %2, but %3 are there").arg(latin(row.count)).arg(number).arg(found),
-                            QStringLiteral("%1=%2").arg(latin(row.count), found) };
+            return tAdvice{
+                QStringLiteral("%1 is %2, but the section has %3").arg(latin(row.count)).arg(number).arg(found),
+                QStringLiteral("%1=%2").arg(latin(row.count), found)
+            };
         });
 }
 
@@ -168,6 +171,8 @@ long long numberIn(const tField& field, tKeyValue kind)
     unsigned char number8 = 0;
     if (!field.isGiven())
         return -1;
+    if (field.text.size() == 1 && digitOf(field.text.front()) < 10) // most are
+        return digitOf(field.text.front());
     const char* const text = field.text.c_str();
     if (kind == valueNumber32)
         return Ascii2Unsigned32(text, &number32) ? static_cast<long long>(number32) : -1;

@@ -75,6 +75,7 @@ void CSectionReader::take(const tSheetLine& line)
 
 void CSectionReader::reportBroken(const tSheetLine& line)
 {
+    m_model.isBroken = true;
     const auto at = static_cast<int>(line.brokenAt);
     m_findings.add(ruleSyntax, { line.number, at, 1 }, [&] {
         return tAdvice{ QString::fromLatin1(line.brokenRule), mendOf(line) };
@@ -126,7 +127,7 @@ void CSectionReader::reportName(const tSheetLine& line)
 void CSectionReader::noteNamed()
 {
     const tSectionRow* const row = m_section.name.row;
-    if (row->name.empty() || m_section.name.index != 0)
+    if (row->name.empty() || m_section.name.index != 0) // index: names of a compact object
         return;
     if (std::ranges::find(m_named, row) != m_named.end()) {
         m_findings.add(ruleDuplicateSection, m_section.place, [row] {

@@ -58,11 +58,10 @@ tCheckResult checkSheet(const QString& fileName, const tRuleSet& rules)
     const QByteArray name = QFile::encodeName(fileName);
     CFindings findings(rules);
     readSheet(name.constData(), model, findings);
-    if (model.objects.empty() && model.entries.empty() && model.listed.empty()) {
-        findings.add(ruleNoObjects, { 1, 0, 0 }, [] {
-            return tAdvice{ QStringLiteral("the file describes no object"), {} };
-        });
-    } else {
+    if (!result.isLoaded && !model.isBroken)
+        findings.add(ruleNoObjects, { 1, 0, 0 },
+                     [] { return tAdvice{ QStringLiteral("the browser finds no object in the file"), {} }; });
+    if (!model.objects.empty() || !model.entries.empty() || !model.listed.empty()) {
         const CObjectIndex objects(model);
         checkObjects(model, objects, findings);
         checkMappings(model, objects, findings);

@@ -235,18 +235,23 @@ tSectionName sectionOf(std::string_view name)
 {
     tSectionName section;
     const std::string text(name);
-    if (IsObjectEntry(text.c_str(), &section.index, &section.subIndex))
+    if (IsObjectEntry(text.c_str(), &section.index, &section.subIndex)) {
         section.row = &entrySection;
-    else if (IsObject(text.c_str(), &section.index))
-        section.row = &objectSection;
-    else if (name.empty())
-        section.row = &unknownSection;
-    else if (classifyNamed(name, section) || classifySuffixed(name, section) || classifyIgnored(name, section))
         return section;
+    }
+    if (IsObject(text.c_str(), &section.index)) {
+        section.row = &objectSection;
+        return section;
+    }
+    section = {}; // what is no index is stored as well
+    if (name.empty())
+        section.row = &unknownSection;
     else if (isToolSection(name))
         section.row = &toolSection;
-    else
-        section.row = isModuleSection(name) ? &freeSection : &unknownSection;
+    else if (isModuleSection(name))
+        section.row = &freeSection;
+    else if (!classifyNamed(name, section) && !classifySuffixed(name, section) && !classifyIgnored(name, section))
+        section.row = &unknownSection;
     return section;
 }
 

@@ -53,7 +53,7 @@ void guess(tSheetLine& line)
 
 } // namespace
 
-bool CSheetLines::next(tSheetLine& line)
+bool CSheetLines::nextText(tSheetLine& line)
 {
     std::span<char> bytes = m_file.isOpen() ? m_file.takeLine() : std::span<char>();
     if (bytes.empty() && m_file.isOpen())
@@ -64,6 +64,13 @@ bool CSheetLines::next(tSheetLine& line)
         ++m_number;
     line.number = m_number;
     line.text = withoutLineEnd(bytes);
+    return true;
+}
+
+bool CSheetLines::next(tSheetLine& line)
+{
+    if (!nextText(line))
+        return false;
     line.brokenRule = nullptr;
     take(line);
     if (line.brokenRule != nullptr)

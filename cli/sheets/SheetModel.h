@@ -57,6 +57,7 @@ struct tAnnounced {
 
 struct tSheetModel {
     bool isDcf = false;
+    bool isBroken = false; ///< a line stops the browser
     std::vector<tListed> listed;
     std::vector<tObjectRecord> objects;
     std::vector<tEntryRecord> entries;

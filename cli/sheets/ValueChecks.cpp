@@ -3,10 +3,11 @@
 #include "sheets/ValueChecks.h"
 
 #include "dic/CANopenObjectEntry.h"
+#include "dic/EdsGrammar.h"
 #include "dic/Utf8Text.h"
 #include "dic/ValueTypes.h"
 
-#include <QByteArray>
+#include "base/Digits.h"
 
 #include <algorithm>
 #include <optional>
@@ -15,54 +16,81 @@ namespace
 {
 
 constexpr unsigned lastNodeId = 127; // with which a sum is largest
+constexpr quint64 signBit = quint64{ 1 } << 63;
 
 constexpr tObjectKey valueKeys[] = { keyLowLimit, keyHighLimit, keyDefaultValue, keyParameterValue };
 
-// A value as bytes; nothing where there is none, or a wrong one.
-using tBytes = std::optional<QByteArray>;
+/// A value of a type, so that it can be compared with others of this type.
+struct tValue {
+    quint64 order = 0; ///< of an integer: with the sign bit inverted, two's complement compares as unsigned
+    double real = 0;
+    bool isRelative = false; ///< it depends on the node-id and compares with nothing
+};
+using tMaybeValue = std::optional<tValue>;
 
-bool isRelativeField(const tField& field)
+bool isBelowValue(const tValue& a, const tValue& b, tValueType type)
 {
-    return field.text.find('$') != std::string::npos;
+    return type.kind == kindReal ? a.real < b.real : a.order < b.order;
 }
 
-// Most values are "0", "0x00" or the like: any type has these.
-bool isPlainZero(const tField& field)
+// Most numbers are short and without a sign: these need no text of Qt.
+std::optional<tNumber> plainNumber(const std::string& text)
 {
-    return field.text == "0" || field.text == "0x0" || field.text == "0x00" || field.text == "0x0000" ||
-           field.text == "0x00000000";
+    unsigned long number = 0;
+    if (digitOf(text.front()) > 9 || digitOf(text.back()) > 15 || !Ascii2Unsigned32(text.c_str(), &number))
+        return std::nullopt;
+    return tNumber{ number, false, text.size() > 1 && text.front() == '0' };
 }
 
-// Beside the numbers of its width, a BOOLEAN is 0 or 1 only. A sum must fit without being cut.
-bool isOfType(const QString& text, const QByteArray& bytes, tValueType type)
+std::optional<tNumber> numberOfText(const std::string& text)
 {
-    if (type.kind == kindBoolean)
-        return bytes == QByteArray(1, '\0') || bytes == QByteArray(1, '\1');
-    if (!isNumeric(type) || !isRelative(text))
-        return true;
-    const auto sum = readTerms(text, lastNodeId);
-    return sum && fits(*sum, type);
+    if (const auto plain = plainNumber(text))
+        return plain;
+    return readTerms(textFromUtf8(text), lastNodeId);
+}
+
+tMaybeValue integerOf(const std::string& text, tValueType type)
+{
+    const auto number = numberOfText(text);
+    if (!number || !fits(*number, type) || (type.kind == kindBoolean && number->bits > 1))
+        return std::nullopt;
+    const bool isPattern = type.kind == kindSigned && number->pattern;
+    const quint64 bits = isPattern ? numberOf(littleEndian(number->bits, type.width), type) : number->bits;
+    return tValue{ type.kind == kindSigned ? bits ^ signBit : bits, 0, text.find('$') != std::string::npos };
+}
+
+tMaybeValue valueOf(const std::string& text, tValueType type)
+{
+    if (type.kind != kindReal)
+        return integerOf(text, type);
+    const auto bytes = realFromText(textFromUtf8(text), type.width);
+    return bytes ? tMaybeValue(tValue{ 0, realOf(*bytes), false }) : std::nullopt;
+}
+
+QString textOf(const tValue& value, tValueType type)
+{
+    if (type.kind == kindReal)
+        return QString::number(value.real);
+    return type.kind == kindSigned ? QString::number(static_cast<qint64>(value.order ^ signBit))
+                                   : QString::number(value.order);
 }
 
 // Why a text is no value of the type.
-QString faultOf(const QString& text, tValueType type)
+QString faultOf(const std::string& text, tValueType type)
 {
-    if (type.kind == kindReal)
-        return QStringLiteral("this is no number");
-    if (readTerms(text, lastNodeId))
+    if (type.kind != kindReal && numberOfText(text))
         return QStringLiteral("this does not fit the data type");
-    const QString plain = text.trimmed();
-    const bool octal = plain.size() > 1 && plain.startsWith(u'0') &&
-                       std::ranges::all_of(plain, [](QChar c) { return c >= u'0' && c <= u'9'; });
-    return octal ? QStringLiteral("a number that begins with 0 is octal, without the digits 8 and 9")
-                 : QStringLiteral("this is no number");
+    const bool isOctal = type.kind != kindReal && text.size() > 1 && text.front() == '0' &&
+                         std::ranges::all_of(text, [](char c) { return digitOf(c) < 10; });
+    return isOctal ? QStringLiteral("a number that begins with 0 is octal, without the digits 8 and 9")
+                   : QStringLiteral("this is no number");
 }
 
 QString rangeOf(tValueType type)
 {
-    const quint64 largest = ~quint64{ 0 } >> (64 - 8 * type.width);
     if (type.kind == kindBoolean)
         return QStringLiteral("0 or 1");
+    const quint64 largest = type.kind == kindReal ? 0 : ~quint64{ 0 } >> (64 - 8 * type.width);
     if (type.kind == kindUnsigned)
         return QStringLiteral("0 to %1").arg(largest);
     if (type.kind == kindSigned)
@@ -70,29 +98,75 @@ QString rangeOf(tValueType type)
     return QString();
 }
 
-tBytes bytesOf(const tField& field, int dataType, CFindings& findings)
+class CValueChecks
 {
-    const tValueType type = valueType(dataType);
-    if (!field.isGiven())
-        return std::nullopt;
-    if (isPlainZero(field))
-        return QByteArray(type.width, '\0');
-    const QString text = textFromUtf8(field.text);
-    tBytes bytes = valueFromText(text, type, lastNodeId);
-    if (bytes && isOfType(text, *bytes, type))
-        return bytes;
-    findings.add(ruleValueType, field.place(), [&] {
-        return tAdvice{ QStringLiteral("%1, %2").arg(faultOf(text, type),
-                                                     CCANopenObjectEntry::getDataTypeByIndex(
-                                                         static_cast<CCANopenObjectEntry::TEntryType>(dataType))),
-                        rangeOf(type) };
-    });
-    return std::nullopt;
+public:
+    CValueChecks(const tSection& section, int dataType, CFindings& findings)
+        : m_section(section), m_dataType(dataType), m_type(valueType(dataType)), m_findings(findings)
+    {
+    }
+
+    void run();
+
+private:
+    tMaybeValue read(tObjectKey key);
+    bool isOutside(tObjectKey key, const tMaybeValue& value, tObjectKey limitKey, const tMaybeValue& limit);
+
+    const tSection& m_section;
+    const int m_dataType;
+    const tValueType m_type;
+    CFindings& m_findings;
+};
+
+void CValueChecks::run()
+{
+    if (!isNumeric(m_type) && m_type.kind != kindReal)
+        return;
+    const tMaybeValue low = read(keyLowLimit);
+    const tMaybeValue high = read(keyHighLimit);
+    const tMaybeValue standard = read(keyDefaultValue);
+    const tMaybeValue parameter = read(keyParameterValue);
+    if (isOutside(keyHighLimit, high, keyLowLimit, low))
+        return;
+    for (const auto& [key, value] : { std::pair(keyDefaultValue, &standard), std::pair(keyParameterValue, &parameter) })
+        if (!isOutside(key, *value, keyLowLimit, low))
+            isOutside(key, *value, keyHighLimit, high);
 }
 
-void reportLimit(const tPlace& place, const char* text, CFindings& findings)
+// The value of a key; nothing where there is none, or a wrong one.
+tMaybeValue CValueChecks::read(tObjectKey key)
 {
-    findings.add(ruleLimits, place, [text] { return tAdvice{ QString::fromLatin1(text), {} }; });
+    const tField& field = m_section.fields[key];
+    if (!field.isGiven())
+        return std::nullopt;
+    const tMaybeValue value = valueOf(field.text, m_type);
+    if (!value)
+        m_findings.add(ruleValueType, field.place(), [&] {
+            const auto type = static_cast<CCANopenObjectEntry::TEntryType>(m_dataType);
+            return tAdvice{ QStringLiteral("%1, %2").arg(faultOf(field.text, m_type),
+                                                         CCANopenObjectEntry::getDataTypeByIndex(type)),
+                            rangeOf(m_type) };
+        });
+    return value;
+}
+
+// Reports a value that is on the wrong side of a limit, where both are there.
+bool CValueChecks::isOutside(tObjectKey key, const tMaybeValue& value, tObjectKey limitKey, const tMaybeValue& limit)
+{
+    const bool isLow = limitKey == keyLowLimit;
+    if (!value || !limit || value->isRelative || limit->isRelative)
+        return false;
+    if (!(isLow ? isBelowValue(*value, *limit, m_type) : isBelowValue(*limit, *value, m_type)))
+        return false;
+    m_findings.add(ruleLimits, m_section.fields[key].place(), [&] {
+        return tAdvice{ QStringLiteral("this is %1, %2 %3")
+                            .arg(textOf(*value, m_type),
+                                 isLow ? QStringLiteral("below LowLimit, which is")
+                                       : QStringLiteral("above HighLimit, which is"),
+                                 textOf(*limit, m_type)),
+                        {} };
+    });
+    return true;
 }
 
 } // namespace
@@ -100,27 +174,6 @@ void reportLimit(const tPlace& place, const char* text, CFindings& findings)
 void checkValues(const tSection& section, int dataType, CFindings& findings)
 {
     const auto isGiven = [&](tObjectKey key) { return section.fields[key].isGiven(); };
-    if (std::ranges::none_of(valueKeys, isGiven))
-        return;
-    const tValueType type = valueType(dataType);
-    if (!isNumeric(type) && type.kind != kindReal)
-        return;
-    tBytes bytes[std::size(valueKeys)];
-    for (std::size_t n = 0; n < std::size(valueKeys); ++n) {
-        const tField& field = section.fields[valueKeys[n]];
-        bytes[n] = bytesOf(field, dataType, findings);
-        if (bytes[n] && isRelativeField(field))
-            bytes[n].reset(); // compares with nothing, since it depends on the node-id
-    }
-    const auto& [low, high, standard, parameter] = bytes;
-    if (low && high && isBelow(*high, *low, type)) {
-        reportLimit(section.fields[keyHighLimit].place(), "HighLimit is below LowLimit", findings);
-        return;
-    }
-    for (std::size_t n = 2; n < std::size(valueKeys); ++n) {
-        if (bytes[n] && low && isBelow(*bytes[n], *low, type))
-            reportLimit(section.fields[valueKeys[n]].place(), "the value is below LowLimit", findings);
-        if (bytes[n] && high && isBelow(*high, *bytes[n], type))
-            reportLimit(section.fields[valueKeys[n]].place(), "the value is above HighLimit", findings);
-    }
+    if (std::ranges::any_of(valueKeys, isGiven))
+        CValueChecks(section, dataType, findings).run();
 }
