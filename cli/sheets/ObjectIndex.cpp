@@ -38,8 +38,9 @@ const tEntryRecord* CObjectIndex::entry(unsigned short index, unsigned subIndex)
 
 std::span<const tEntryRecord> CObjectIndex::entries(unsigned short index) const
 {
-    const auto range = std::ranges::equal_range(m_model.entries, index, {}, &tEntryRecord::index);
-    return { range.begin(), range.end() };
+    const auto first = std::ranges::lower_bound(m_model.entries, index, {}, &tEntryRecord::index);
+    const auto last = std::ranges::upper_bound(m_model.entries, index, {}, &tEntryRecord::index);
+    return { first, last };
 }
 
 QString parameterText(unsigned index, unsigned subIndex)

@@ -59,8 +59,9 @@ tCheckResult checkSheet(const QString& fileName, const tRuleSet& rules)
     CFindings findings(rules);
     readSheet(name.constData(), model, findings);
     if (!result.isLoaded && !model.isBroken)
-        findings.add(ruleNoObjects, { 1, 0, 0 },
-                     [] { return tAdvice{ QStringLiteral("the browser finds no object in the file"), {} }; });
+        findings.add(ruleNoObjects, { 1, 0, 0 }, [] {
+            return tAdvice{ QStringLiteral("the browser finds no object in the file"), {} };
+        });
     if (!model.objects.empty() || !model.entries.empty() || !model.listed.empty()) {
         const CObjectIndex objects(model);
         checkObjects(model, objects, findings);

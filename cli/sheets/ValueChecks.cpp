@@ -33,13 +33,17 @@ bool isBelowValue(const tValue& a, const tValue& b, tValueType type)
     return type.kind == kindReal ? a.real < b.real : a.order < b.order;
 }
 
-// Most numbers are short and without a sign: these need no text of Qt.
+// Most numbers are short: these need no text of Qt.
 std::optional<tNumber> plainNumber(const std::string& text)
 {
     unsigned long number = 0;
-    if (digitOf(text.front()) > 9 || digitOf(text.back()) > 15 || !Ascii2Unsigned32(text.c_str(), &number))
+    const bool isNegative = text.front() == '-';
+    const char* const digits = text.c_str() + (isNegative ? 1 : 0);
+    const bool isPattern = digits[0] == '0' && digits[1] != '\0';
+    if (digitOf(digits[0]) > 9 || digitOf(text.back()) > 15 || (isNegative && digits[0] == '0') ||
+        !Ascii2Unsigned32(digits, &number))
         return std::nullopt;
-    return tNumber{ number, false, text.size() > 1 && text.front() == '0' };
+    return tNumber{ isNegative ? ~quint64{ number } + 1 : number, isNegative, isPattern };
 }
 
 std::optional<tNumber> numberOfText(const std::string& text)
@@ -54,8 +58,9 @@ tMaybeValue integerOf(const std::string& text, tValueType type)
     const auto number = numberOfText(text);
     if (!number || !fits(*number, type) || (type.kind == kindBoolean && number->bits > 1))
         return std::nullopt;
-    const bool isPattern = type.kind == kindSigned && number->pattern;
-    const quint64 bits = isPattern ? numberOf(littleEndian(number->bits, type.width), type) : number->bits;
+    const bool isNegativePattern =
+        type.kind == kindSigned && number->pattern && number->bits >> (8 * type.width - 1) != 0;
+    const quint64 bits = isNegativePattern ? numberOf(littleEndian(number->bits, type.width), type) : number->bits;
     return tValue{ type.kind == kindSigned ? bits ^ signBit : bits, 0, text.find('$') != std::string::npos };
 }
 

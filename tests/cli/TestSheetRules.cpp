@@ -160,6 +160,11 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
     value("2", "LowLimit=0x80\nHighLimit=127\nDefaultValue=-1", {});
     value("2", "LowLimit=0\nHighLimit=0xFF", { "9:11 limits" });
     value("2", "DefaultValue=128", { "8:14 value-type" });
+    value("2", "DefaultValue=-0", {});
+    value("2", "LowLimit=-128\nHighLimit=-1\nDefaultValue=0xFF", {});
+    value("2", "DefaultValue=-010", {});
+    value("2", "DefaultValue=-0x1", { "8:14 value-type" });
+    value("2", "DefaultValue=-", { "8:14 value-type" });
     value("2", "DefaultValue=-129", { "8:14 value-type" });
     value("2", "LowLimit=-5\nDefaultValue=0xFA", { "9:14 limits" });
     value("5", "DefaultValue=-1", { "8:14 value-type" });
