@@ -8,8 +8,8 @@
 
 #include <span>
 
-/// One file as a compiler would: the verdict, then for each finding "FILE:LINE:COLUMN: SEVERITY: TEXT [RULE]", the line,
-/// a caret and how to mend it; counts at the end. Nothing that a terminal would obey is in it.
+/// One file as a compiler would: the verdict, then for each finding "FILE:LINE:COLUMN: SEVERITY: TEXT [RULE]", the
+/// line, a caret and how to mend it; counts at the end. Nothing that a terminal would obey is in it.
 QString findingsText(const tCheckResult& result);
 
 /// All files: an array of objects, each with the file, the verdict and its findings.

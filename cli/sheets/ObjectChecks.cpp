@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/ObjectChecks.h"
 
+#include "sheets/EntryText.h"
+
 #include "dic/CANopenObjectEntry.h"
 
 #include <algorithm>

@@ -25,8 +25,3 @@ private:
 
 void checkObjects(const tSheetModel& model, const CObjectIndex& objects, CFindings& findings);
 void checkMappings(const tSheetModel& model, const CObjectIndex& objects, CFindings& findings);
-
-/// Index and sub-index in a message: "1018:1".
-QString parameterText(unsigned index, unsigned subIndex);
-/// An index in a message: "0x1018".
-QString indexText(unsigned index);

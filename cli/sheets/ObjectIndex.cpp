@@ -42,13 +42,3 @@ std::span<const tEntryRecord> CObjectIndex::entries(unsigned short index) const
     const auto last = std::ranges::upper_bound(m_model.entries, index, {}, &tEntryRecord::index);
     return { first, last };
 }
-
-QString parameterText(unsigned index, unsigned subIndex)
-{
-    return QString::number(index, 16).toUpper() + u':' + QString::number(subIndex, 16).toUpper();
-}
-
-QString indexText(unsigned index)
-{
-    return QStringLiteral("0x") + QString::number(index, 16).toUpper().rightJustified(4, u'0');
-}

@@ -140,7 +140,8 @@ constexpr tSectionRow suffixed[] = {
 };
 
 // What follows "M" and a number in the names of a module's sections. Some have an index after it.
-constexpr std::string_view moduleWords[] = { "ModuleInfo", "Comments", "FixedObjects", "SubExtends", "SubExt", "Fixed" };
+constexpr std::string_view moduleWords[] = { "ModuleInfo", "Comments", "FixedObjects",
+                                            "SubExtends", "SubExt", "Fixed" };
 // clang-format on
 
 bool equalInAnyCase(std::string_view a, std::string_view b)

@@ -136,7 +136,7 @@ void TestSheetRules::everyRuleIsFoundByItsName()
     QVERIFY(!ruleByName("no-such-rule") && !ruleByName(""));
 }
 
-// The object of a row begins in line 3, since the sheet lists it in line 2. Rules of what the whole sheet needs are off.
+// The object of a row begins in line 3, since the sheet lists it in line 2. Rules of what all sheets need are off.
 void TestSheetRules::linesOfASheetGiveTheseFindings_data()
 {
     QTest::addColumn<QByteArray>("lines");
