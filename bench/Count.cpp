@@ -4,6 +4,7 @@
 #include "LoadWork.h"
 #include "SheetMaker.h"
 #include "dic/CANopen.h"
+#include "sheets/SheetCheck.h"
 
 #include <QFile>
 
@@ -78,6 +79,11 @@ bool printPeak(tFiles files)
     return loaded && reset && before > 0 && highest > 0;
 }
 
+bool check(const char* file)
+{
+    return checkSheet(QFile::decodeName(file), tRuleSet().set()).isLoaded;
+}
+
 struct tFileAction {
     const char* name;
     bool (*run)(tFiles files);
@@ -86,12 +92,13 @@ struct tFileAction {
 constexpr tFileAction fileActions[] = {
     { "nothing", [](tFiles) { return true; } },
     { "load", [](tFiles files) { return forEach(files, loadAndFree); } },
+    { "check", [](tFiles files) { return forEach(files, check); } },
     { "lines", [](tFiles files) { return forEach(files, readLines); } },
     { "kept", printKept }, // bytes that the dictionaries keep, size of the files
     { "peak", printPeak }, // growth of the process while loading, bytes that the dictionaries keep
 };
 
-constexpr char usage[] = "usage: velmora-count nothing|load|lines|kept|peak FILE...\n"
+constexpr char usage[] = "usage: velmora-count nothing|load|check|lines|kept|peak FILE...\n"
                          "       velmora-count write FILE OBJECTS\n"
                          "       velmora-count qt-version\n"
                          "       velmora-count domain|string|encode|decode LENGTH RUNS\n";

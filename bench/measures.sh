@@ -73,6 +73,15 @@ load_instructions() {
     ours=$((ours - start)) bare=$((bare - start))
 }
 # shellcheck disable=SC2086
+check_instructions() {
+    local start
+    sheet "$1"
+    start=$(instructions "$count" nothing $file)
+    ours=$(instructions "$count" check $file)
+    bare=$(instructions "$count" load $file)
+    ours=$((ours - start)) bare=$((bare - start))
+}
+# shellcheck disable=SC2086
 kept_memory() { sheet "$1"; two_numbers "$count" kept $file; }
 # shellcheck disable=SC2086
 peak_memory() { sheet "$1"; two_numbers "$count" peak $file; }

@@ -29,7 +29,7 @@ std::optional<tNumber> readDecimal(const QByteArray& text)
     const quint64 limit = negative ? quint64{ 1 } << 63 : ~quint64{ 0 };
     if (!magnitude || *magnitude > limit)
         return std::nullopt;
-    return tNumber{ negative ? ~*magnitude + 1 : *magnitude, negative, false };
+    return tNumber{ negative ? ~*magnitude + 1 : *magnitude, negative && *magnitude != 0, false };
 }
 
 // pattern = "0x" digits | "0" digits

@@ -1,0 +1,257 @@
+// Objects and lists against each other: what is missing, what is there twice, and counts.
+// SPDX-License-Identifier: MIT
+#include "sheets/ObjectChecks.h"
+
+#include "sheets/EntryText.h"
+
+#include "dic/CANopenObjectEntry.h"
+
+#include <algorithm>
+#include <bitset>
+
+namespace
+{
+
+using tIndexSet = std::bitset<0x10000>;
+
+constexpr unsigned short mandatoryObjects[] = { 0x1000, 0x1001, 0x1018 };
+
+constexpr bool isWritable(int access)
+{
+    return access != CCANopenObjectEntry::accessCONST && access != CCANopenObjectEntry::accessRO;
+}
+
+constexpr bool isOfManufacturer(unsigned index)
+{
+    return index >= 0x2000 && index <= 0x5FFF;
+}
+
+// The list that an object belongs to; a device profile may make others mandatory.
+QString listOf(unsigned short index)
+{
+    if (std::ranges::find(mandatoryObjects, index) != std::end(mandatoryObjects))
+        return QStringLiteral("[MandatoryObjects]");
+    return isOfManufacturer(index) ? QStringLiteral("[ManufacturerObjects]") : QStringLiteral("[OptionalObjects]");
+}
+
+tPlace startOfFile()
+{
+    return { 1, 0, 0 };
+}
+
+class CObjectChecks
+{
+public:
+    CObjectChecks(const tSheetModel& model, const CObjectIndex& objects, CFindings& findings)
+        : m_model(model), m_objects(objects), m_findings(findings)
+    {
+    }
+
+    void run();
+
+private:
+    void checkNamedSections();
+    void checkLists();
+    void checkList(const tListed& listed);
+    void checkMandatory();
+    void checkSections();
+    void checkEntries();
+    void checkSubNumbers();
+    void checkSubNumber(const tObjectRecord& object, std::span<const tEntryRecord> entries);
+    void checkPdoCount(const tAnnounced& announced, unsigned short first, const char* name);
+    void add(tRule rule, const tPlace& place, const QString& text, const QString& mend = QString())
+    {
+        m_findings.add(rule, place, [&] { return tAdvice{ text, mend }; });
+    }
+
+    const tSheetModel& m_model;
+    const CObjectIndex& m_objects;
+    CFindings& m_findings;
+    tIndexSet m_listed;
+    tIndexSet m_reported; // as not listed, or without a section
+};
+
+void CObjectChecks::run()
+{
+    checkNamedSections();
+    checkLists();
+    checkMandatory();
+    checkSections();
+    checkEntries();
+    checkSubNumbers();
+    checkPdoCount(m_model.receivePdos, firstReceiveParameter, "NrOfRXPDO");
+    checkPdoCount(m_model.transmitPdos, firstTransmitParameter, "NrOfTXPDO");
+}
+
+void CObjectChecks::checkNamedSections()
+{
+    const struct {
+        const tPlace& place;
+        const char* name;
+    } needed[] = { { m_model.fileInfo, "FileInfo" },
+                   { m_model.deviceInfo, "DeviceInfo" },
+                   { m_model.mandatoryObjects, "MandatoryObjects" } };
+    for (const auto& [place, name] : needed)
+        if (place.line == 0)
+            add(ruleMissingSection, startOfFile(),
+                QStringLiteral("the sheet has no [%1]").arg(QLatin1StringView(name)));
+    if (m_model.fileInfo.line > m_model.deviceInfo.line && m_model.deviceInfo.line != 0)
+        add(ruleFileInfoOrder, m_model.fileInfo,
+            QStringLiteral("after [DeviceInfo], the browser ignores EDSVersion and Description"),
+            QStringLiteral("put [FileInfo] first"));
+}
+
+void CObjectChecks::checkLists()
+{
+    for (const tListed& listed : m_model.listed)
+        checkList(listed);
+}
+
+void CObjectChecks::checkList(const tListed& listed)
+{
+    const bool isManufacturer = isOfManufacturer(listed.index);
+    if (m_listed[listed.index]) {
+        add(ruleDuplicateIndex, listed.place,
+            QStringLiteral("object %1 is listed twice, and the browser shows it twice").arg(indexText(listed.index)));
+        return;
+    }
+    m_listed.set(listed.index);
+    if (isManufacturer != (listed.list == sectionManufacturer) && listed.index >= 0x1000)
+        add(ruleWrongList, listed.place,
+            isManufacturer ? QStringLiteral("0x2000 to 0x5FFF are objects of the manufacturer")
+                           : QStringLiteral("the objects of the manufacturer are 0x2000 to 0x5FFF"),
+            QStringLiteral("list it in %1").arg(listOf(listed.index)));
+    if (m_objects.object(listed.index) == nullptr) {
+        m_reported.set(listed.index);
+        add(ruleMissingObject, listed.place,
+            QStringLiteral("object %1 is listed, but has no section").arg(indexText(listed.index)),
+            QStringLiteral("[%1]").arg(QString::number(listed.index, 16).toUpper()));
+    }
+}
+
+void CObjectChecks::checkMandatory()
+{
+    const tPlace place = m_model.mandatoryObjects.line != 0 ? m_model.mandatoryObjects : startOfFile();
+    for (const unsigned short index : mandatoryObjects) {
+        const auto listed = std::ranges::find(m_model.listed, index, &tListed::index);
+        if (listed == m_model.listed.end() && m_objects.object(index) == nullptr)
+            add(ruleMissingMandatory, place,
+                QStringLiteral("every device has object %1, but this sheet does not").arg(indexText(index)));
+        else if (listed != m_model.listed.end() && listed->list == sectionOptional)
+            add(ruleWrongList, listed->place, QStringLiteral("object %1 is mandatory").arg(indexText(index)),
+                QStringLiteral("list it in %1").arg(listOf(index)));
+    }
+}
+
+void CObjectChecks::checkSections()
+{
+    tIndexSet met;
+    for (const tObjectRecord& object : m_model.objects) {
+        if (met[object.index]) {
+            add(ruleDuplicateSection, object.place,
+                QStringLiteral("object %1 has a section already, in line %2")
+                    .arg(indexText(object.index))
+                    .arg(m_objects.object(object.index)->place.line));
+            continue;
+        }
+        met.set(object.index);
+        if (!m_listed[object.index])
+            add(ruleUnlistedObject, object.place,
+                QStringLiteral("no list names object %1: the browser takes its keys for those of another object")
+                    .arg(indexText(object.index)),
+                QStringLiteral("list it in %1").arg(listOf(object.index)));
+    }
+}
+
+void CObjectChecks::checkEntries()
+{
+    const tEntryRecord* last = nullptr;
+    for (const tEntryRecord& entry : m_model.entries) {
+        if (last != nullptr && last->index == entry.index && last->subIndex == entry.subIndex) {
+            add(ruleDuplicateSection, entry.place,
+                QStringLiteral("entry %1 has a section already, in line %2, and the browser shows it twice")
+                    .arg(parameterText(entry.index, entry.subIndex))
+                    .arg(last->place.line));
+            continue;
+        }
+        last = &entry;
+        if (m_objects.object(entry.index) == nullptr && !m_reported[entry.index]) {
+            m_reported.set(entry.index);
+            add(ruleMissingObject, entry.place,
+                QStringLiteral("object %1 has entries, but no section of its own").arg(indexText(entry.index)),
+                QStringLiteral("[%1]").arg(QString::number(entry.index, 16).toUpper()));
+        }
+    }
+}
+
+void CObjectChecks::checkSubNumbers()
+{
+    auto next = m_model.entries.begin();
+    while (next != m_model.entries.end()) {
+        const auto first = next;
+        next = std::find_if(first, m_model.entries.end(), [&](const auto& each) { return each.index != first->index; });
+        if (const tObjectRecord* const object = m_objects.object(first->index))
+            checkSubNumber(*object, { first, next });
+    }
+    for (const tObjectRecord& object : m_model.objects)
+        if (object.isMultiple && object.compactSubObj == 0 && object.subNumber > 0 &&
+            m_objects.entries(object.index).empty())
+            checkSubNumber(object, {});
+}
+
+void CObjectChecks::checkSubNumber(const tObjectRecord& object, std::span<const tEntryRecord> entries)
+{
+    if (!object.isMultiple && !object.isStructure && !entries.empty()) {
+        add(ruleSubOfVariable, entries.front().place,
+            QStringLiteral("object %1 is no array and no record, but has entries").arg(indexText(object.index)),
+            QStringLiteral("ObjectType=0x8 for an array, 0x9 for a record, in [%1]")
+                .arg(QString::number(object.index, 16).toUpper()));
+        return;
+    }
+    int count = 0;
+    for (std::size_t n = 0; n < entries.size(); ++n)
+        count += n == 0 || entries[n].subIndex != entries[n - 1].subIndex ? 1 : 0;
+    if (object.subNumber >= 0 && object.compactSubObj == 0 && object.subNumber != count)
+        add(ruleSubCount, object.subNumberPlace,
+            QStringLiteral("SubNumber is %1, but the number of entries with a section is %2")
+                .arg(object.subNumber)
+                .arg(count),
+            QStringLiteral("SubNumber=%1, or the sections that are missing").arg(count));
+    // What the device may change by itself, or is written, counts the entries in use.
+    if (entries.empty() || entries.front().subIndex != 0 || entries.front().value < 0 || object.compactSubObj > 0)
+        return;
+    const tEntryRecord& number = entries.front();
+    const bool isOfUse = object.index == 0x1003 || isMapping(object.index) || isWritable(number.attributes.access);
+    const auto last =
+        std::ranges::find_if(entries.rbegin(), entries.rend(), [](const auto& e) { return e.subIndex < 0xFF; });
+    if (!isOfUse && number.value != last->subIndex)
+        add(ruleHighestSub, number.valuePlace,
+            QStringLiteral("sub-index 0 says %1, but the highest sub-index is %2")
+                .arg(number.value)
+                .arg(last->subIndex),
+            QStringLiteral("DefaultValue=%1").arg(last->subIndex));
+}
+
+void CObjectChecks::checkPdoCount(const tAnnounced& announced, unsigned short first, const char* name)
+{
+    if (announced.number < 0)
+        return;
+    int count = 0;
+    for (unsigned index = first; index < unsigned{ first } + pdosOfADirection; ++index)
+        count += m_objects.object(static_cast<unsigned short>(index)) != nullptr ? 1 : 0;
+    if (count != announced.number)
+        add(rulePdoCount, announced.place,
+            QStringLiteral("%1 is %2, but %3 PDOs from %4 on have sections")
+                .arg(QLatin1StringView(name))
+                .arg(announced.number)
+                .arg(count)
+                .arg(indexText(first)),
+            QStringLiteral("%1=%2").arg(QLatin1StringView(name)).arg(count));
+}
+
+} // namespace
+
+void checkObjects(const tSheetModel& model, const CObjectIndex& objects, CFindings& findings)
+{
+    CObjectChecks(model, objects, findings).run();
+}
