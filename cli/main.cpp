@@ -59,7 +59,7 @@ int run(int argc, char* argv[], CConsole& console)
 
 int main(int argc, char* argv[])
 {
-    noteInterrupts();
+    endAtInterrupts();
     CConsole console;
     try {
         return run(argc, argv, console);

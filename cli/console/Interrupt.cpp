@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "console/Interrupt.h"
 
-#include "console/ExitStatus.h"
-
 #include <csignal>
 #include <ctime>
+#include <initializer_list>
 
 #include <unistd.h>
 
@@ -13,21 +12,43 @@ namespace
 {
 
 volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t repeated = 0;
 
-extern "C" void noteSignal(int)
+extern "C" void endProgram(int)
 {
+    static constexpr char text[] = "velmora-cli: interrupted\n";
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, sizeof text - 1);
+    _exit(exitInterrupted);
+}
+
+extern "C" void noteSignal(int signal)
+{
+    if (signal == SIGALRM)
+        repeated = 1;
+    else if (repeated != 0) // not the same signal twice, as a group of processes gets it
+        endProgram(signal);
     interrupted = 1;
     alarm(1); // comes here again
 }
 
+void handleSignals(void (*handler)(int), std::initializer_list<int> signals)
+{
+    struct sigaction action = {};
+    action.sa_handler = handler; // without SA_RESTART: waiting calls return
+    for (const int signal : signals)
+        sigaction(signal, &action, nullptr);
+}
+
 } // namespace
+
+void endAtInterrupts()
+{
+    handleSignals(endProgram, { SIGINT, SIGTERM });
+}
 
 void noteInterrupts()
 {
-    struct sigaction action = {};
-    action.sa_handler = noteSignal; // without SA_RESTART: waiting calls return
-    for (const int signal : { SIGINT, SIGTERM, SIGALRM })
-        sigaction(signal, &action, nullptr);
+    handleSignals(noteSignal, { SIGINT, SIGTERM, SIGALRM });
 }
 
 bool isInterrupted()

@@ -4,6 +4,7 @@
 
 #include "CANopenTypes.h"
 #include "dic/CANopenObjectEntry.h"
+#include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
 
 #include <QStringList>
@@ -103,13 +104,32 @@ QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)
     return (value < 0 ? QString() : QStringLiteral("+")) + QString::number(value);
 }
 
-template <typename Moment, bool (*toText)(Moment, QString&)>
-QString momentText(const QByteArray& bytes)
+template <typename Moment>
+Moment momentOf(const QByteArray& bytes)
 {
     Moment moment{};
     std::memcpy(&moment, bytes.constData(), sizeof moment);
+    return moment;
+}
+
+// No text for a moment that is none: the window shows another one for it, or a part.
+QString dateText(const QByteArray& bytes)
+{
+    constexpr qsizetype whole = 23; // "2026-01-31 12:00:00.000"
     QString text;
-    toText(moment, text);
+    types::date2ascii(momentOf<SDO_t_DATE>(bytes), text);
+    return text.size() == whole ? text : QString();
+}
+
+QString timeOfDayText(const QByteArray& bytes)
+{
+    constexpr int firstDayOf2038 = 19724;
+    constexpr std::uint32_t millisecondsPerDay = 86400000;
+    const auto moment = momentOf<SDO_t_TIME_OF_DAY>(bytes);
+    if (moment.member.days >= firstDayOf2038 || moment.member.msec >= millisecondsPerDay)
+        return QString();
+    QString text;
+    types::timeOfDay2ascii(moment, text);
     return text;
 }
 
@@ -159,19 +179,29 @@ std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
 
 QString typedValue::textOf(int type, const QByteArray& bytes, TDisplayMode mode)
 {
+    if (valueType(type).kind == kindText)
+        return visibleText(QString::fromLatin1(bytes.left(bytes.indexOf('\0')))); // all of them without a zero byte
+    return exactTextOf(type, bytes, mode);
+}
+
+QString typedValue::exactTextOf(int type, const QByteArray& bytes, TDisplayMode mode)
+{
     const tValueType layout = valueType(type);
+    QString text;
     if (layout.kind == kindText)
         return QString::fromLatin1(bytes);
     if (!sizeDiffers(type, bytes.size())) {
         if (layout.kind == kindReal)
-            return textFromValue(bytes, layout).value_or(QString());
-        if (isNumeric(layout))
-            return integerText(type, layout, bytes, mode);
-        if (mode == valueFormats::modeDec && type == entry::typeDate)
-            return momentText<SDO_t_DATE, types::date2ascii>(bytes);
-        if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
-            return momentText<SDO_t_TIME_OF_DAY, types::timeOfDay2ascii>(bytes);
+            text = textFromValue(bytes, layout).value_or(QString());
+        else if (isNumeric(layout))
+            text = integerText(type, layout, bytes, mode);
+        else if (mode == valueFormats::modeDec && type == entry::typeDate)
+            text = dateText(bytes);
+        else if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
+            text = timeOfDayText(bytes);
     }
+    if (!text.isEmpty())
+        return text;
     return valueFormats::bytes(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<int>(bytes.size()),
                                mode)
         .trimmed();

@@ -23,10 +23,13 @@ QString words();
 /// ("1.5", "0x3FC00000"); texts are Latin-1; all other types are bytes in hexadecimal ("01 2A FF").
 std::optional<QByteArray> bytesOf(int type, const QString& text);
 
-/// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Texts
-/// and reals are shown as they are read. Bytes that are no value of the type, since their number is another, are shown
-/// byte by byte.
+/// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Reals
+/// are shown as they are read. Texts end with their first zero byte, and their control characters are shown as "\x1B".
+/// Bytes that are no value of the type, since their number is another or there is no such date, are shown byte by byte.
 QString textOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
+
+/// The same with texts as they are, for formats that can hold every character.
+QString exactTextOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
 
 /// Whether values of the type have a fixed number of bytes other than this one.
 bool sizeDiffers(int type, qsizetype size);

@@ -34,3 +34,6 @@ private:
 /// A line of a file for a message: control and format characters as "\t", "\r", "\x1B" or "\u200B", and cut, with "..."
 /// after it, where it would need more than 80 characters.
 QString visibleLine(const QString& line);
+
+/// The same of a whole text, however long.
+QString visibleText(const QString& text);
