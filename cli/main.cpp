@@ -26,7 +26,7 @@ int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)
     app.set_version_flag("--version", std::string("velmora-cli ") + product::version);
     app.footer(footer);
     app.require_subcommand(1);
-    for (const auto add : { addCheck, addRead, addWrite, addCompare, addRestore, addNmt })
+    for (const auto add : { addCheck, addRead, addWrite, addCompare, addRestore, addScan, addNmt })
         add(app, command);
     try {
         app.parse(argc, argv);

@@ -20,4 +20,5 @@ void addRead(CLI::App& app, tCommand& command);
 void addWrite(CLI::App& app, tCommand& command);
 void addCompare(CLI::App& app, tCommand& command);
 void addRestore(CLI::App& app, tCommand& command);
+void addScan(CLI::App& app, tCommand& command);
 void addNmt(CLI::App& app, tCommand& command);

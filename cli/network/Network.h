@@ -85,6 +85,8 @@ public:
     void watch(const tCanMessage& message);
     /// An answer of this node may come later: it is no sign of another client.
     void expectLateAnswer(unsigned node) { m_late.insert(node); }
+    /// It has come.
+    void expectNoAnswer(unsigned node) { m_late.erase(node); }
 
 private:
     static void begin();
