@@ -65,8 +65,6 @@ constexpr tReader windowTypes[] = {
     { entry::typeUnsigned8, converted<SDO_t_UNSIGNED8, types::ascii2unsigned8> },
     { entry::typeUnsigned16, converted<SDO_t_UNSIGNED16, types::ascii2unsigned16> },
     { entry::typeUnsigned32, converted<SDO_t_UNSIGNED32, types::ascii2unsigned32> },
-    { entry::typeDate, converted<SDO_t_DATE, types::ascii2date> },
-    { entry::typeTimeOfDay, converted<SDO_t_TIME_OF_DAY, types::ascii2timeOfDay> },
 };
 
 // "01 2A FF", "0x01 0x2A" or "012AFF".
@@ -77,7 +75,7 @@ std::optional<QByteArray> bytesOfOctets(const QString& text)
     for (const QString& word : words) {
         const QString digits = word.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? word.mid(2) : word;
         const QByteArray octets = QByteArray::fromHex(digits.toLatin1());
-        if (octets.size() * 2 != digits.size() || octets.toHex() != digits.toLatin1().toLower())
+        if (octets.isEmpty() || octets.size() * 2 != digits.size() || octets.toHex() != digits.toLatin1().toLower())
             return std::nullopt;
         bytes += octets;
     }
@@ -133,6 +131,17 @@ QString timeOfDayText(const QByteArray& bytes)
     return text;
 }
 
+// No bytes for a moment that the type cannot hold, such as one of 1983 or 2126: it would be another one.
+std::optional<QByteArray> bytesOfMoment(int type, const QString& text)
+{
+    constexpr qsizetype toSeconds = 19; // "2026-01-31 12:00:00"
+    const auto bytes = valueFromText(text, valueType(type), 0);
+    if (!bytes || !text.contains(u'-'))
+        return bytes;
+    const QString shown = type == entry::typeDate ? dateText(*bytes) : timeOfDayText(*bytes);
+    return shown.left(toSeconds) == text.trimmed().left(toSeconds) ? bytes : std::nullopt;
+}
+
 QString integerText(int dataType, tValueType type, const QByteArray& bytes, TDisplayMode mode)
 {
     const auto bits = static_cast<std::uint32_t>(numberOf(bytes, type));
@@ -173,6 +182,9 @@ std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
     const tValueType layout = valueType(type);
     if (isNumeric(layout) || layout.kind == kindReal)
         return isRelative(text) ? std::nullopt : valueFromText(text, layout, 0);
+    // Not as the window: of a date it sends a part of the milliseconds only, and a time of the summer an hour late.
+    if (type == entry::typeDate || type == entry::typeTimeOfDay)
+        return bytesOfMoment(type, text);
     const auto bytes = bytesOfOctets(text);
     return bytes && !sizeDiffers(type, bytes->size()) ? bytes : std::nullopt;
 }
@@ -180,7 +192,7 @@ std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
 QString typedValue::textOf(int type, const QByteArray& bytes, TDisplayMode mode)
 {
     if (valueType(type).kind == kindText)
-        return visibleText(QString::fromLatin1(bytes.left(bytes.indexOf('\0')))); // all of them without a zero byte
+        return visibleText(QString::fromLatin1(bytes.constData())); // to the first zero byte
     return exactTextOf(type, bytes, mode);
 }
 

@@ -204,16 +204,17 @@ int32_t top_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE
     return top_exchange(tcp_eval_sdo_response);
 }
 
-/// Whether all that follows the number of a line is base64, in groups of four characters.
+/// Whether all that follows the number of a line is base64, in groups of four characters; "=" alone is an empty value.
 static bool top_has_base64(const char* line)
 {
     const char* text = line + std::strcspn(line, "]");
     text += std::strspn(text, "] \t");
-    const char* end = text;
-    while (base64_belongs(*end))
-        ++end;
-    end += std::strspn(end, "=");
-    return (end - text) % top_group_characters == 0 && end[std::strspn(end, " \t\r\n")] == '\0';
+    const char* padding = text;
+    while (base64_belongs(*padding))
+        ++padding;
+    const char* end = padding + std::strspn(padding, "=");
+    const bool whole = padding == text || (end - text) % top_group_characters == 0;
+    return whole && end[std::strspn(end, " \t\r\n")] == '\0';
 }
 
 int32_t top_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size)
