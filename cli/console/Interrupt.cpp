@@ -12,11 +12,12 @@ namespace
 {
 
 volatile std::sig_atomic_t interrupted = 0;
-volatile std::sig_atomic_t repeated = 0;
+volatile std::sig_atomic_t repeated = 0; // how often, since then
+constexpr std::sig_atomic_t mostRepeated = 3;
 
 extern "C" void endProgram(int)
 {
-    static constexpr char text[] = "velmora-cli: interrupted\n";
+    static constexpr char text[] = "velmora-cli: interrupted in the midst of an operation\n";
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, sizeof text - 1);
     _exit(exitInterrupted);
 }
@@ -24,8 +25,9 @@ extern "C" void endProgram(int)
 extern "C" void noteSignal(int signal)
 {
     if (signal == SIGALRM)
-        repeated = 1;
-    else if (repeated != 0) // not the same signal twice, as a group of processes gets it
+        repeated = repeated + 1;
+    const bool again = signal != SIGALRM && repeated > 0; // not the same signal twice, as a group of processes gets it
+    if (again || repeated >= mostRepeated)
         endProgram(signal);
     interrupted = 1;
     alarm(1); // comes here again

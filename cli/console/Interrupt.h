@@ -10,8 +10,9 @@
 void endAtInterrupts();
 
 /// From now on, SIGINT and SIGTERM end waiting system calls and are only noted. The signal is repeated to the process
-/// every second until it ends, so that a wait that begins just after the first one ends, too. Another one after a second
-/// ends the program at once: some waits do not end by a signal.
+/// every second until it ends, so that a wait that begins just after the first one ends, too. Some waits do not end by a
+/// signal, such as those for answers on CAN: the program ends at once when another one comes after a second, and after
+/// three seconds.
 void noteInterrupts();
 
 /// Whether a signal was noted.

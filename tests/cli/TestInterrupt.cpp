@@ -53,6 +53,7 @@ private Q_SLOTS:
     void signalIsRepeatedForLaterWaits();
     void secondSignalAtOnceChangesNothing();
     void secondSignalLaterEndsTheProgram();
+    void whatNoSignalEndsLastsForSeconds();
     void sleepEndsWithTheCommand();
     void sleepLastsUntilItsMoment();
     void endingAtOnceHasTheStatus();
@@ -118,6 +119,18 @@ void TestInterrupt::secondSignalLaterEndsTheProgram()
                  ::raise(SIGINT);
                  waitForEver();
                  ::raise(SIGINT);
+                 return 7;
+             }),
+             130);
+}
+
+void TestInterrupt::whatNoSignalEndsLastsForSeconds()
+{
+    QCOMPARE(childStatus([] {
+                 noteInterrupts();
+                 ::raise(SIGINT);
+                 while (waitForEver()) {
+                 }
                  return 7;
              }),
              130);

@@ -156,7 +156,7 @@ void TestTcpAnswer::lineLongerThanTheBufferIsCut()
     CGatewaySession gateway;
     gateway.answerWith([length](const std::string& command) {
         std::string line = "[" + std::to_string(gatewayText::numberOf(command)) + "] ";
-        line.resize(static_cast<std::size_t>(length) - 1, 'A');
+        line.resize(static_cast<std::size_t>(length) - 1, ' ');
         return line + '\n';
     });
     short size = 0;
