@@ -26,7 +26,8 @@ int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)
     app.set_version_flag("--version", std::string("velmora-cli ") + product::version);
     app.footer(footer);
     app.require_subcommand(1);
-    for (const auto add : { addCheck, addList, addDiff, addRead, addWrite, addDump, addCompare, addRestore, addNmt })
+    for (const auto add :
+         { addCheck, addList, addDiff, addScan, addRead, addWrite, addDump, addCompare, addRestore, addNmt })
         add(app, command);
     try {
         app.parse(argc, argv);
@@ -59,7 +60,7 @@ int run(int argc, char* argv[], CConsole& console)
 
 int main(int argc, char* argv[])
 {
-    noteInterrupts();
+    endAtInterrupts();
     CConsole console;
     try {
         return run(argc, argv, console);

@@ -68,9 +68,9 @@ public:
 
     /// How the last operation was answered. A gateway's silence is no error of the operation: who must not take it for
     /// a value asks here. With the SocketCAN master a time-out is `answerNone`, everything else `answerWhole`.
-    enum TAnswer { answerNone, answerCut, answerWhole };
-    /// `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerNone` without a
-    /// bound library.
+    enum TAnswer { answerNone, answerCut, answerOdd, answerWhole };
+    /// `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerOdd`: `read` made
+    /// a value of something that is none. `answerNone` without a bound library.
     TAnswer lastAnswer() const;
     /// Sets how long the client of a gateway waits for each line, in milliseconds, 66000 at first, for the whole
     /// process. Fails with ERR_NOT_SUPPORTED with the SocketCAN master. `previous` may be null.

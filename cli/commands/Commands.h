@@ -23,4 +23,5 @@ void addWrite(CLI::App& app, tCommand& command);
 void addDump(CLI::App& app, tCommand& command);
 void addCompare(CLI::App& app, tCommand& command);
 void addRestore(CLI::App& app, tCommand& command);
+void addScan(CLI::App& app, tCommand& command);
 void addNmt(CLI::App& app, tCommand& command);

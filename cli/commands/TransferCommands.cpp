@@ -11,14 +11,15 @@
 namespace
 {
 
-void addTransferOptions(CLI::App& command, tTransferOptions& options)
+// Answers the option for the format.
+CLI::Option* addTransferOptions(CLI::App& command, tTransferOptions& options)
 {
     addNetwork(command, options.network);
     addNode(command, options.node)->required();
     addSheet(command, options.sheet);
     addType(command, options.type);
     addMode(command, options.mode);
-    command
+    return command
         .add_option_function<std::string>(
             "--format", [&](const std::string& word) { options.format = word == "json" ? formatJson : formatPlain; },
             "plain (one value a line) or json")
@@ -50,16 +51,18 @@ void addRead(CLI::App& app, tCommand& command)
 {
     const auto options = std::make_shared<tTransferOptions>();
     CLI::App& read = *app.add_subcommand("read", "Reads parameters of a device and prints their values");
-    addTransferOptions(read, *options);
+    auto* format = addTransferOptions(read, *options);
     addTexts(read, "parameters", "PARAMETER: 1018:1, 0x1018sub1 (hexadecimal) or the name in the sheet",
              options->arguments);
     auto* repeat =
         read.add_option("--repeat", options->repeat, "read N times, as CSV with time stamps; 0: until Ctrl-C")
             ->check(CLI::NonNegativeNumber)
+            ->excludes(format)
             ->type_name("N");
     auto* every = read.add_option_function<std::string>(
                           "--every", [options](const std::string& text) { options->every = millisecondsOf(text); },
                           "time from one reading to the next: 100ms, 2s, 1min; until Ctrl-C without --repeat")
+                      ->excludes(format)
                       ->type_name("TIME");
     read.footer("Example:\n  velmora-cli read -i localhost:60000 -n 5 -s velmora-demo.eds 1018:1 \"Producer heartbeat "
                 "time\"");
@@ -81,7 +84,8 @@ void addWrite(CLI::App& app, tCommand& command)
     CLI::App& write = *app.add_subcommand("write", "Writes parameters of a device and prints the values as sent");
     addTransferOptions(write, *options);
     addTexts(write, "assignments", "PARAMETER VALUE pairs: 1017 1000", options->arguments);
-    write.footer("Example:\n  velmora-cli write -i can0 -n 5 --type u16 1017 1000");
+    write.footer("A text that begins with a hyphen needs -- before the first parameter; a negative number does not.\n"
+                 "Example:\n  velmora-cli write -i can0 -n 5 --type u16 1017 1000");
     write.callback([=, &command] {
         command = [=](CConsole& console) {
             const auto sheet = loadSheetIfNamed(options->sheet);

@@ -33,9 +33,14 @@ void CConsole::flush()
 
 void CConsole::check(bool written)
 {
-    if (written)
-        return;
-    const int error = errno;
+    if (!written)
+        end(errno);
+    if (m_lost != 0)
+        end(m_lost);
+}
+
+void CConsole::end(int error)
+{
     if (error == EPIPE)
         throw tEnd{ exitDone, {} };
     throw tEnd{ exitUsage,
@@ -45,7 +50,10 @@ void CConsole::check(bool written)
 void CConsole::message(const QString& text)
 {
     progress(QString());
-    std::fflush(m_output); // where both go to one file, in the order in which they were written
+    // Where both go to one file, in the order in which they were written. What fails here is lost: a later call would
+    // find nothing to complain of.
+    if (std::fflush(m_output) != 0 && m_lost == 0)
+        m_lost = errno;
     std::fprintf(m_error, "velmora-cli: %s\n", text.toUtf8().constData());
 }
 

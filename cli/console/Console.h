@@ -35,9 +35,11 @@ public:
 
 private:
     void check(bool written);
+    [[noreturn]] static void end(int error);
 
     FILE* const m_output;
     FILE* const m_error;
     const bool m_hasTerminal;
     bool m_showsProgress = false;
+    int m_lost = 0; // the error of a message that found output it could not hand over
 };

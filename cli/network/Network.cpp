@@ -60,6 +60,8 @@ QString networkText(const CCANopenAccess& access, bool isGateway)
                                    : QStringLiteral("no answer");
     if (access.lastAnswer() == CCANopenAccess::answerCut)
         return QStringLiteral("the answer of the gateway is cut");
+    if (access.lastAnswer() == CCANopenAccess::answerOdd)
+        return QStringLiteral("the gateway answers something that is no value");
     if (isGateway && error <= gatewayError)
         return gatewayText(gatewayError - error);
     return numbered(access.getErrorText(error), error);
@@ -108,6 +110,7 @@ void CNetwork::setTimeouts(const tNetworkOptions& options)
 
 tReadResult CNetwork::read(BYTE node, WORD index, BYTE subIndex)
 {
+    begin();
     std::array<BYTE, longestValue> buffer{};
     short length = 0;
     const bool done = m_access.read(node, index, subIndex, &length, buffer.data(), longestValue);
@@ -121,9 +124,9 @@ tReadResult CNetwork::read(BYTE node, WORD index, BYTE subIndex)
 
 std::optional<tFailure> CNetwork::write(BYTE node, WORD index, BYTE subIndex, const QByteArray& bytes, bool isNumber)
 {
-    const int longest = m_isGateway ? top_write_max : longestValue;
-    if (bytes.size() > longest)
-        return tFailure{ exitUsage, 0, QStringLiteral("more than %1 bytes cannot be sent").arg(longest), false };
+    begin();
+    if (auto refused = refusal(bytes))
+        return refused;
     const auto size = static_cast<short>(bytes.size());
     const auto* data = reinterpret_cast<const BYTE*>(bytes.constData()); // a zero byte follows them
     const auto byte = [data](int place) { return static_cast<std::uint32_t>(data[place]) << (8 * place); };
@@ -140,6 +143,26 @@ std::optional<tFailure> CNetwork::write(BYTE node, WORD index, BYTE subIndex, co
     return transferFailure(done, node);
 }
 
+std::optional<tFailure> CNetwork::refusal(const QByteArray& bytes) const
+{
+    const int longest = m_isGateway ? top_write_max : longestValue;
+    if (bytes.size() > longest)
+        return tFailure{ exitUsage, 0, QStringLiteral("more than %1 bytes cannot be sent").arg(longest), false };
+    if (bytes.isEmpty() && !m_isGateway)
+        return tFailure{ exitUsage, 0, QStringLiteral("an empty value cannot be sent on CAN"), false };
+    return std::nullopt;
+}
+
+bool CNetwork::isLost() const
+{
+    return m_isGateway && m_access.getLastError() == sendFailed;
+}
+
+void CNetwork::begin()
+{
+    endWhenInterrupted();
+}
+
 // Why a transfer with a node failed; none when it is done.
 std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
 {
@@ -152,43 +175,56 @@ std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
     return failure;
 }
 
-std::optional<tFailure> CNetwork::failureOf(bool done)
+std::optional<tFailure> CNetwork::failureOf(bool done) const
 {
-    endWhenInterrupted();
+    if (done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
+        return std::nullopt;
     if (m_access.isSDOAborted() && !done) {
         const auto code = static_cast<std::uint32_t>(m_access.getLastAbort());
         return tFailure{ exitAborted, code,
                          QStringLiteral("aborted by the device: 0x%1 (%2)")
-                             .arg(code, 8, 16, QLatin1Char('0'))
+                             .arg(QString::number(code, 16).toUpper(), 8, QLatin1Char('0'))
                              .arg(QString::fromLatin1(m_access.getAbortText(code))) };
     }
-    if (done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
-        return std::nullopt;
+    endWhenInterrupted();
     const bool silent =
         m_access.lastAnswer() == CCANopenAccess::answerNone || m_access.getLastError() == gatewayError - deviceTimeout;
     return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway), silent };
 }
 
-void CNetwork::watchOthers()
+std::optional<tCanMessage> CNetwork::takeMessage()
 {
-    if (m_isGateway)
-        return;
     union {
         WORD cobId;
         std::uint32_t identifier; // the facade writes 32 bits
     } place = {};
     short length = 0;
-    std::array<BYTE, 8> data{};
-    for (int n = 0; n < mostWaiting && m_access.readQueue(&place.cobId, &length, data.data()); ++n) {
-        const unsigned node = place.identifier & highestNodeId;
-        const bool answer = place.identifier > sdoAnswer && place.identifier <= sdoAnswer + highestNodeId;
-        const bool request = place.identifier > sdoRequest && place.identifier <= sdoRequest + highestNodeId;
-        if (m_warned || !(request || (answer && m_late.count(node) == 0)))
-            continue;
-        m_warned = true;
-        m_console.message(
-            QStringLiteral("warning: another SDO client is at work on this bus: it talks to node %1, and answers to it "
-                           "may be taken for answers to this program")
-                .arg(node));
+    std::array<char, 8> data{};
+    if (m_isGateway || !m_access.readQueue(&place.cobId, &length, reinterpret_cast<BYTE*>(data.data())))
+        return std::nullopt;
+    return tCanMessage{ place.identifier, QByteArray(data.data(), length) };
+}
+
+void CNetwork::watchOthers()
+{
+    for (int n = 0; n < mostWaiting; ++n) {
+        const auto message = takeMessage();
+        if (!message)
+            return;
+        watch(*message);
     }
+}
+
+void CNetwork::watch(const tCanMessage& message)
+{
+    const unsigned node = message.identifier & highestNodeId;
+    const bool answer = message.identifier > sdoAnswer && message.identifier <= sdoAnswer + highestNodeId;
+    const bool request = message.identifier > sdoRequest && message.identifier <= sdoRequest + highestNodeId;
+    if (m_warned || !(request || (answer && m_late.count(node) == 0)))
+        return;
+    m_warned = true;
+    m_console.message(
+        QStringLiteral("warning: another SDO client is at work on this bus: it talks to node %1, and answers to it "
+                       "may be taken for answers to this program")
+            .arg(node));
 }

@@ -34,8 +34,15 @@ struct tReadResult {
     std::optional<tFailure> failure;
 };
 
+/// A CAN message that no transfer has asked for.
+struct tCanMessage {
+    std::uint32_t identifier;
+    QByteArray data;
+};
+
 /// One open interface. Silence, a cut answer and the answer to another command are failures, never values. Ctrl-C ends
-/// the command (`tEnd` with `exitInterrupted`) after the call that it interrupts.
+/// the command (`tEnd` with `exitInterrupted`) in the operation that it makes fail, or before the next one: what was
+/// answered in spite of it is done.
 class CNetwork
 {
 public:
@@ -48,14 +55,21 @@ public:
 
     /// One SDO upload, as bytes. A value as long as what can be received is a failure: it may go on.
     tReadResult read(BYTE node, WORD index, BYTE subIndex);
-    /// One SDO download. More bytes than a gateway's line holds are a failure (`exitUsage`), and nothing is sent.
+    /// One SDO download. What `refusal` refuses is a failure, and nothing is sent.
     /// `isNumber`: the bytes are a number, for which a gateway has words of its own.
     std::optional<tFailure> write(BYTE node, WORD index, BYTE subIndex, const QByteArray& bytes, bool isNumber);
+
+    /// Why a value cannot be sent (`exitUsage`): it has more bytes than a gateway's line holds, or none at all on CAN, where
+    /// four zero bytes would be sent. None when it can.
+    std::optional<tFailure> refusal(const QByteArray& bytes) const;
+    /// Whether the gateway has hung up: no operation will be answered any more.
+    bool isLost() const;
 
     /// An operation of the facade that is answered, such as an NMT command: none when it was done.
     template <typename Operation>
     std::optional<tFailure> run(Operation operation)
     {
+        begin();
         return failureOf(operation(m_access));
     }
 
@@ -65,11 +79,18 @@ public:
     /// Takes the messages that came in unasked, and warns once when another SDO client is at work on the bus: there are
     /// its requests, or answers that nobody here has asked for.
     void watchOthers();
+    /// The oldest of these messages, for those who look at them themselves; what they do not know goes to `watch`.
+    std::optional<tCanMessage> takeMessage();
+    /// Warns as `watchOthers` does when the message is a sign of another client.
+    void watch(const tCanMessage& message);
     /// An answer of this node may come later: it is no sign of another client.
     void expectLateAnswer(unsigned node) { m_late.insert(node); }
+    /// It has come.
+    void expectNoAnswer(unsigned node) { m_late.erase(node); }
 
 private:
-    std::optional<tFailure> failureOf(bool done);
+    static void begin();
+    std::optional<tFailure> failureOf(bool done) const;
     std::optional<tFailure> transferFailure(bool done, BYTE node);
     void open(const tNetworkOptions& options);
     void setTimeouts(const tNetworkOptions& options);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "network/NetworkCommands.h"
 
+#include "console/Interrupt.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -36,8 +38,13 @@ int sendNmt(const tNetworkOptions& options, const QString& word, int node, CCons
     if (row == std::end(nmtRows))
         throw tEnd{ exitUsage, QStringLiteral("no NMT command: %1").arg(word) };
     CNetwork network(options, console);
-    const auto failure =
-        network.run([&](CCANopenAccess& access) { return (access.*row->command)(static_cast<BYTE>(node)); });
+    std::optional<tFailure> failure;
+    tellWhenInterrupted(
+        [&] {
+            failure =
+                network.run([&](CCANopenAccess& access) { return (access.*row->command)(static_cast<BYTE>(node)); });
+        },
+        [] { return QStringLiteral("the command was sent, but not answered"); });
     if (!failure)
         return exitDone;
     console.message(failure->text);

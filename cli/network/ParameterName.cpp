@@ -13,6 +13,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <optional>
 
 namespace
 {
@@ -55,25 +56,43 @@ QString listed(const QList<tParameterName>& parameters)
     return texts.join(QStringLiteral(", "));
 }
 
-} // namespace
-
-tParameterName readParameterName(const QString& text, const CCANopen* sheet)
+std::optional<tParameterName> numberedParameter(const QString& text, const CCANopen* sheet)
 {
     static const QRegularExpression numbers(
         QStringLiteral("^(?:0x)?([0-9a-f]{1,4})(?:(?::|sub)(?:0x)?([0-9a-f]{1,2}))?$"),
         QRegularExpression::CaseInsensitiveOption);
+    const auto match = numbers.match(text);
+    if (!match.hasMatch() || text.endsWith(u'\n'))
+        return std::nullopt;
+    const auto index = static_cast<WORD>(match.captured(1).toUInt(nullptr, 16));
+    const auto subIndex = static_cast<BYTE>(match.captured(2).toUInt(nullptr, 16));
+    return tParameterName{ index, subIndex, entryOf(sheet, index, subIndex) };
+}
+
+// For a text that is the number of one parameter and the name of others.
+void refuseOtherNames(const QString& text, const tParameterName& number, const QList<tParameterName>& names)
+{
+    for (const tParameterName& name : names)
+        if (name.index != number.index || name.subIndex != number.subIndex)
+            throw tEnd{ exitUsage, QStringLiteral("\"%1\" is an index and the name of %2: write 0x%3 or %2")
+                                       .arg(text, listed(names), parameterText(number.index, number.subIndex)) };
+}
+
+} // namespace
+
+tParameterName readParameterName(const QString& text, const CCANopen* sheet)
+{
     const auto names = sheet != nullptr ? namedParameters(text, *sheet) : QList<tParameterName>();
+    if (const auto number = numberedParameter(text, sheet)) {
+        if (!text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
+            refuseOtherNames(text, *number, names);
+        return *number;
+    }
     if (names.size() == 1)
         return names.first();
     if (names.size() > 1)
         throw tEnd{ exitUsage,
                     QStringLiteral("\"%1\" is the name of several parameters: %2").arg(text, listed(names)) };
-    const auto match = numbers.match(text);
-    if (match.hasMatch()) {
-        const auto index = static_cast<WORD>(match.captured(1).toUInt(nullptr, 16));
-        const auto subIndex = static_cast<BYTE>(match.captured(2).toUInt(nullptr, 16));
-        return { index, subIndex, entryOf(sheet, index, subIndex) };
-    }
     throw tEnd{ exitUsage, QStringLiteral("\"%1\" is no parameter such as 1018:1 or 0x1018sub1%2")
                                .arg(text, sheet != nullptr ? QStringLiteral(", and no name in the data sheet")
                                                            : QStringLiteral("; names need a data sheet (-s)")) };

@@ -3,7 +3,9 @@
 #include "network/Transfers.h"
 
 #include "console/Interrupt.h"
+#include "console/JsonText.h"
 #include "dic/ValueTypes.h"
+#include "network/NodeReading.h"
 #include "sheets/Csv.h"
 #include "sheets/EntryText.h"
 
@@ -12,6 +14,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <chrono>
 
 namespace
@@ -38,6 +41,11 @@ QString textOf(const tParameterName& name)
     return parameterText(name.index, name.subIndex);
 }
 
+QString typeName(int type)
+{
+    return tEntry::getDataTypeByIndex(tEntry::TEntryType(type));
+}
+
 bool isNumber(int type)
 {
     return isNumeric(valueType(type));
@@ -47,8 +55,8 @@ QJsonObject jsonOf(const tTyped& parameter, valueFormats::TDisplayMode mode)
 {
     QJsonObject object{ { QStringLiteral("index"), indexText(parameter.name.index) },
                         { QStringLiteral("subindex"), parameter.name.subIndex },
-                        { QStringLiteral("type"), tEntry::getDataTypeByIndex(tEntry::TEntryType(parameter.type)) },
-                        { QStringLiteral("value"), typedValue::textOf(parameter.type, parameter.bytes, mode) },
+                        { QStringLiteral("type"), typeName(parameter.type) },
+                        { QStringLiteral("value"), typedValue::exactTextOf(parameter.type, parameter.bytes, mode) },
                         { QStringLiteral("bytes"), QString::fromLatin1(parameter.bytes.toHex(' ').toUpper()) } };
     if (parameter.name.entry != nullptr)
         object.insert(QStringLiteral("name"), parameter.name.entry->getName());
@@ -71,7 +79,7 @@ public:
     void end()
     {
         if (m_options.format == formatJson)
-            m_console.write(QJsonDocument(m_json).toJson());
+            m_console.write(jsonText(QJsonDocument(m_json)));
     }
 
 private:
@@ -82,9 +90,9 @@ private:
 
 void warnOfSize(CConsole& console, const tTyped& parameter)
 {
-    console.message(QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
-                        .arg(textOf(parameter.name), QString::number(parameter.bytes.size()),
-                             tEntry::getDataTypeByIndex(tEntry::TEntryType(parameter.type))));
+    console.message(
+        QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
+            .arg(textOf(parameter.name), QString::number(parameter.bytes.size()), typeName(parameter.type)));
 }
 
 void report(CConsole& console, const tParameterName& name, const tFailure& failure)
@@ -100,27 +108,61 @@ QList<tTyped> typedParameters(const tTransferOptions& options, const CCANopen* s
     return parameters;
 }
 
-// One row of a series; the worst exit status of its readings.
+// One row of a series; the gravest exit status of its readings.
 int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& parameters, CConsole& console)
 {
     QStringList row{ QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs) };
     int status = exitDone;
     for (tTyped& parameter : parameters) {
-        const tReadResult result =
+        const auto [bytes, failure] =
             network.read(static_cast<BYTE>(options.node), parameter.name.index, parameter.name.subIndex);
-        row += result.failure ? QString() : typedValue::textOf(parameter.type, result.bytes, options.mode);
-        if (result.failure) {
-            report(console, parameter.name, *result.failure);
-            status = std::max<int>(status, result.failure->status);
-        } else if (typedValue::sizeDiffers(parameter.type, result.bytes.size())) {
-            parameter.bytes = result.bytes;
+        row += failure ? QString() : typedValue::textOf(parameter.type, bytes, options.mode);
+        if (failure) {
+            report(console, parameter.name, *failure);
+            status = graver(status, failure->status);
+        } else if (typedValue::sizeDiffers(parameter.type, bytes.size())) {
+            parameter.bytes = bytes;
             warnOfSize(console, parameter);
-            status = std::max<int>(status, exitDifference);
+            status = graver(status, exitDifference);
         }
     }
     console.write(csvLine(row));
     console.flush();
     return status;
+}
+
+// The bytes of a value as it was typed; ends the command when it is none.
+QByteArray bytesToSend(const tTyped& parameter, bool typeIsKnown, const QString& text)
+{
+    if (!typeIsKnown)
+        throw tEnd{ exitUsage, QStringLiteral("%1: its type is not known; --type or a data sheet (-s) tells it")
+                                   .arg(textOf(parameter.name)) };
+    if (auto bytes = typedValue::bytesOf(parameter.type, text))
+        return *bytes;
+    throw tEnd{ exitUsage, QStringLiteral("%1: \"%2\" is no value of %3; nothing was sent")
+                               .arg(textOf(parameter.name), text, typeName(parameter.type)) };
+}
+
+QList<tTyped> valuesToSend(const tTransferOptions& options, const CCANopen* sheet)
+{
+    if (options.arguments.size() % 2 != 0)
+        throw tEnd{ exitUsage, QStringLiteral("the value of %1 is missing").arg(options.arguments.last()) };
+    auto parameters = typedParameters(options, sheet, 2);
+    for (qsizetype place = 0; place < parameters.size(); ++place) {
+        const bool typeIsKnown = options.type || parameters[place].name.entry != nullptr;
+        parameters[place].bytes = bytesToSend(parameters[place], typeIsKnown, options.arguments[2 * place + 1]);
+    }
+    return parameters;
+}
+
+// How far writing has come: "1 of 3 values were written, not 1006, 2008".
+QString written(const QList<tTyped>& parameters, qsizetype done)
+{
+    QStringList rest;
+    for (qsizetype place = done; place < parameters.size(); ++place)
+        rest += textOf(parameters[place].name);
+    return QStringLiteral("%1 of %2 values were written, not %3")
+        .arg(QString::number(done), QString::number(parameters.size()), rest.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -131,23 +173,29 @@ int readParameters(const tTransferOptions& options, const CCANopen* sheet, CCons
     CNetwork network(options.network, console);
     CValues values(options, console);
     int status = exitDone;
-    for (tTyped& parameter : parameters) {
-        const auto [bytes, failure] =
-            network.read(static_cast<BYTE>(options.node), parameter.name.index, parameter.name.subIndex);
-        if (failure) {
-            report(console, parameter.name, *failure);
-            status = failure->status;
-            if (status == exitNetwork)
-                break;
-            continue;
+    qsizetype done = 0;
+    const auto readAll = [&] {
+        for (; done < parameters.size() && status != exitNetwork; ++done) {
+            tTyped& parameter = parameters[done];
+            const auto [bytes, failure] =
+                network.read(static_cast<BYTE>(options.node), parameter.name.index, parameter.name.subIndex);
+            if (failure) {
+                report(console, parameter.name, *failure);
+                status = graver(status, failure->status);
+                continue;
+            }
+            parameter.bytes = bytes;
+            values.add(parameter);
+            if (typedValue::sizeDiffers(parameter.type, bytes.size())) {
+                warnOfSize(console, parameter);
+                status = graver(status, exitDifference);
+            }
         }
-        parameter.bytes = bytes;
-        values.add(parameter);
-        if (typedValue::sizeDiffers(parameter.type, bytes.size())) {
-            warnOfSize(console, parameter);
-            status = std::max<int>(status, exitDifference);
-        }
-    }
+    };
+    tellWhenInterrupted(readAll, [&] {
+        values.end();
+        return QStringLiteral("%1 of %2 parameters were read").arg(done).arg(parameters.size());
+    });
     values.end();
     return status;
 }
@@ -161,50 +209,52 @@ int readSeries(const tTransferOptions& options, const CCANopen* sheet, CConsole&
         header += textOf(parameter.name);
     console.write(csvLine(header));
     int status = exitDone;
-    auto next = std::chrono::steady_clock::now();
-    for (int row = 0; row < options.repeat || options.repeat == 0; ++row) {
-        sleepUntil(next);
-        next += std::chrono::milliseconds(std::max(options.every, 0));
-        status = std::max(status, readRow(network, options, parameters, console));
-    }
+    int rows = 0;
+    const auto readAll = [&] {
+        auto next = std::chrono::steady_clock::now();
+        for (; (rows < options.repeat || options.repeat == 0) && !network.isLost(); ++rows) {
+            sleepUntil(next);
+            // What a slow reading has missed is not made up for.
+            next = std::max(next + std::chrono::milliseconds(std::max(options.every, 0)),
+                            std::chrono::steady_clock::now());
+            status = graver(status, readRow(network, options, parameters, console));
+        }
+    };
+    tellWhenInterrupted(readAll, [&] { return QStringLiteral("after reading number %1").arg(rows); });
     return status;
 }
 
 int writeParameters(const tTransferOptions& options, const CCANopen* sheet, CConsole& console)
 {
-    if (options.arguments.size() % 2 != 0)
-        throw tEnd{ exitUsage, QStringLiteral("the value of %1 is missing").arg(options.arguments.last()) };
-    auto parameters = typedParameters(options, sheet, 2);
-    for (qsizetype place = 0; place < parameters.size(); ++place) {
-        tTyped& parameter = parameters[place];
-        if (!options.type && parameter.name.entry == nullptr)
-            throw tEnd{ exitUsage, QStringLiteral("%1: its type is not known; --type or a data sheet (-s) tells it")
-                                       .arg(textOf(parameter.name)) };
-        const QString& text = options.arguments[2 * place + 1];
-        const auto bytes = typedValue::bytesOf(parameter.type, text);
-        if (!bytes)
-            throw tEnd{ exitUsage, QStringLiteral("%1: \"%2\" is no value of %3; nothing was sent")
-                                       .arg(textOf(parameter.name), text,
-                                            tEntry::getDataTypeByIndex(tEntry::TEntryType(parameter.type))) };
-        parameter.bytes = *bytes;
-    }
+    const auto parameters = valuesToSend(options, sheet);
     CNetwork network(options.network, console);
+    for (const tTyped& parameter : parameters)
+        if (const auto refused = network.refusal(parameter.bytes))
+            throw tEnd{ exitUsage,
+                        QStringLiteral("%1: %2; nothing was sent").arg(textOf(parameter.name), refused->text) };
     CValues values(options, console);
     int status = exitDone;
     qsizetype done = 0;
-    for (; done < parameters.size() && status == exitDone; ++done) {
-        const tTyped& parameter = parameters[done];
-        const auto failure = network.write(static_cast<BYTE>(options.node), parameter.name.index,
-                                           parameter.name.subIndex, parameter.bytes, isNumber(parameter.type));
-        if (failure) {
-            report(console, parameter.name, *failure);
-            status = failure->status;
-            break;
+    const auto writeAll = [&] {
+        for (; done < parameters.size(); ++done) {
+            const tTyped& parameter = parameters[done];
+            const auto failure = network.write(static_cast<BYTE>(options.node), parameter.name.index,
+                                               parameter.name.subIndex, parameter.bytes, isNumber(parameter.type));
+            if (failure) {
+                report(console, parameter.name, *failure);
+                status = failure->status;
+                return;
+            }
+            values.add(parameter);
         }
-        values.add(parameter);
-    }
-    if (status != exitDone && done + 1 < parameters.size())
-        console.message(QStringLiteral("%1 of %2 values were sent").arg(done).arg(parameters.size()));
+    };
+    const QString unsure = QStringLiteral("; the first of these may have been");
+    tellWhenInterrupted(writeAll, [&] {
+        values.end();
+        return written(parameters, done) + unsure;
+    });
+    if (status != exitDone)
+        console.message(written(parameters, done) + (status == exitNetwork ? unsure : QString()));
     values.end();
     return status;
 }

@@ -4,6 +4,7 @@
 
 #include "CANopenTypes.h"
 #include "dic/CANopenObjectEntry.h"
+#include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
 
 #include <QStringList>
@@ -64,8 +65,6 @@ constexpr tReader windowTypes[] = {
     { entry::typeUnsigned8, converted<SDO_t_UNSIGNED8, types::ascii2unsigned8> },
     { entry::typeUnsigned16, converted<SDO_t_UNSIGNED16, types::ascii2unsigned16> },
     { entry::typeUnsigned32, converted<SDO_t_UNSIGNED32, types::ascii2unsigned32> },
-    { entry::typeDate, converted<SDO_t_DATE, types::ascii2date> },
-    { entry::typeTimeOfDay, converted<SDO_t_TIME_OF_DAY, types::ascii2timeOfDay> },
 };
 
 // "01 2A FF", "0x01 0x2A" or "012AFF".
@@ -76,7 +75,7 @@ std::optional<QByteArray> bytesOfOctets(const QString& text)
     for (const QString& word : words) {
         const QString digits = word.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? word.mid(2) : word;
         const QByteArray octets = QByteArray::fromHex(digits.toLatin1());
-        if (octets.size() * 2 != digits.size() || octets.toHex() != digits.toLatin1().toLower())
+        if (octets.isEmpty() || octets.size() * 2 != digits.size() || octets.toHex() != digits.toLatin1().toLower())
             return std::nullopt;
         bytes += octets;
     }
@@ -103,14 +102,44 @@ QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)
     return (value < 0 ? QString() : QStringLiteral("+")) + QString::number(value);
 }
 
-template <typename Moment, bool (*toText)(Moment, QString&)>
-QString momentText(const QByteArray& bytes)
+template <typename Moment>
+Moment momentOf(const QByteArray& bytes)
 {
     Moment moment{};
     std::memcpy(&moment, bytes.constData(), sizeof moment);
+    return moment;
+}
+
+// No text for a moment that is none: the window shows another one for it, or a part.
+QString dateText(const QByteArray& bytes)
+{
+    constexpr qsizetype whole = 23; // "2026-01-31 12:00:00.000"
     QString text;
-    toText(moment, text);
+    types::date2ascii(momentOf<SDO_t_DATE>(bytes), text);
+    return text.size() == whole ? text : QString();
+}
+
+QString timeOfDayText(const QByteArray& bytes)
+{
+    constexpr int firstDayOf2038 = 19724;
+    constexpr std::uint32_t millisecondsPerDay = 86400000;
+    const auto moment = momentOf<SDO_t_TIME_OF_DAY>(bytes);
+    if (moment.member.days >= firstDayOf2038 || moment.member.msec >= millisecondsPerDay)
+        return QString();
+    QString text;
+    types::timeOfDay2ascii(moment, text);
     return text;
+}
+
+// No bytes for a moment that the type cannot hold, such as one of 1983 or 2126: it would be another one.
+std::optional<QByteArray> bytesOfMoment(int type, const QString& text)
+{
+    constexpr qsizetype toSeconds = 19; // "2026-01-31 12:00:00"
+    const auto bytes = valueFromText(text, valueType(type), 0);
+    if (!bytes || !text.contains(u'-'))
+        return bytes;
+    const QString shown = type == entry::typeDate ? dateText(*bytes) : timeOfDayText(*bytes);
+    return shown.left(toSeconds) == text.trimmed().left(toSeconds) ? bytes : std::nullopt;
 }
 
 QString integerText(int dataType, tValueType type, const QByteArray& bytes, TDisplayMode mode)
@@ -153,25 +182,38 @@ std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
     const tValueType layout = valueType(type);
     if (isNumeric(layout) || layout.kind == kindReal)
         return isRelative(text) ? std::nullopt : valueFromText(text, layout, 0);
+    // Not as the window: of a date it sends a part of the milliseconds only, and a time of the summer an hour late.
+    if (type == entry::typeDate || type == entry::typeTimeOfDay)
+        return bytesOfMoment(type, text);
     const auto bytes = bytesOfOctets(text);
     return bytes && !sizeDiffers(type, bytes->size()) ? bytes : std::nullopt;
 }
 
 QString typedValue::textOf(int type, const QByteArray& bytes, TDisplayMode mode)
 {
+    if (valueType(type).kind == kindText)
+        return visibleText(QString::fromLatin1(bytes.constData())); // to the first zero byte
+    return exactTextOf(type, bytes, mode);
+}
+
+QString typedValue::exactTextOf(int type, const QByteArray& bytes, TDisplayMode mode)
+{
     const tValueType layout = valueType(type);
+    QString text;
     if (layout.kind == kindText)
         return QString::fromLatin1(bytes);
     if (!sizeDiffers(type, bytes.size())) {
         if (layout.kind == kindReal)
-            return textFromValue(bytes, layout).value_or(QString());
-        if (isNumeric(layout))
-            return integerText(type, layout, bytes, mode);
-        if (mode == valueFormats::modeDec && type == entry::typeDate)
-            return momentText<SDO_t_DATE, types::date2ascii>(bytes);
-        if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
-            return momentText<SDO_t_TIME_OF_DAY, types::timeOfDay2ascii>(bytes);
+            text = textFromValue(bytes, layout).value_or(QString());
+        else if (isNumeric(layout))
+            text = integerText(type, layout, bytes, mode);
+        else if (mode == valueFormats::modeDec && type == entry::typeDate)
+            text = dateText(bytes);
+        else if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
+            text = timeOfDayText(bytes);
     }
+    if (!text.isEmpty())
+        return text;
     return valueFormats::bytes(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<int>(bytes.size()),
                                mode)
         .trimmed();

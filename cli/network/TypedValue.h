@@ -19,14 +19,18 @@ std::optional<int> typeOfWord(const QString& word);
 QString words();
 
 /// The bytes that a typed text stands for; none when it is no value of the type, for example a number out of its range.
-/// Integers, dates and times are read as the window reads them; a boolean is 0 or 1; reals are decimal or bit patterns
-/// ("1.5", "0x3FC00000"); texts are Latin-1; all other types are bytes in hexadecimal ("01 2A FF").
+/// Integers are read as the window reads them; a boolean is 0 or 1; reals are decimal or bit patterns ("1.5",
+/// "0x3FC00000"); texts are Latin-1; dates and times are "2026-01-31 12:00:00.000" or bytes; all other types are bytes in
+/// hexadecimal ("01 2A FF").
 std::optional<QByteArray> bytesOf(int type, const QString& text);
 
-/// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Texts
-/// and reals are shown as they are read. Bytes that are no value of the type, since their number is another, are shown
-/// byte by byte.
+/// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Reals
+/// are shown as they are read. Texts end with their first zero byte, and their control characters are shown as "\x1B".
+/// Bytes that are no value of the type, since their number is another or there is no such date, are shown byte by byte.
 QString textOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
+
+/// The same with texts as they are, for formats that can hold every character.
+QString exactTextOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
 
 /// Whether values of the type have a fixed number of bytes other than this one.
 bool sizeDiffers(int type, qsizetype size);

@@ -204,10 +204,27 @@ int32_t top_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE
     return top_exchange(tcp_eval_sdo_response);
 }
 
+/// Whether all that follows the number of a line is base64, in groups of four characters; "=" alone is an empty value.
+static bool top_has_base64(const char* line)
+{
+    const char* text = line + std::strcspn(line, "]");
+    text += std::strspn(text, "] \t");
+    const char* padding = text;
+    while (base64_belongs(*padding))
+        ++padding;
+    const char* end = padding + std::strspn(padding, "=");
+    const bool whole = padding == text || (end - text) % top_group_characters == 0;
+    return whole && end[std::strspn(end, " \t\r\n")] == '\0';
+}
+
 int32_t top_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data, short size)
 {
     top_format("%u read 0x%X 0x%X d\r\n", node, index, subindex);
-    return top_exchange(tcp_eval_sdo_domain, length, data, size);
+    const int32_t result = top_exchange(tcp_eval_sdo_domain, length, data, size);
+    // The evaluator takes whatever looks like base64 at the start of an answer, of "OK" as well.
+    if (result == ERR_NO_ERROR && top_answered == top_answer_whole && !top_has_base64(top_buffer))
+        top_answered = top_answer_odd;
+    return result;
 }
 
 int32_t top_timeout(WORD timeout, WORD* previous)

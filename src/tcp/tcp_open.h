@@ -84,6 +84,7 @@ int32_t top_queue_status(BYTE* low, BYTE* high);
 enum top_answer {
     top_answer_none, ///< no line with its number has come in time, or the command could not be sent
     top_answer_cut,  ///< such a line did not end within 1023 characters, or the connection closed within it
+    top_answer_odd,  ///< such a line is no value in base64, where `top_read` took one from it
     top_answer_whole ///< such a line has come up to its line feed
 };
 int top_last_answer();

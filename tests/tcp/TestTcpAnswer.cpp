@@ -27,6 +27,8 @@ class TestTcpAnswer : public QObject
 private Q_SLOTS:
     void answerIsWhole_data();
     void answerIsWhole();
+    void valueThatIsNoneIsOdd_data();
+    void valueThatIsNoneIsOdd();
     void hangUpIsNoAnswer();
     void lineOfAnotherNumberIsNoAnswer();
     void silenceIsNoAnswer();
@@ -53,6 +55,28 @@ void TestTcpAnswer::answerIsWhole()
     gateway.expect(readCommand, answer.toStdString());
     readHeartbeat();
     QCOMPARE(top_last_answer(), int(top_answer_whole));
+}
+
+void TestTcpAnswer::valueThatIsNoneIsOdd_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("how");
+    for (const char* answer : { "", "=", "6AM=", " 6AM= \t", "6AMAAA==" })
+        QTest::addRow("value \"%s\"", answer) << QByteArray(answer) << int(top_answer_whole);
+    for (const char* answer : { "OK", "0x03E8", "100", "6AM", "6AM= x", "?", "6AM =", "6AM=6AM=" })
+        QTest::addRow("no value \"%s\"", answer) << QByteArray(answer) << int(top_answer_odd);
+}
+
+void TestTcpAnswer::valueThatIsNoneIsOdd()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(int, how);
+    CGatewaySession gateway;
+    gateway.expect("[#] 5 read 0x1017 0x0 d\r\n", "[#] " + answer.toStdString() + "\r\n");
+    BYTE data[16];
+    short length = 0;
+    QCOMPARE(top_read(5, 0x1017, 0, &length, data, sizeof data), 0);
+    QCOMPARE(top_last_answer(), how);
 }
 
 void TestTcpAnswer::hangUpIsNoAnswer()
@@ -132,7 +156,7 @@ void TestTcpAnswer::lineLongerThanTheBufferIsCut()
     CGatewaySession gateway;
     gateway.answerWith([length](const std::string& command) {
         std::string line = "[" + std::to_string(gatewayText::numberOf(command)) + "] ";
-        line.resize(static_cast<std::size_t>(length) - 1, 'A');
+        line.resize(static_cast<std::size_t>(length) - 1, ' ');
         return line + '\n';
     });
     short size = 0;
