@@ -16,9 +16,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace
 {
@@ -234,6 +232,8 @@ constexpr tKey<CEdsLoad> entryKeys[] = {
     { "ParameterValue", [](auto& load, auto value) {
         if (load.m_report && *value)
             load.m_report->parameterValues[load.m_entry] = load.m_pool.text(value);
+        else if (load.m_report) // the last one counts, also an empty one
+            load.m_report->parameterValues.erase(load.m_entry);
     } },
 };
 // clang-format on

@@ -30,6 +30,12 @@ ParameterValue=first
 ParameterValue=last
 [2001sub2]
 DefaultValue=2
+[2001sub3]
+ParameterValue=first
+ParameterValue=
+[2001sub4]
+ParameterValue=
+ParameterValue=last
 )";
 
 // The value of the entry at these places; "none" when it has none.
@@ -71,14 +77,16 @@ void TestDataSheet::configurationGivesItsValuesByEntry()
     QCOMPARE(valueOf(sheet, 1, 0), QString("none")); // an empty text
     QCOMPARE(valueOf(sheet, 1, 1), QString("last"));
     QCOMPARE(valueOf(sheet, 1, 2), QString("none"));
-    QCOMPARE(int(sheet.parameterValues().size()), 2);
+    QCOMPARE(valueOf(sheet, 1, 3), QString("none")); // the empty text erases the one before it
+    QCOMPARE(valueOf(sheet, 1, 4), QString("last"));
+    QCOMPARE(int(sheet.parameterValues().size()), 3);
 }
 
 void TestDataSheet::fileNameDecidesWhetherValuesCount_data()
 {
     QTest::addColumn<int>("values");
-    QTest::newRow("device.dcf") << 2;
-    QTest::newRow("DEVICE.DCF") << 2;
+    QTest::newRow("device.dcf") << 3;
+    QTest::newRow("DEVICE.DCF") << 3;
     QTest::newRow("device.eds") << 0;
     QTest::newRow("device.dcf.txt") << 0;
 }
