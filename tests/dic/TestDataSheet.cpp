@@ -61,6 +61,7 @@ private Q_SLOTS:
     void realSheetThatStopsIsExplained();
     void fileThatCannotBeReadIsNoSheet_data();
     void fileThatCannotBeReadIsNoSheet();
+    void namesOfFilesAreShownVisible();
     void linesAreShownCutAndVisible_data();
     void linesAreShownCutAndVisible();
 };
@@ -151,6 +152,9 @@ void TestDataSheet::fileThatCannotBeReadIsNoSheet_data()
     QTest::newRow("folder") << QDir::tempPath() << "not a file: " + QDir::tempPath();
     QTest::newRow("device") << "/dev/null"
                             << "not a file: /dev/null";
+    QTest::newRow("control characters") << "/no/a\n\u001B[31mb.eds"
+                                        << "no such file: /no/a\\x0A\\x1B[31mb.eds";
+    QTest::newRow("long name") << "/no/" + QString(200, 'x') << "no such file: /no/" + QString(200, 'x');
 }
 
 void TestDataSheet::fileThatCannotBeReadIsNoSheet()
@@ -159,6 +163,25 @@ void TestDataSheet::fileThatCannotBeReadIsNoSheet()
     CDataSheet sheet;
     QCOMPARE(sheet.load(path), CDataSheet::noFile);
     QTEST(sheet.error(), "message");
+}
+
+void TestDataSheet::namesOfFilesAreShownVisible()
+{
+    const QByteArray name = "\u001B[31m.eds";
+    const QByteArray shown = "/\\x1B[31m.eds";
+    const auto errorOf = [&name](const QByteArray& text) {
+        const CSheetFile file(text, name);
+        CDataSheet sheet;
+        sheet.load(file.path());
+        return sheet.error();
+    };
+    QVERIFY2(errorOf("[a]\nk\n").contains(shown + ", line 2"), qPrintable(errorOf("[a]\nk\n")));
+    QVERIFY2(errorOf("[a]\n").endsWith(shown), qPrintable(errorOf("[a]\n")));
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(name));
+    CDataSheet sheet;
+    QCOMPARE(sheet.load(folder.filePath(name)), CDataSheet::noFile);
+    QVERIFY2(sheet.error().startsWith("not a file: ") && sheet.error().endsWith(shown), qPrintable(sheet.error()));
 }
 
 void TestDataSheet::linesAreShownCutAndVisible_data()
