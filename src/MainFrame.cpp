@@ -65,7 +65,8 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
-    statusBar()->findChild<QSizeGrip*>()->setAccessibleName(QStringLiteral("Size of the window"));
+    if (auto* grip = statusBar()->findChild<QSizeGrip*>())
+        grip->setAccessibleName(QStringLiteral("Size of the window"));
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
@@ -168,6 +169,7 @@ void CMainFrame::fileOpen()
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
     messageBox::removeButtonIcons(dialog);
+    const messageBox::CBoxCare care; // of its boxes
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) // deleted together with the frame
         return;
