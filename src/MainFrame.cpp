@@ -9,6 +9,7 @@
 #include "widgets/MessageBoxes.h"
 #include "widgets/ScreenRoom.h"
 #include "widgets/Settings.h"
+#include "widgets/StatusBar.h"
 #include "widgets/WindowTitle.h"
 
 #include <QCloseEvent>
@@ -20,7 +21,6 @@
 #include <QMenu>
 #include <QPointer>
 #include <QSizeGrip>
-#include <QStatusBar>
 #include <QVBoxLayout>
 
 // The images are part of a static library and have to be registered. The macro must stand outside any namespace.
@@ -65,6 +65,7 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
+    setStatusBar(new CStatusBar(this));
     if (auto* grip = statusBar()->findChild<QSizeGrip*>())
         grip->setAccessibleName(QStringLiteral("Size of the window"));
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));

@@ -1,0 +1,24 @@
+// The status bar of the frame.
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStatusBar>
+
+/// Shows of a message that is too long its beginning and its end, and all of it in a tool tip.
+class CStatusBar : public QStatusBar
+{
+    Q_OBJECT
+
+public:
+    using QStatusBar::QStatusBar;
+
+    /// The message as it is shown.
+    QString shownText() const;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QRect place() const;
+};
