@@ -58,6 +58,7 @@ void makeScroll(QMessageBox* box, QLabel* label, QSize most)
     view->setFixedSize(most.width(), std::min(needed, most.height()));
     delete box->layout()->replaceWidget(label, view);
     label->hide();
+    view->show(); // at once: the box is laid out and placed next
     // Not the text. The toolkit's boxes get their button only now.
     const auto focusButton = [box] {
         if (QAbstractButton* button = box->button(QMessageBox::Ok))

@@ -27,8 +27,12 @@ void CNameMenuStyle::drawControl(ControlElement element, const QStyleOption* opt
     if (element != CE_MenuItem || item == nullptr)
         return QProxyStyle::drawControl(element, option, painter, widget);
     QStyleOptionMenuItem shown = *item;
-    const QSize noText(0, item->rect.height());
-    const int room = item->rect.width() - QProxyStyle::sizeFromContents(CT_MenuItem, item, noText, widget).width();
-    shown.text = QFontMetrics(item->font).elidedText(item->text, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
+    constexpr int wide = 10000; // a menu has a least width
+    const QSize wideText(wide, item->rect.height());
+    const int beside = QProxyStyle::sizeFromContents(CT_MenuItem, item, wideText, widget).width() - wide;
+    const QFontMetrics metrics(item->font);
+    const int room = item->rect.width() - beside;
+    if (metrics.size(Qt::TextSingleLine | Qt::TextShowMnemonic, item->text).width() > room)
+        shown.text = metrics.elidedText(item->text, Qt::ElideMiddle, room, Qt::TextShowMnemonic);
     QProxyStyle::drawControl(element, &shown, painter, widget);
 }

@@ -50,6 +50,10 @@ QString complaint(const QMessageBox* box)
     const QSize room = box->screen()->availableGeometry().size();
     if (box->width() >= room.width() || box->height() >= room.height() - titleBar)
         return QString("%1 x %2 is too large").arg(box->width()).arg(box->height());
+    if (!box->screen()->availableGeometry().contains(box->geometry()))
+        return "not on the screen";
+    if ((box->geometry().center() - box->parentWidget()->geometry().center()).manhattanLength() > 60)
+        return "not centred";
     if (!box->rect().contains(box->button(QMessageBox::Ok)->geometry()))
         return "OK is outside";
     const tShown shown = shownIn(box, "qt_msgbox_label");
@@ -88,7 +92,7 @@ private:
     {
         for (const QScreen* screen : QGuiApplication::screens())
             if (screen->size() == size)
-                parent->setGeometry(QRect(screen->geometry().center(), QSize(50, 50)));
+                parent->setGeometry(screen->geometry().marginsRemoved(QMargins(20, 20, 20, 20)));
         parent->show();
         QCOMPARE(parent->screen()->size(), size);
     }
@@ -210,6 +214,7 @@ void TestBoxesFit::theToolkitsBoxStaysOnASmallScreen()
     const CWhenShown<QMessageBox> watch([&](QMessageBox* box) {
         const auto accept = qScopeGuard([box] { box->accept(); });
         QVERIFY2(box->height() < 600 - titleBar && box->width() < 1024, qPrintable(QString::number(box->height())));
+        QVERIFY(box->screen()->availableGeometry().contains(box->geometry()));
         QVERIFY(box->rect().contains(box->button(QMessageBox::Ok)->geometry()));
         QCOMPARE(box->windowTitle(), QString("Title"));
         QVERIFY(box->text().contains("About Qt"));

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void aLongMessageHasAToolTip();
     void aShortMessageIsWholeAndHasNoToolTip();
     void menusOfLongNamesStayOnTheScreen();
+    void shortNamesInAMenuAreWhole();
     void longNamesInAMenuDifferByTheirEnds();
 
 private:
@@ -121,6 +122,16 @@ void TestLongTexts::longNamesInAMenuDifferByTheirEnds()
     }
     QVERIFY(pictures[0] != pictures[1]);
     QVERIFY(pictures[0] == pictures[2]);
+}
+
+void TestLongTexts::shortNamesInAMenuAreWhole()
+{
+    CFrameDriver driver;
+    driver.frame.newDocument()->setWindowTitle("R&D.eds");
+    QMenu* menu = driver.seeMenu("&Windows");
+    const QImage picture = menu->grab().toImage();
+    menu->setStyle(nullptr);
+    QVERIFY(picture == menu->grab().toImage());
 }
 
 int main(int argc, char* argv[])
