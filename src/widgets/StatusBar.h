@@ -4,11 +4,10 @@
 
 #include <QStatusBar>
 
-/// Shows of a message that is too long its beginning and its end, and all of it in a tool tip.
+/// Shows of a message that is too long its beginning and its end, and all of it in a tool tip. It only paints: for its
+/// frame, and for everyone who looks for it there, it is a QStatusBar, hence no Q_OBJECT.
 class CStatusBar : public QStatusBar
 {
-    Q_OBJECT
-
 public:
     using QStatusBar::QStatusBar;
 

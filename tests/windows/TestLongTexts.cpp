@@ -39,7 +39,7 @@ private Q_SLOTS:
     void longNamesInAMenuDifferByTheirEnds();
 
 private:
-    static CStatusBar* barOf(const CFrameDriver& driver) { return driver.frame.findChild<CStatusBar*>(); }
+    static CStatusBar* barOf(const CFrameDriver& driver) { return static_cast<CStatusBar*>(driver.frame.statusBar()); }
     static QString toolTipOf(CStatusBar* bar)
     {
         QHelpEvent help(QEvent::ToolTip, bar->rect().center(), bar->mapToGlobal(bar->rect().center()));
