@@ -12,7 +12,9 @@
 #include "widgets/StatusBar.h"
 #include "widgets/WindowTitle.h"
 
+#include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QIcon>
@@ -21,6 +23,7 @@
 #include <QMenu>
 #include <QPointer>
 #include <QSizeGrip>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 // The images are part of a static library and have to be registered. The macro must stand outside any namespace.
@@ -60,14 +63,32 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
     return frame;
 }
 
+void nameGrip(const QWidget* window)
+{
+    for (QSizeGrip* grip : window->findChildren<QSizeGrip*>())
+        grip->setAccessibleName(QStringLiteral("Size of the window"));
+}
+
+// Qt leaves some parts of its dialog without a name.
+void nameParts(const QFileDialog* dialog)
+{
+    nameGrip(dialog);
+    for (QSplitter* splitter : dialog->findChildren<QSplitter*>()) {
+        splitter->setAccessibleName(QStringLiteral("Places and files"));
+        if (QSplitterHandle* handle = splitter->handle(1))
+            handle->setAccessibleName(QStringLiteral("Width of the places"));
+    }
+    for (const QComboBox* box : dialog->findChildren<QComboBox*>())
+        box->view()->setAccessibleName(QStringLiteral("Choices"));
+}
+
 } // namespace
 
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
     setStatusBar(new CStatusBar(this));
-    if (auto* grip = statusBar()->findChild<QSizeGrip*>())
-        grip->setAccessibleName(QStringLiteral("Size of the window"));
+    nameGrip(statusBar());
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
@@ -171,6 +192,7 @@ void CMainFrame::fileOpen()
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
     messageBox::removeButtonIcons(dialog);
     const messageBox::CBoxCare care; // of its boxes
+    nameParts(dialog);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) // deleted together with the frame
         return;
