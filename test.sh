@@ -1,7 +1,7 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc) and in asan (clang), the tests on the CAN
-# interface vcan0 in dev, the formatting, clang-tidy, the performance that can be counted, the package, and the
-# demonstration without a display with the handbook's pictures.
+# interface vcan0 in dev, the formatting, clang-tidy, the performance that can be counted, the windows through the
+# interface of assistive programs, the package, and the demonstration without a display with the handbook's pictures.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -93,6 +93,8 @@ else
     if $can; then suite_on_vcan; fi
     tidy
     performance
+    stage "The windows from outside"
+    tests/atspi/check-atspi || fail "assistive programs and keys do not find everything"
     stage "The package"
     tests/package/check-package || fail "the package is not sound"
     build release

@@ -9,6 +9,7 @@ can_packages=(user-mode-linux busybox-static iproute2 can-utils) # for with-vcan
 bench_packages=(libbenchmark-dev valgrind)
 test_packages=(git "${bench_packages[@]}" "${demo_packages[@]}" "${package_packages[@]}")
 test_packages+=(lintian appstream desktop-file-utils shared-mime-info man-db fakeroot) # for the tests of the package
+test_packages+=(python3-pyatspi gir1.2-atspi-2.0 at-spi2-core dbus) # for check-atspi
 find_gcc > /dev/null || build_packages+=(g++)
 find_clang > /dev/null || test_packages+=(clang)
 

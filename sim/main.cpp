@@ -49,13 +49,13 @@ int failWithHint(const QString& error)
     return status;
 }
 
-// The installed data sheet of this name, where there is no such file and the name has no folder; else the name.
+// The installed data sheet of this name, where there is nothing of this name here and it has no folder; else the name.
 QString findSheet(const QString& fileName)
 {
     const QString installed =
         QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/velmora/") + fileName);
     const bool given = fileName.contains(u'/') || QFileInfo::exists(fileName);
-    return !given && QFileInfo::exists(installed) ? installed : fileName;
+    return !given && QFileInfo(installed).isFile() ? installed : fileName;
 }
 
 // The exit status; `exitDone` when all devices are there.

@@ -83,8 +83,21 @@ CInitInterfaceDialog::CInitInterfaceDialog(QWidget* parent, const char* name) : 
     setMinimumSize(smallestSize.expandedTo(minimumSizeHint()));
     resize(minimumSize());
     m_interfaceComboBox->setFocus();
-    if (parent != nullptr)
-        parent->installEventFilter(this);
+}
+
+// Its frame keeps the dialog when it has been closed, and with the next one there are two.
+void CInitInterfaceDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (parentWidget() != nullptr)
+        parentWidget()->installEventFilter(this); // once only, however often it is shown
+}
+
+void CInitInterfaceDialog::hideEvent(QHideEvent* event)
+{
+    if (parentWidget() != nullptr)
+        parentWidget()->removeEventFilter(this);
+    QDialog::hideEvent(event);
 }
 
 // At the start of the program the window manager places the frame only after the dialog was centred on it.

@@ -37,6 +37,8 @@ public Q_SLOTS:
     void acceptInitialize();
 
 protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -9,9 +9,12 @@
 #include "widgets/MessageBoxes.h"
 #include "widgets/ScreenRoom.h"
 #include "widgets/Settings.h"
+#include "widgets/StatusBar.h"
 #include "widgets/WindowTitle.h"
 
+#include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QIcon>
@@ -20,7 +23,7 @@
 #include <QMenu>
 #include <QPointer>
 #include <QSizeGrip>
-#include <QStatusBar>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 // The images are part of a static library and have to be registered. The macro must stand outside any namespace.
@@ -60,12 +63,32 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
     return frame;
 }
 
+void nameGrip(const QWidget* window)
+{
+    for (QSizeGrip* grip : window->findChildren<QSizeGrip*>())
+        grip->setAccessibleName(QStringLiteral("Size of the window"));
+}
+
+// Qt leaves some parts of its dialog without a name.
+void nameParts(const QFileDialog* dialog)
+{
+    nameGrip(dialog);
+    for (QSplitter* splitter : dialog->findChildren<QSplitter*>()) {
+        splitter->setAccessibleName(QStringLiteral("Places and files"));
+        if (QSplitterHandle* handle = splitter->handle(1))
+            handle->setAccessibleName(QStringLiteral("Width of the places"));
+    }
+    for (const QComboBox* box : dialog->findChildren<QComboBox*>())
+        box->view()->setAccessibleName(QStringLiteral("Choices"));
+}
+
 } // namespace
 
 CMainFrame::CMainFrame(QWidget* parent, const char* name, Qt::WindowFlags flags) : QMainWindow(parent, flags)
 {
     registerImages();
-    statusBar()->findChild<QSizeGrip*>()->setAccessibleName(QStringLiteral("Size of the window"));
+    setStatusBar(new CStatusBar(this));
+    nameGrip(statusBar());
     setObjectName(name != nullptr ? QString::fromUtf8(name) : QStringLiteral("main window"));
     setWindowIcon(imageIcon(QStringLiteral("program.png")));
 
@@ -168,6 +191,8 @@ void CMainFrame::fileOpen()
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilter(QStringLiteral("CANopen EDS-files (*.eds);;Any files (*)"));
     messageBox::removeButtonIcons(dialog);
+    const messageBox::CBoxCare care; // of its boxes
+    nameParts(dialog);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (dialog.isNull()) // deleted together with the frame
         return;

@@ -3,6 +3,7 @@
 #include "MainFrame.h"
 
 #include "widgets/ImageIcon.h"
+#include "widgets/NameMenuStyle.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -165,6 +166,11 @@ void CMainFrame::createMenus()
             menuBar()->addMenu(menu);
     }
     menuBar()->setAccessibleName(QStringLiteral("Menus"));
+
+    auto* style = new CNameMenuStyle;
+    style->setParent(this);
+    for (QMenu* menu : { m_fileListMenu, m_windowsMenu })
+        menu->setStyle(style);
 }
 
 void CMainFrame::createToolBar()

@@ -17,19 +17,19 @@ QString readError(const QString& fileName)
 {
     const QFileInfo info(fileName);
     if (!info.exists())
-        return QStringLiteral("no such file: %1").arg(fileName);
+        return QStringLiteral("no such file: %1").arg(visibleText(fileName));
     if (!info.isFile())
-        return QStringLiteral("not a file: %1").arg(fileName);
+        return QStringLiteral("not a file: %1").arg(visibleText(fileName));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot read %1").arg(fileName);
+        return QStringLiteral("cannot read %1").arg(visibleText(fileName));
     return QString();
 }
 
 QString refusal(const QString& fileName, const tEdsReport& report)
 {
     return QStringLiteral("not a valid data sheet: %1, line %2: \"%3\" (%4)")
-        .arg(fileName, QString::number(report.line), visibleLine(textFromUtf8(report.text)),
+        .arg(visibleText(fileName), QString::number(report.line), visibleLine(textFromUtf8(report.text)),
              QLatin1String(report.rule));
 }
 
@@ -79,12 +79,20 @@ CDataSheet::tResult CDataSheet::load(const QString& fileName, tSheetLines* lines
         return refused;
     }
     if (m_dictionary.m_objectArray.empty()) {
-        m_error = QStringLiteral("no objects in %1").arg(fileName);
+        m_error = QStringLiteral("no objects in %1").arg(visibleText(fileName));
         return refused;
     }
     if (m_dictionary.m_fileType == CCANopen::typeDCF)
         m_parameterValues = std::move(report.parameterValues);
     return loaded;
+}
+
+QString visibleText(const QString& text)
+{
+    QString visible;
+    for (const char32_t character : text.toUcs4())
+        visible += visibleCharacter(character);
+    return visible;
 }
 
 QString visibleLine(const QString& line)

@@ -32,8 +32,10 @@ private:
     QString m_error;
 };
 
-/// A line of a file for a message: control and format characters as "\t", "\r", "\x1B" or "\u200B", and cut, with "..."
-/// after it, where it would need more than 80 characters.
+/// A text for a message, such as the name of a file: control and format characters as "\t", "\r", "\x1B" or "\u200B".
+QString visibleText(const QString& text);
+
+/// A line of a file for a message: visible, and cut, with "..." after it, where it would need more than 80 characters.
 QString visibleLine(const QString& line);
 
 /// The same without a cut: for texts that are a part of a line only, such as the name of a file.

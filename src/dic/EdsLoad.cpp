@@ -14,9 +14,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace
 {
@@ -209,6 +207,8 @@ constexpr tKey<CEdsLoad> entryKeys[] = {
     { parameterValue, [](auto& load, auto value) {
         if (load.m_report && *value)
             load.m_report->parameterValues[load.m_entry] = load.m_pool.text(value);
+        else if (load.m_report) // the last one counts, also an empty one
+            load.m_report->parameterValues.erase(load.m_entry);
     } },
 };
 // clang-format on

@@ -11,8 +11,8 @@
 class CCANopen;
 class CCANopenObjectEntry;
 
-/// The "ParameterValue" texts of a configured device, by the entries that they are written for. A text that is empty is
-/// left out.
+/// The "ParameterValue" texts of a configured device, by the entries that they are written for. The last text of an
+/// entry counts; an entry whose last text is empty is left out.
 using tParameterValues = std::unordered_map<const CCANopenObjectEntry*, QString>;
 
 /// The lines of a sheet, from 1, that describe an entry.

@@ -141,8 +141,9 @@ static int32_t top_exchange(Evaluator evaluator, Out... out)
         return top_send_failed;
     top_answered = top_await(top_sequence_of(top_buffer));
 
-    // Kept: after a time-out the buffer holds the command itself, or the last line with another number. It is evaluated
-    // like an answer, so that a read may succeed with a value that no device sent, and there is no ERR_TIMEOUT.
+    // Kept: after a time-out, and after a closed connection, the buffer holds the command itself, or the last line with
+    // another number. It is evaluated like an answer, so that a read may succeed with a value that no device sent, and
+    // there is no ERR_TIMEOUT. The first command after the gateway has closed the connection is still sent.
     if constexpr (std::is_invocable_v<Evaluator, const char*, Out..., uint32_t*>) {
         uint32_t abort = 0;
         const int32_t result = evaluator(top_buffer, out..., &abort);

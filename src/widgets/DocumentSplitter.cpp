@@ -16,6 +16,7 @@ CDocumentSplitter::CDocumentSplitter(QWidget* parent) : QSplitter(Qt::Horizontal
 void CDocumentSplitter::setHalves(CDictionaryListView* tree, CFormArea* form)
 {
     m_tree = tree;
+    connect(tree, &QTreeWidget::itemExpanded, this, &CDocumentSplitter::growToNames);
     m_form = form;
     addWidget(tree);
     addWidget(form);
@@ -28,6 +29,15 @@ void CDocumentSplitter::setHalves(CDictionaryListView* tree, CFormArea* form)
 void CDocumentSplitter::fitNames()
 {
     m_namesWidth = m_tree->widthOfNames();
+    divide();
+}
+
+// Without names before there is no document yet: those of its groups that open then are measured together.
+void CDocumentSplitter::growToNames()
+{
+    if (m_moved || m_namesWidth == 0)
+        return;
+    m_namesWidth = std::max(m_namesWidth, m_tree->widthOfNames());
     divide();
 }
 

@@ -8,8 +8,8 @@ class CDictionaryListView;
 class CFormArea;
 
 /// Divides its width by what the two need, until the user moves the handle: the tree gets the width of the names that
-/// it shows, at most a half. Where the form needs more than the rest, the tree gives way to it, down to a quarter; if
-/// that does not help, it takes a third and the form scrolls.
+/// it shows, at most a half; it grows when an item with longer names is opened. Where the form needs more than the
+/// rest, the tree gives way to it, down to a quarter; if that does not help, it takes a third and the form scrolls.
 class CDocumentSplitter : public QSplitter
 {
     Q_OBJECT
@@ -26,6 +26,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void growToNames();
     void divide();
 
     CDictionaryListView* m_tree = nullptr;

@@ -16,6 +16,8 @@ CFormArea::CFormArea(QWidget* parent) : QScrollArea(parent)
 
 int CFormArea::neededWidth() const
 {
+    if (widget() == nullptr)
+        return 0;
     const QSize form = widget()->minimumSizeHint();
     return form.width() + (form.height() > height() ? verticalScrollBar()->sizeHint().width() : 0);
 }
@@ -24,10 +26,20 @@ int CFormArea::neededWidth() const
 // room for both, the field is what has to be seen.
 void CFormArea::showFocus(const QWidget* focus)
 {
-    if (focus == nullptr || QApplication::mouseButtons() != Qt::NoButton || !widget()->isAncestorOf(focus))
+    const bool inForm = widget() != nullptr && focus != nullptr && widget()->isAncestorOf(focus);
+    if (!inForm || QApplication::mouseButtons() != Qt::NoButton)
         return;
-    for (QLabel* label : widget()->findChildren<QLabel*>())
+    for (const QLabel* label : widget()->findChildren<QLabel*>())
         if (label->buddy() == focus)
-            ensureWidgetVisible(label, 0, 0);
-    ensureWidgetVisible(const_cast<QWidget*>(focus), 0, 0);
+            showAll(label);
+    showAll(focus);
+}
+
+// Of a field, ensureWidgetVisible shows no more than the cursor. The upper left corner last: where there is no room for
+// all of it, its beginning is what has to be seen.
+void CFormArea::showAll(const QWidget* part)
+{
+    const QRect place(part->mapTo(widget(), QPoint()), part->size());
+    ensureVisible(place.right() + 1, place.bottom() + 1, 0, 0);
+    ensureVisible(place.left(), place.top(), 0, 0);
 }

@@ -17,4 +17,5 @@ public:
 
 private:
     void showFocus(const QWidget* focus);
+    void showAll(const QWidget* part);
 };

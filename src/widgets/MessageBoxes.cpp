@@ -11,10 +11,14 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QStyle>
+#include <QTextBrowser>
+#include <QtMath>
+
+#include <algorithm>
+#include <memory>
 
 namespace
 {
@@ -31,27 +35,56 @@ void widenToTitle(QMessageBox* box)
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
-// A text that would make the box higher than the screen scrolls. The label, which is the text of the box for everyone
-// who asks for it, keeps it and is hidden.
+// The text of a label in a view that scrolls. The label, which has the text for everyone who asks the box for it, keeps
+// it and is hidden.
+void makeScroll(QMessageBox* box, QLabel* label, QSize most)
+{
+    auto* view = new QTextBrowser(box);
+    view->setObjectName(QStringLiteral("message text edit"));
+    view->setAccessibleName(box->windowTitle());
+    view->setFont(label->font());
+    view->setTabChangesFocus(true);
+    view->setOpenExternalLinks(true);
+    view->viewport()->setAutoFillBackground(false);
+    if (label->textFormat() == Qt::PlainText)
+        view->setPlainText(label->text());
+    else
+        view->setText(label->text());
+
+    const int borders = 2 * view->frameWidth();
+    const std::unique_ptr<QTextDocument> measured(view->document()->clone()); // the view lays out its own as it is now
+    measured->setTextWidth(most.width() - borders);
+    const int needed = qCeil(measured->size().height()) + borders;
+    view->setFixedSize(most.width(), std::min(needed, most.height()));
+    delete box->layout()->replaceWidget(label, view);
+    label->hide();
+    view->show(); // at once: the box is laid out and placed next
+    // Not the text. The toolkit's boxes get their button only now.
+    const auto focusButton = [box] {
+        if (QAbstractButton* button = box->button(QMessageBox::Ok))
+            button->setFocus();
+    };
+    QMetaObject::invokeMethod(box, focusButton, Qt::QueuedConnection);
+}
+
+bool isCut(const QLabel* label)
+{
+    return label->isVisibleTo(label->parentWidget()) && label->wordWrap() && label->textFormat() == Qt::PlainText &&
+           label->minimumSizeHint().width() > label->width();
+}
+
+// Called while the box is about to be shown, when it can be laid out.
 void keepOnScreen(QMessageBox* box)
 {
-    const QSize most = screenRoom::largest(box);
-    const QSize area(most.width() / 2, most.height() / 2);
-    const QRect needed = box->fontMetrics().boundingRect(
-        QRect(0, 0, area.width(), 0), Qt::TextWordWrap | Qt::TextWrapAnywhere | Qt::TextExpandTabs, box->text());
     auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-    if (needed.height() <= area.height() || label == nullptr)
-        return;
-
-    auto* text = new QPlainTextEdit(box->text(), box);
-    text->setObjectName(QStringLiteral("message text edit"));
-    text->setAccessibleName(box->windowTitle());
-    text->setReadOnly(true);
-    text->setTabChangesFocus(true);
-    text->setMinimumSize(area);
-    delete box->layout()->replaceWidget(label, text);
-    label->hide();
-    box->button(QMessageBox::Ok)->setFocus(); // not the text
+    auto* more = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (label == nullptr || !label->isVisibleTo(box))
+        return; // has been done
+    QEvent layOut(QEvent::LayoutRequest);
+    static_cast<QObject*>(box)->event(&layOut);
+    const QSize most = screenRoom::largest(box);
+    if (box->width() > most.width() || box->height() > most.height() || isCut(label))
+        makeScroll(box, more != nullptr ? more : label, most / 2);
 }
 
 // On the heap, since a parent that is deleted while its box runs deletes the box as well.
@@ -63,29 +96,11 @@ void show(QWidget* parent, QMessageBox::Icon icon, const QString& title, const Q
         const int size = box->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, box);
         box->setIconPixmap(parent->windowIcon().pixmap(QSize(size, size), parent->devicePixelRatioF()));
     }
-    messageBox::removeButtonIcons(box);
     widenToTitle(box);
-    keepOnScreen(box);
+    const messageBox::CBoxCare care;
     box->exec();
     delete box;
 }
-
-// Takes the icons off the boxes that come up while it lives.
-class CBoxesWithoutIcons : public QObject
-{
-public:
-    CBoxesWithoutIcons() { qApp->installEventFilter(this); }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        // A box without a button gets one while it is shown.
-        if (event->type() == QEvent::ChildPolished)
-            if (const auto* buttons = qobject_cast<QDialogButtonBox*>(watched))
-                messageBox::removeButtonIcons(buttons);
-        return QObject::eventFilter(watched, event);
-    }
-};
 
 } // namespace
 
@@ -116,8 +131,27 @@ void messageBox::about(QWidget* parent, const QString& title, const QString& tex
 
 void messageBox::aboutQt(QWidget* parent, const QString& title)
 {
-    const CBoxesWithoutIcons watch;
+    const CBoxCare care;
     QMessageBox::aboutQt(parent, title);
+}
+
+messageBox::CBoxCare::CBoxCare()
+{
+    qApp->installEventFilter(this);
+}
+
+bool messageBox::CBoxCare::eventFilter(QObject* watched, QEvent* event)
+{
+    // A box without a button gets one while it is shown.
+    if (event->type() == QEvent::ChildPolished)
+        if (const auto* buttons = qobject_cast<QDialogButtonBox*>(watched))
+            removeButtonIcons(buttons);
+    if (event->type() == QEvent::Show)
+        if (auto* box = qobject_cast<QMessageBox*>(watched)) {
+            removeButtonIcons(box);
+            keepOnScreen(box);
+        }
+    return QObject::eventFilter(watched, event);
 }
 
 void messageBox::removeButtonIcons(const QWidget* dialog)

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QObject>
 #include <QString>
 
 class QWidget;
@@ -22,6 +23,19 @@ void about(QWidget* parent, const QString& title, const QString& text);
 
 /// The toolkit's box about itself.
 void aboutQt(QWidget* parent, const QString& title);
+
+/// While it lives, looks after all boxes that come up, also the toolkit's own: their buttons have no icons, and a text
+/// that would make the box larger than its screen scrolls. What the box says its text is stays the same.
+class CBoxCare : public QObject
+{
+    Q_OBJECT
+
+public:
+    CBoxCare();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
 
 /// Takes the icons off the buttons of a dialog: the toolkit gives some to its own, which would then differ from ours.
 void removeButtonIcons(const QWidget* dialog);

@@ -54,3 +54,10 @@ CNamedComboBox::CNamedComboBox(QWidget* parent) : QComboBox(parent)
 {
     QAccessible::installFactory(createAccessible); // a second time has no effect
 }
+
+// The list that opens is a window of its own, without a label.
+void CNamedComboBox::showPopup()
+{
+    view()->setAccessibleName(QStringLiteral("Choices"));
+    QComboBox::showPopup();
+}

@@ -11,4 +11,6 @@ class CNamedComboBox : public QComboBox
 
 public:
     explicit CNamedComboBox(QWidget* parent);
+
+    void showPopup() override;
 };

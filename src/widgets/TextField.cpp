@@ -39,7 +39,9 @@ bool CTextField::event(QEvent* event)
 void CTextField::focusInEvent(QFocusEvent* event)
 {
     QLineEdit::focusInEvent(event);
-    if (isReadOnly() && hasSelectedText())
+    const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason ||
+                       event->reason() == Qt::ShortcutFocusReason;
+    if (byKey && isReadOnly() && hasSelectedText())
         setSelection(int(text().size()), -int(text().size())); // with the cursor at the beginning
 }
 

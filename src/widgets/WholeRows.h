@@ -4,7 +4,8 @@
 
 #include <QAbstractItemView>
 
-/// A view of rows of equal height, `View`, that leaves the part of a row that would be cut at its lower edge blank.
+/// A view of rows of equal height, `View`, that leaves the part of a row that would be cut at its lower edge blank. One
+/// that is lower than a row shows what it can.
 template <typename View>
 class CWholeRows : public View
 {
@@ -25,7 +26,8 @@ protected:
         const QMargins others = View::viewportMargins();
         const int row = View::visualRect(View::model()->index(0, 0)).height();
         const int height = View::viewport()->height() + others.bottom();
-        View::setViewportMargins(others.left(), others.top(), others.right(), row > 0 ? height % row : 0);
+        View::setViewportMargins(others.left(), others.top(), others.right(),
+                                 row > 0 && row <= height ? height % row : 0);
         m_updating = false;
     }
 

@@ -30,6 +30,12 @@ ParameterValue=first
 ParameterValue=last
 [2001sub2]
 DefaultValue=2
+[2001sub3]
+ParameterValue=first
+ParameterValue=
+[2001sub4]
+ParameterValue=
+ParameterValue=last
 )";
 
 // The value of the entry at these places; "none" when it has none.
@@ -55,6 +61,7 @@ private Q_SLOTS:
     void realSheetThatStopsIsExplained();
     void fileThatCannotBeReadIsNoSheet_data();
     void fileThatCannotBeReadIsNoSheet();
+    void namesOfFilesAreShownVisible();
     void linesAreShownCutAndVisible_data();
     void linesAreShownCutAndVisible();
 };
@@ -71,14 +78,16 @@ void TestDataSheet::configurationGivesItsValuesByEntry()
     QCOMPARE(valueOf(sheet, 1, 0), QString("none")); // an empty text
     QCOMPARE(valueOf(sheet, 1, 1), QString("last"));
     QCOMPARE(valueOf(sheet, 1, 2), QString("none"));
-    QCOMPARE(int(sheet.parameterValues().size()), 2);
+    QCOMPARE(valueOf(sheet, 1, 3), QString("none")); // the empty text erases the one before it
+    QCOMPARE(valueOf(sheet, 1, 4), QString("last"));
+    QCOMPARE(int(sheet.parameterValues().size()), 3);
 }
 
 void TestDataSheet::fileNameDecidesWhetherValuesCount_data()
 {
     QTest::addColumn<int>("values");
-    QTest::newRow("device.dcf") << 2;
-    QTest::newRow("DEVICE.DCF") << 2;
+    QTest::newRow("device.dcf") << 3;
+    QTest::newRow("DEVICE.DCF") << 3;
     QTest::newRow("device.eds") << 0;
     QTest::newRow("device.dcf.txt") << 0;
 }
@@ -143,6 +152,9 @@ void TestDataSheet::fileThatCannotBeReadIsNoSheet_data()
     QTest::newRow("folder") << QDir::tempPath() << "not a file: " + QDir::tempPath();
     QTest::newRow("device") << "/dev/null"
                             << "not a file: /dev/null";
+    QTest::newRow("control characters") << "/no/a\n\u001B[31mb.eds"
+                                        << "no such file: /no/a\\x0A\\x1B[31mb.eds";
+    QTest::newRow("long name") << "/no/" + QString(200, 'x') << "no such file: /no/" + QString(200, 'x');
 }
 
 void TestDataSheet::fileThatCannotBeReadIsNoSheet()
@@ -151,6 +163,25 @@ void TestDataSheet::fileThatCannotBeReadIsNoSheet()
     CDataSheet sheet;
     QCOMPARE(sheet.load(path), CDataSheet::noFile);
     QTEST(sheet.error(), "message");
+}
+
+void TestDataSheet::namesOfFilesAreShownVisible()
+{
+    const QByteArray name = "\u001B[31m.eds";
+    const QByteArray shown = "/\\x1B[31m.eds";
+    const auto errorOf = [&name](const QByteArray& text) {
+        const CSheetFile file(text, name);
+        CDataSheet sheet;
+        sheet.load(file.path());
+        return sheet.error();
+    };
+    QVERIFY2(errorOf("[a]\nk\n").contains(shown + ", line 2"), qPrintable(errorOf("[a]\nk\n")));
+    QVERIFY2(errorOf("[a]\n").endsWith(shown), qPrintable(errorOf("[a]\n")));
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(name));
+    CDataSheet sheet;
+    QCOMPARE(sheet.load(folder.filePath(name)), CDataSheet::noFile);
+    QVERIFY2(sheet.error().startsWith("not a file: ") && sheet.error().endsWith(shown), qPrintable(sheet.error()));
 }
 
 void TestDataSheet::linesAreShownCutAndVisible_data()

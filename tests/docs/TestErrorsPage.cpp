@@ -3,10 +3,13 @@
 #include "access/ErrorTexts.h"
 #include "base/CANopenErrors.h"
 
+#include <QDir>
 #include <QFile>
 #include <QMap>
 #include <QRegularExpression>
 #include <QTest>
+
+#include <algorithm>
 
 namespace
 {
@@ -56,6 +59,7 @@ private Q_SLOTS:
     void everyErrorHasARowWithItsText();
     void everyAbortCodeHasARowWithItsText();
     void codesWithoutATextAreExplained();
+    void everyBoxWithoutANumberHasARow();
 };
 
 void TestErrorsPage::everyErrorHasARowWithItsText()
@@ -94,6 +98,33 @@ void TestErrorsPage::codesWithoutATextAreExplained()
     QVERIFY(page.contains(errorTexts::ofError(-10000)));
     for (const char* code : { "-10000", "-20000", "-793" })
         QVERIFY2(page.contains(QString("\n| %1 | ").arg(code)), code);
+}
+
+// The page names what a box says up to its first blank line, and shows "..." in place of a name.
+void TestErrorsPage::everyBoxWithoutANumberHasARow()
+{
+    QString sources;
+    const QDir folder(VELMORA_SOURCES);
+    for (const QString& name : folder.entryList({ "*.cpp" }))
+        sources += contentsOf(qPrintable(folder.filePath(name)));
+    QStringList shown;
+    static const QRegularExpression row(R"(^\| ([A-Z][^|]*[.!d]) \| [^|]+ \| [^|]+ \|$)",
+                                        QRegularExpression::MultilineOption);
+    const QString page = contentsOf(VELMORA_ERRORS_PAGE);
+    for (const auto& match : row.globalMatch(page.section("\n## Boxes without a number\n", 1)))
+        shown << match.captured(1).replace("...", "%1");
+    QVERIFY(std::ranges::is_sorted(shown));
+    for (const QString& text : shown)
+        QVERIFY2(sources.contains('"' + text), qPrintable(text));
+    // Boxes with a blank line, but without anything filled in; then what remains.
+    static const QRegularExpression box(R"lit("([^"%]+)\\n\\n)lit");
+    QStringList known = { "Sorry, not realized yet!", "File %1 could not be loaded",
+                          "Error ?: Properties could not be retrieved!" };
+    for (const auto& match : box.globalMatch(sources))
+        known << match.captured(1);
+    QVERIFY(known.size() >= 10);
+    for (const QString& text : known)
+        QVERIFY2(shown.contains(text), qPrintable(text));
 }
 
 QTEST_APPLESS_MAIN(TestErrorsPage)

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void everyOptionOfTheHelpIsInThePage();
     void bothPagesHaveExamples_data();
     void bothPagesHaveExamples();
+    void bothPagesNameTheHandbook_data();
+    void bothPagesNameTheHandbook();
     void browserHasNoOptionsOfItsOwn();
 };
 
@@ -87,6 +89,19 @@ void TestManualPages::bothPagesHaveExamples()
 {
     QFETCH(QString, command);
     QVERIFY(sectionOf(pageOf(QTest::currentDataTag()), "EXAMPLES").contains(command));
+}
+
+void TestManualPages::bothPagesNameTheHandbook_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("velmora") << "/usr/share/doc/velmora/docs/handbook\n";
+    QTest::newRow("velmora-sim") << "/usr/share/doc/velmora/docs/handbook/training.md\n";
+}
+
+void TestManualPages::bothPagesNameTheHandbook()
+{
+    QFETCH(QString, path);
+    QVERIFY(sectionOf(pageOf(QTest::currentDataTag()), "FILES").contains(path));
 }
 
 void TestManualPages::browserHasNoOptionsOfItsOwn()

@@ -87,6 +87,9 @@ void TestSimulatorProgram::badOptionsEndWithStatus2_data()
     row("node twice", "--gateway 0 --node DEMO --node DEMO", QStringLiteral("node-id 5 is given twice"));
     row("missing file", "--gateway 0 --node 5=/no/such.eds", QStringLiteral("no such file: /no/such.eds"));
     row("folder", "--gateway 0 --node 5=/tmp", QStringLiteral("not a file: /tmp"));
+    row("control characters", "--gateway 0 --node 5=/no/\x1B[31m.eds",
+        QStringLiteral("no such file: /no/\\x1B[31m.eds"));
+    row("this folder", "--gateway 0 --node 5=.", QStringLiteral("not a file: ."));
     row("fault", "--gateway 0 --node DEMO --fault noise", QStringLiteral("fault \"noise\": unknown kind"));
 }
 
@@ -147,6 +150,11 @@ void TestSimulatorProgram::sheetWithoutFolderIsFoundWhereItIsInstalled()
     QVERIFY2(firstLine("demo.eds").startsWith("node 5: " + sheet + " ("), qPrintable(firstLine("demo.eds")));
     QCOMPARE(firstLine("./demo.eds"), QString("velmora-sim: no such file: ./demo.eds\n"));
     QCOMPARE(firstLine("other.eds"), QString("velmora-sim: no such file: other.eds\n"));
+    QVERIFY(QDir(prefix.path()).mkpath("share/velmora/folder.eds"));
+    QCOMPARE(firstLine("folder.eds"), QString("velmora-sim: no such file: folder.eds\n"));
+    QVERIFY(QDir(prefix.path()).mkdir("demo.eds")); // it has been named, so nothing else is taken in its place
+    QCOMPARE(firstLine("demo.eds"), QString("velmora-sim: not a file: demo.eds\n"));
+    QVERIFY(QDir(prefix.path()).rmdir("demo.eds"));
     QVERIFY(QFile::copy(sheet, prefix.filePath("demo.eds"))); // one in the working folder comes first
     QVERIFY(firstLine("demo.eds").startsWith("node 5: demo.eds ("));
 }

@@ -81,6 +81,7 @@ private Q_SLOTS:
     void failedSelectEndsTheWaitLikeATimeOut();
     void afterAHangUpTheCommandItselfIsEvaluated_data() { addCommands(); }
     void afterAHangUpTheCommandItselfIsEvaluated();
+    void firstReadAfterAHangUpYieldsTheNodeId();
     void unansweredReadsYieldTheNodeId_data();
     void unansweredReadsYieldTheNodeId();
     void unansweredInfoYieldsTheWordInfo();
@@ -199,6 +200,20 @@ void TestTcpCommands::afterAHangUpTheCommandItselfIsEvaluated()
     gateway.expect(command.line, { "", tGatewayAnswer::hangUp });
     QCOMPARE(command.run(), noAnswer.of(command.awaited));
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
+}
+
+void TestTcpCommands::firstReadAfterAHangUpYieldsTheNodeId()
+{
+    CGatewaySession gateway;
+    gateway.expect("[#] 5 start\r\n", { "[#] OK\r\n", tGatewayAnswer::hangUp });
+    QCOMPARE(top_start_remote_node(5), 0);
+    QVERIFY(gateway.awaitClosed());
+    uint8_t value = 77;
+    QCOMPARE(top_read_8bit(5, 0x1017, 0, &value), 0);
+    QCOMPARE(value, uint8_t(5));
+    value = 77;
+    QCOMPARE(top_read_8bit(5, 0x1017, 0, &value), notSent);
+    QCOMPARE(value, uint8_t(77));
 }
 
 void TestTcpCommands::unansweredReadsYieldTheNodeId_data()

@@ -1,5 +1,6 @@
-// What a screen reader and a user without a mouse find: names, descriptions, the order of the Tab key, help by keys.
+// What a screen reader finds: every control has a name and, where it has a tool tip, a description that adds to it.
 // SPDX-License-Identifier: MIT
+#include "AccessibleWalk.h"
 #include "FrameDriver.h"
 #include "NewDocument.h"
 #include "TempSettings.h"
@@ -7,10 +8,9 @@
 #include "DeviceInfoDialog.h"
 #include "widgets/MessageBoxes.h"
 
-#include <QAccessible>
-#include <QSplitter>
+#include <QContextMenuEvent>
 #include <QTabWidget>
-#include <QWhatsThis>
+#include <QTemporaryDir>
 
 #include <optional>
 
@@ -20,62 +20,20 @@ namespace
 const QByteArray sheetText = "[MandatoryObjects]\n1=0x1000\n[1000]\nParameterName=Device Type\nObjectType=0x7\n"
                              "DataType=0x0007\nAccessType=ro\n";
 
-// What is there to be used or read. Panes, layouts and lines are not.
-const QSet<int> controls = { QAccessible::Button,       QAccessible::PushButton,  QAccessible::ButtonMenu,
-                             QAccessible::CheckBox,     QAccessible::RadioButton, QAccessible::ComboBox,
-                             QAccessible::EditableText, QAccessible::SpinBox,     QAccessible::Tree,
-                             QAccessible::List,         QAccessible::Table,       QAccessible::PageTab,
-                             QAccessible::PageTabList,  QAccessible::Splitter,    QAccessible::Grip,
-                             QAccessible::Grouping,     QAccessible::MenuBar,     QAccessible::MenuItem,
-                             QAccessible::PopupMenu,    QAccessible::ToolBar,     QAccessible::StatusBar,
-                             QAccessible::Window,       QAccessible::Dialog,      QAccessible::AlertMessage,
-                             QAccessible::TreeItem,     QAccessible::ListItem };
-
-// A text without what does not count when it is compared with another.
-QString core(QString text)
+/// Of the menu that the widget shows for the menu key.
+tWalk contextMenuOf(QWidget* widget)
 {
-    static const QRegularExpression rest("[^a-z0-9]");
-    return text.toLower().remove(rest);
+    tWalk walk;
+    const CWhenShown<QMenu> watch([&](QMenu* menu) {
+        walk = tWalk::ofEntries(menu);
+        menu->close();
+    });
+    const QPoint place = widget->rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, place, widget->mapToGlobal(place));
+    QCoreApplication::sendEvent(widget, &event);
+    (void)QTest::qWaitFor([&] { return walk.count > 0; }, patience);
+    return walk;
 }
-
-struct tWalk {
-    QStringList missing;
-    QStringList names; ///< with the role's number
-    int count = 0;
-
-    void visit(QAccessibleInterface* item, const QString& path = {})
-    {
-        if (item == nullptr || !item->isValid() || item->state().invisible)
-            return;
-        const auto* widget = qobject_cast<const QWidget*>(item->object());
-        const QString name = item->text(QAccessible::Name);
-        const QString here =
-            path + "/" + QString::number(item->role()) + " " +
-            (item->object() != nullptr ? item->object()->objectName() + " " + item->object()->metaObject()->className()
-                                       : QString()) +
-            " \"" + name + "\"";
-        const bool buttonBox = widget != nullptr && widget->inherits("QDialogButtonBox"); // only a layout
-        if (controls.contains(item->role()) && !buttonBox) {
-            ++count;
-            if (name.trimmed().isEmpty())
-                missing << "no name: " + here;
-        }
-        if (widget != nullptr && !widget->toolTip().isEmpty()) {
-            const QString description = item->text(QAccessible::Description);
-            if (description.isEmpty() || core(description) == core(name) || description == widget->toolTip())
-                missing << "no description of its own: " + here + " \"" + description + "\"";
-        }
-        names << name;
-        for (int child = 0; child < item->childCount(); ++child)
-            visit(item->child(child), here);
-    }
-    static tWalk of(QWidget* window)
-    {
-        tWalk walk;
-        walk.visit(QAccessible::queryAccessibleInterface(window));
-        return walk;
-    }
-};
 
 QString nameOf(QWidget* widget)
 {
@@ -96,20 +54,19 @@ private Q_SLOTS:
     void everyControlOfADialogHasAName();
     void everyControlOfABoxHasAName_data();
     void everyControlOfABoxHasAName();
+    void everyControlOfTheFileDialogHasAName();
+    void everyControlOfAboutQtHasAName();
+    void everyItemOfAComboBoxHasAName();
+    void everyEntryOfAContextMenuHasAName_data();
+    void everyEntryOfAContextMenuHasAName();
+    void everyEntryOfADialogsContextMenuHasAName();
+    void everyEntryOfASystemMenuHasAName();
     void comboBoxesAreCalledByTheirLabels();
     void aComboBoxOpensByItsAction();
-    void theTabKeyGoesThroughTheDocumentInReadingOrder();
     void checkMarksDoNotChange_data();
     void checkMarksDoNotChange();
-    void f10OpensTheFirstMenu();
-    void helpInTheFrameIsAModeFirst();
-    void helpOfTheFocusedControlIsShown_data();
-    void helpOfTheFocusedControlIsShown();
 
 private:
-    static QImage takeHelp();
-    static bool helpIsShown(const QString& text);
-
     std::optional<CTempSettings> m_store;
 };
 
@@ -178,6 +135,110 @@ void TestAccessibility::everyControlOfABoxHasAName()
     QVERIFY2(walk.missing.isEmpty() && walk.count > 1, qPrintable(walk.missing.join("\n")));
 }
 
+void TestAccessibility::everyControlOfTheFileDialogHasAName()
+{
+    // A folder of one file: the size of a folder in it would be an empty cell.
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("sheet.eds"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    CFrameDriver driver;
+    tWalk walk;
+    const CWhenShown<QFileDialog> watch([&](QFileDialog* dialog) {
+        dialog->setDirectory(folder.path());
+        (void)QTest::qWaitFor( // what the cells hold is read in the background
+            [&] {
+                walk = tWalk::of(dialog);
+                return walk.names.contains("sheet.eds") && walk.missing.isEmpty();
+            },
+            patience);
+        for (auto* box : dialog->findChildren<QComboBox*>()) {
+            box->showPopup();
+            walk.visit(QAccessible::queryAccessibleInterface(box->view()));
+            box->hidePopup();
+        }
+        dialog->reject();
+    });
+    driver.press(Qt::Key_O);
+    QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
+    QVERIFY(walk.names.contains("sheet.eds"));
+    QVERIFY2(walk.count > 20, qPrintable(QString::number(walk.count)));
+}
+
+void TestAccessibility::everyControlOfAboutQtHasAName()
+{
+    tWalk walk;
+    const CWhenShown<QMessageBox> watch([&](QMessageBox* box) {
+        walk = tWalk::of(box);
+        box->accept();
+    });
+    QWidget parent;
+    messageBox::aboutQt(&parent, "Title");
+    QVERIFY2(walk.missing.isEmpty() && walk.count > 1, qPrintable(walk.missing.join("\n")));
+}
+
+void TestAccessibility::everyItemOfAComboBoxHasAName()
+{
+    m_store->setValue("Used Interfaces/Interface1", "can7");
+    m_store->setValue("Used Interfaces/Interface2", "can8");
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    auto* box = dialog.findChild<QComboBox*>("interface combo box");
+    box->showPopup();
+    const tWalk walk = tWalk::of(box->view()->window());
+    QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
+    for (const char* name : { "can7", "can8" })
+        QVERIFY2(walk.names.contains(name), name);
+}
+
+void TestAccessibility::everyEntryOfAContextMenuHasAName_data()
+{
+    QTest::addColumn<QString>("owner");
+    QTest::addColumn<int>("count");
+    QTest::newRow("input") << "new value line edit" << 7;
+    QTest::newRow("field for reading") << "actual value line edit" << 2;
+    QTest::newRow("tool bar") << "file operations tool bar" << 1;
+}
+
+void TestAccessibility::everyEntryOfAContextMenuHasAName()
+{
+    QFETCH(const QString, owner);
+    QFETCH(const int, count);
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    driver.open(sheet.name());
+    auto* widget = driver.frame.findChild<QWidget*>(owner);
+    const tWalk walk = contextMenuOf(widget);
+    QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
+    QVERIFY2(walk.count >= count, qPrintable(QString::number(walk.count)));
+}
+
+void TestAccessibility::everyEntryOfADialogsContextMenuHasAName()
+{
+    CInitInterfaceDialog interfaceDialog;
+    CConnectNodeDialog connectDialog;
+    for (QWidget* field : { static_cast<QWidget*>(interfaceDialog.findChild<QLineEdit*>()),
+                            static_cast<QWidget*>(connectDialog.findChild<QSpinBox*>()) }) {
+        field->window()->show();
+        const tWalk walk = contextMenuOf(field);
+        QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
+        QVERIFY2(walk.count >= 7, qPrintable(QString::number(walk.count)));
+    }
+}
+
+void TestAccessibility::everyEntryOfASystemMenuHasAName()
+{
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    driver.open(sheet.name());
+    driver.subWindow(0)->showNormal();
+    driver.subWindow(0)->showSystemMenu();
+    const tWalk walk = tWalk::ofEntries(driver.subWindow(0)->systemMenu());
+    driver.subWindow(0)->systemMenu()->close();
+    QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
+    QVERIFY2(walk.count >= 7, qPrintable(QString::number(walk.count)));
+}
+
 void TestAccessibility::comboBoxesAreCalledByTheirLabels()
 {
     m_store->setValue("Used Interfaces/Interface1", "can7");
@@ -210,43 +271,6 @@ void TestAccessibility::aComboBoxOpensByItsAction()
     }
 }
 
-void TestAccessibility::theTabKeyGoesThroughTheDocumentInReadingOrder()
-{
-    CNewDocument document;
-    QVERIFY(document.open(sheetText));
-    document.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
-    document.tree()->setFocus();
-    const QStringList order = { "object name line edit",
-                                "object code line edit",
-                                "object data type line edit",
-                                "compound object check box",
-                                "mandatory object check box",
-                                "parameter name line edit",
-                                "parameter data type line edit",
-                                "access type line edit",
-                                "value range line edit",
-                                "default value line edit",
-                                "mandatory entry check box",
-                                "mapped entry check box",
-                                "new value line edit",
-                                "send push button",
-                                "actual value line edit",
-                                "read push button",
-                                "hex radio button",
-                                "object dictionary list view" };
-    QStringList reached;
-    for (qsizetype number = 0; number < order.size(); ++number) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        reached << QApplication::focusWidget()->objectName();
-    }
-    QCOMPARE(reached, order);
-    for (qsizetype number = order.size() - 2; number >= 0; --number) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
-        QCOMPARE(QApplication::focusWidget()->objectName(), order[number]);
-    }
-}
-
 void TestAccessibility::checkMarksDoNotChange_data()
 {
     QTest::addColumn<bool>("on");
@@ -274,93 +298,6 @@ void TestAccessibility::checkMarksDoNotChange()
             actions->doAction(action);
         QCOMPARE(mark->isChecked(), on);
     }
-}
-
-void TestAccessibility::f10OpensTheFirstMenu()
-{
-    const CSheetFile sheet(sheetText);
-    CFrameDriver driver;
-    for (const bool withDocument : { false, true }) {
-        if (withDocument)
-            driver.open(sheet.name());
-        driver.press(Qt::Key_F10, Qt::NoModifier);
-        AWAIT_VERIFY(driver.menu("&File")->isVisible());
-        QCOMPARE(driver.menu("&File")->activeAction(), driver.action("file open"));
-        QTest::keyClick(driver.menu("&File"), Qt::Key_Right);
-        AWAIT_VERIFY(driver.menu("&Device")->isVisible());
-        QTest::keyClick(driver.menu("&Device"), Qt::Key_Escape);
-        QTest::keyClick(&driver.frame, Qt::Key_Escape);
-        AWAIT_VERIFY(QApplication::activePopupWidget() == nullptr);
-    }
-}
-
-/// What the help window looks like, which is then closed.
-QImage TestAccessibility::takeHelp()
-{
-    QImage image;
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (window->inherits("QWhatsThat") && window->isVisible()) {
-            image = window->grab().toImage();
-            window->close();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
-    return image;
-}
-
-/// True when this text is shown as help, which is then closed.
-bool TestAccessibility::helpIsShown(const QString& text)
-{
-    const QImage shown = takeHelp();
-    QWhatsThis::showText({}, text, QApplication::activeWindow());
-    return !shown.isNull() && shown == takeHelp();
-}
-
-void TestAccessibility::helpInTheFrameIsAModeFirst()
-{
-    const CSheetFile sheet(sheetText);
-    CFrameDriver driver;
-    driver.open(sheet.name());
-    const CDocumentDriver document(driver.document(0));
-    document.newValue()->setFocus();
-    driver.press(Qt::Key_F1, Qt::ShiftModifier);
-    QVERIFY(QWhatsThis::inWhatsThisMode());
-    driver.press(Qt::Key_F1, Qt::ShiftModifier);
-    QVERIFY(!QWhatsThis::inWhatsThisMode());
-    QVERIFY(helpIsShown("Input field to enter a new parameter value."));
-}
-
-void TestAccessibility::helpOfTheFocusedControlIsShown_data()
-{
-    QTest::addColumn<std::function<QDialog*()>>("create");
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<QString>("help");
-    const std::function<QDialog*()> init([] { return new CInitInterfaceDialog; });
-    const std::function<QDialog*()> connecting([] { return new CConnectNodeDialog; });
-    const std::function<QDialog*()> info([] { return new CDeviceInfoDialog; });
-    QTest::newRow("interface") << init << "interface combo box"
-                               << "Enter a interface name or select one fron the list";
-    QTest::newRow("ok") << init << "ok push button"
-                        << "Accept selection and initialize the selected interface.";
-    QTest::newRow("node list") << connecting << "node-id list box"
-                               << "Select the node-id. for the device to connect.";
-    QTest::newRow("node-id") << connecting << "node-id spin box"
-                             << "Enter the node-id. for the device to connect.";
-    QTest::newRow("vendor") << info << "vendor name line edit"
-                            << "Name of the vendor.";
-}
-
-void TestAccessibility::helpOfTheFocusedControlIsShown()
-{
-    QFETCH(const std::function<QDialog*()>, create);
-    QFETCH(const QString, control);
-    QFETCH(const QString, help);
-    const std::unique_ptr<QDialog> dialog(create());
-    dialog->show();
-    dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(dialog.get(), patience));
-    dialog->findChild<QWidget*>(control)->setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_F1, Qt::ShiftModifier);
-    QVERIFY(helpIsShown(help));
 }
 
 QTEST_MAIN(TestAccessibility)

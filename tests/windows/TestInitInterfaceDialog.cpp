@@ -3,6 +3,7 @@
 #include "InitInterfaceDialog.h"
 
 #include "BoxCatcher.h"
+#include "Patience.h"
 #include "TempSettings.h"
 
 #include <QComboBox>
@@ -11,6 +12,26 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
+
+namespace
+{
+
+/// Counts the events of its parent that it sees.
+class CWatchedDialog : public CInitInterfaceDialog
+{
+public:
+    using CInitInterfaceDialog::CInitInterfaceDialog;
+    int seen = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        seen += watched == parent() ? 1 : 0;
+        return CInitInterfaceDialog::eventFilter(watched, event);
+    }
+};
+
+} // namespace
 
 class TestInitInterfaceDialog : public QObject
 {
@@ -41,6 +62,8 @@ private Q_SLOTS:
     void onlyTheFirstTenEntriesAreWritten();
     void olderEntriesAfterTheListStay();
     void nothingIsStoredWithoutSaving();
+    void itFollowsItsFrameUntilItIsActive();
+    void itWatchesItsFrameOnlyWhileItIsShown();
 
 private:
     static QComboBox* interfaceBox(const QDialog& dialog)
@@ -326,6 +349,43 @@ void TestInitInterfaceDialog::nothingIsStoredWithoutSaving()
     interfaceBox(dialog)->setEditText("can0");
     QCOMPARE(dialog.getInterface(), "can0");
     QCOMPARE(storedHistory(), QStringList());
+}
+
+void TestInitInterfaceDialog::itFollowsItsFrameUntilItIsActive()
+{
+    QWidget frame;
+    frame.setGeometry(50, 50, 400, 300);
+    frame.show();
+    CInitInterfaceDialog dialog(&frame);
+    const auto distance = [&] { return (dialog.geometry().center() - frame.geometry().center()).manhattanLength(); };
+    dialog.show();
+    frame.activateWindow();
+    AWAIT_VERIFY(!dialog.isActiveWindow());
+    frame.move(300, 200);
+    AWAIT_VERIFY(distance() < 40);
+    dialog.activateWindow();
+    AWAIT_VERIFY(dialog.isActiveWindow());
+    const QPoint place = dialog.pos();
+    frame.move(100, 100); // its user sees it: it does not move away
+    QCoreApplication::processEvents();
+    QCOMPARE(dialog.pos(), place);
+}
+
+void TestInitInterfaceDialog::itWatchesItsFrameOnlyWhileItIsShown()
+{
+    QWidget frame;
+    frame.show();
+    CWatchedDialog dialog(&frame);
+    for (int round = 0; round < 2; ++round) {
+        dialog.seen = 0;
+        frame.move(100 + round, 100);
+        QCoreApplication::processEvents();
+        QCOMPARE(dialog.seen, 0);
+        dialog.show();
+        frame.move(200 + round, 200);
+        AWAIT_VERIFY(dialog.seen > 0);
+        dialog.reject();
+    }
 }
 
 QTEST_MAIN(TestInitInterfaceDialog)

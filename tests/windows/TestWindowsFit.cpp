@@ -1,17 +1,15 @@
-// Windows, dialogs and boxes on a small screen: 1366 x 768 at a scale of 1.5.
+// Windows and dialogs on a small screen: 1366 x 768 at a scale of 1.5.
 // SPDX-License-Identifier: MIT
-#include "BoxCatcher.h"
 #include "FrameDriver.h"
 #include "NewDocument.h"
-#include "SmallScreen.h"
+#include "Screens.h"
 #include "TempSettings.h"
 
 #include "DeviceInfoDialog.h"
-#include "widgets/MessageBoxes.h"
+#include "widgets/DictionaryListView.h"
 
 #include <QLabel>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -35,6 +33,14 @@ QByteArray sheetWithName(const QByteArray& name)
     return sheet;
 }
 
+QByteArray recordWithEntry(const QByteArray& name)
+{
+    return "[MandatoryObjects]\n1=0x1018\n[1018]\nParameterName=Identity\nObjectType=0x9\nSubNumber=2\n"
+           "[1018sub0]\nParameterName=count\nDataType=0x0005\nAccessType=ro\n"
+           "[1018sub1]\nParameterName=" +
+           name + "\nDataType=0x0007\nAccessType=ro\n";
+}
+
 bool showsBeginning(QLineEdit* field)
 {
     (void)field->grab(); // painting scrolls
@@ -55,6 +61,7 @@ private Q_SLOTS:
     void theTreeIsAsWideAsItsNames();
     void theTreeGivesWayToTheForm();
     void theTreeTakesHalfForLongNames();
+    void theTreeGrowsWithTheNamesThatAreOpened();
     void aMovedHandleStays();
     void fieldsHaveRoomForTheirTexts_data();
     void fieldsHaveRoomForTheirTexts();
@@ -68,11 +75,9 @@ private Q_SLOTS:
     void theInterfaceDialogIsCentredOnTheFrame();
     void dialogsFitOnTheScreen_data();
     void dialogsFitOnTheScreen();
-    void aBoxWithALongTextFitsOnTheScreen_data();
-    void aBoxWithALongTextFitsOnTheScreen();
-    void aBoxWithAShortTextShowsItAsALabel();
     void rowsOfListsAreWhole_data();
     void rowsOfListsAreWhole();
+    void aListLowerThanARowShowsWhatItCan();
 
 private:
     static void useFont(int points)
@@ -93,6 +98,11 @@ private:
     static QScrollArea* form(const CDocumentDriver& document)
     {
         return document.find<QScrollArea>("object attributes form widget");
+    }
+    /// What a form that has scrolled to the field shows of it: all, or as much from its beginning as there is room.
+    static QRect shownPart(const QScrollArea* area, const QWidget* field)
+    {
+        return { QPoint(), field->size().boundedTo({ area->viewport()->width(), field->height() }) };
     }
 
     std::optional<CTempSettings> m_store;
@@ -138,11 +148,28 @@ void TestWindowsFit::theTreeTakesHalfForLongNames()
     AWAIT_VERIFY(std::abs(halves(document).first() - halves(document).last()) < 10);
 }
 
+void TestWindowsFit::theTreeGrowsWithTheNamesThatAreOpened()
+{
+    CNewDocument document;
+    resize(document, { 1400, 500 });
+    QVERIFY(document.open(recordWithEntry("an entry with a name of forty characters")));
+    QTreeWidgetItem* record = document.item("1018: Identity");
+    const int before = halves(document).first();
+    record->setExpanded(true);
+    AWAIT_VERIFY(halves(document).first() > before + 20);
+    AWAIT_COMPARE(document.tree()->horizontalScrollBar()->maximum(), 0);
+    const int opened = halves(document).first();
+    record->setExpanded(false);
+    document.item("CiA DS-301")->setExpanded(false);
+    document.item("CiA DS-301")->setExpanded(true);
+    QCOMPARE(halves(document).first(), opened); // it does not jump to and fro
+}
+
 void TestWindowsFit::aMovedHandleStays()
 {
     CNewDocument document;
     resize(document, { 1400, 500 });
-    QVERIFY(document.open(sheetWithName("name")));
+    QVERIFY(document.open(recordWithEntry(QByteArray(100, 'n'))));
     const int before = halves(document).first();
     QWidget* handle = document.find<QSplitter>("client splitter window")->handle(1);
     const QPoint middle = handle->rect().center();
@@ -153,6 +180,10 @@ void TestWindowsFit::aMovedHandleStays()
     const int moved = halves(document).first();
     resize(document, { 1450, 500 });
     QVERIFY(halves(document).first() >= moved);
+    const int resized = halves(document).first();
+    document.item("1018: Identity")->setExpanded(true);
+    QCoreApplication::processEvents();
+    QCOMPARE(halves(document).first(), resized);
 }
 
 void TestWindowsFit::fieldsHaveRoomForTheirTexts_data()
@@ -195,13 +226,14 @@ void TestWindowsFit::aFormThatIsTooNarrowScrolls()
 void TestWindowsFit::theFormScrollsToTheFocus()
 {
     const CNewDocument document;
-    resize(document, { 300, 200 });
+    resize(document, { 500, 200 });
+    AWAIT_VERIFY(form(document)->horizontalScrollBar()->maximum() > 0);
     document.window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
     QVERIFY(document.newValue()->visibleRegion().isEmpty());
     QTest::keyClick(document.window, 'V', Qt::AltModifier);
     QVERIFY(document.newValue()->hasFocus());
-    QVERIFY(!document.newValue()->visibleRegion().isEmpty());
+    QCOMPARE(document.newValue()->visibleRegion().boundingRect(), shownPart(form(document), document.newValue()));
 }
 
 void TestWindowsFit::theFormScrollsToTheLabelOfTheFocus()
@@ -255,8 +287,9 @@ void TestWindowsFit::tiledDocumentsStayInTheWorkspace()
             const QRect area = driver.workspace()->viewport()->rect();
             const QRect place = driver.subWindow(position)->geometry();
             QCOMPARE(place.intersected(area), place); // all of it lies in the workspace
-            const auto* range = document.find<QLineEdit>("value range line edit");
-            QVERIFY(range->width() > range->fontMetrics().horizontalAdvance("0x00000000,..,0xFFFFFFFF"));
+            auto* range = document.find<QLineEdit>("value range line edit");
+            range->setFocus(Qt::TabFocusReason);
+            QCOMPARE(range->visibleRegion().boundingRect(), shownPart(form(document), range));
             QVERIFY(document.tree()->width() >= document.window->width() / 4);
         }
     }
@@ -302,46 +335,6 @@ void TestWindowsFit::dialogsFitOnTheScreen()
                  dialog->metaObject()->className());
 }
 
-void TestWindowsFit::aBoxWithALongTextFitsOnTheScreen_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("one word") << QString(32767, 'x');
-    QTest::newRow("words") << QString("word ").repeated(6000);
-    QTest::newRow("lines") << QString("line\n").repeated(200);
-}
-
-void TestWindowsFit::aBoxWithALongTextFitsOnTheScreen()
-{
-    QFETCH(const QString, text);
-    QSize size;
-    QString shown;
-    const CWhenShown<QMessageBox> watch([&](QMessageBox* box) {
-        size = box->size();
-        shown = box->findChild<QPlainTextEdit*>()->toPlainText();
-        QCOMPARE(box->text(), text); // what others read
-        QVERIFY(box->rect().contains(box->button(QMessageBox::Ok)->geometry()));
-        QCOMPARE(box->focusWidget(), box->button(QMessageBox::Ok));
-        box->accept();
-    });
-    QWidget parent;
-    messageBox::critical(&parent, "Title", text);
-    QCOMPARE(watch.count(), 1);
-    QCOMPARE(shown, text);
-    QVERIFY(size.width() < screenSize.width() && size.height() < screenSize.height() - 20);
-}
-
-void TestWindowsFit::aBoxWithAShortTextShowsItAsALabel()
-{
-    const CWhenShown<QMessageBox> watch([&](QMessageBox* box) {
-        QCOMPARE(box->findChild<QPlainTextEdit*>(), nullptr);
-        QVERIFY(box->findChild<QLabel*>("qt_msgbox_label")->isVisible());
-        box->accept();
-    });
-    QWidget parent;
-    messageBox::critical(&parent, "Title", "Error -8: Interface 'can0' could not be initialized!\n\n\tNo board.");
-    QCOMPARE(watch.count(), 1);
-}
-
 void TestWindowsFit::rowsOfListsAreWhole_data()
 {
     QTest::addColumn<int>("height");
@@ -368,9 +361,22 @@ void TestWindowsFit::rowsOfListsAreWhole()
     }
 }
 
+void TestWindowsFit::aListLowerThanARowShowsWhatItCan()
+{
+    CDictionaryListView list(nullptr);
+    list.setHeaderHidden(true);
+    new QTreeWidgetItem(&list, { "row" });
+    list.show();
+    const int row = list.visualItemRect(list.topLevelItem(0)).height();
+    for (const int height : { row - 3, row / 2, row }) {
+        list.resize(200, height + 2 * list.frameWidth());
+        AWAIT_COMPARE(list.viewport()->height(), height);
+    }
+}
+
 int main(int argc, char* argv[])
 {
-    const CSmallScreen screen(screenSize.width(), screenSize.height());
+    const CScreens screen{ screenSize };
     QApplication application(argc, argv);
     TestWindowsFit test;
     return QTest::qExec(&test, argc, argv);

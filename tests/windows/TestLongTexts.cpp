@@ -1,0 +1,145 @@
+// Messages of the status bar and names in menus that are longer than the screen is wide.
+// SPDX-License-Identifier: MIT
+#include "FrameDriver.h"
+#include "Screens.h"
+#include "TempSettings.h"
+
+#include "widgets/StatusBar.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
+
+#include <optional>
+
+namespace
+{
+
+constexpr QSize screenSize(1024, 600);
+
+QString longName(const QString& end)
+{
+    return "/" + QString("a-long-folder/").repeated(30) + end;
+}
+
+} // namespace
+
+class TestLongTexts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_store.emplace(); }
+
+    void aLongMessageShowsItsBeginningAndItsEnd();
+    void aLongMessageIsPaintedAsItIsShown();
+    void aLongMessageHasAToolTip();
+    void aShortMessageIsWholeAndHasNoToolTip();
+    void menusOfLongNamesStayOnTheScreen();
+    void shortNamesInAMenuAreWhole();
+    void longNamesInAMenuDifferByTheirEnds();
+
+private:
+    static CStatusBar* barOf(const CFrameDriver& driver) { return static_cast<CStatusBar*>(driver.frame.statusBar()); }
+    static QString toolTipOf(CStatusBar* bar)
+    {
+        QHelpEvent help(QEvent::ToolTip, bar->rect().center(), bar->mapToGlobal(bar->rect().center()));
+        QCoreApplication::sendEvent(bar, &help);
+        return QToolTip::text();
+    }
+
+    std::optional<CTempSettings> m_store;
+};
+
+void TestLongTexts::aLongMessageShowsItsBeginningAndItsEnd()
+{
+    const CFrameDriver driver;
+    CStatusBar* bar = barOf(driver);
+    const QString message = "File " + longName("x.eds") + " loaded in off-line mode";
+    bar->showMessage(message);
+    QCOMPARE(bar->currentMessage(), message);
+    const QString shown = bar->shownText();
+    QVERIFY2(shown.startsWith("File /a-long") && shown.endsWith(" loaded in off-line mode"), qPrintable(shown));
+    QVERIFY(shown.contains(QChar(0x2026)));
+    QVERIFY(bar->fontMetrics().horizontalAdvance(shown) < bar->width());
+}
+
+void TestLongTexts::aLongMessageIsPaintedAsItIsShown()
+{
+    const CFrameDriver driver;
+    CStatusBar* bar = barOf(driver);
+    bar->showMessage(longName("x.eds"));
+    const QImage cut = bar->grab().toImage();
+    bar->showMessage(bar->shownText());
+    QVERIFY(cut == bar->grab().toImage());
+    bar->clearMessage();
+    QVERIFY(cut != bar->grab().toImage());
+}
+
+void TestLongTexts::aLongMessageHasAToolTip()
+{
+    const CFrameDriver driver;
+    barOf(driver)->showMessage("<b>" + longName("x.eds"));
+    QCOMPARE(toolTipOf(barOf(driver)), "&lt;b&gt;" + longName("x.eds"));
+    QToolTip::hideText();
+}
+
+void TestLongTexts::aShortMessageIsWholeAndHasNoToolTip()
+{
+    const CFrameDriver driver;
+    barOf(driver)->showMessage("Ready");
+    QCOMPARE(barOf(driver)->shownText(), QString("Ready"));
+    QCOMPARE(toolTipOf(barOf(driver)), QString());
+}
+
+void TestLongTexts::menusOfLongNamesStayOnTheScreen()
+{
+    m_store->setValue("Recent File List/File1", longName("x.eds"));
+    CFrameDriver driver;
+    driver.frame.newDocument()->setWindowTitle(longName("y.eds"));
+    const QMenu* recent = driver.openRecentMenu();
+    QCOMPARE(recent->actions().first()->text(), longName("x.eds"));
+    QVERIFY2(screenSize.width() >= recent->width(), qPrintable(QString::number(recent->width())));
+    QVERIFY(QRect(QPoint(), screenSize).contains(recent->geometry()));
+    QTest::keyClick(driver.menu("&File"), Qt::Key_Escape);
+    driver.menu("&File")->close();
+    const QMenu* windows = driver.openMenu("&Windows");
+    QCOMPARE(windows->actions().last()->text(), longName("y.eds"));
+    QVERIFY(QRect(QPoint(), screenSize).contains(windows->geometry()));
+    driver.closeMenu();
+}
+
+void TestLongTexts::longNamesInAMenuDifferByTheirEnds()
+{
+    CFrameDriver driver;
+    QMenu* menu = driver.menu("&Windows");
+    QList<QImage> pictures;
+    for (const char* end : { "x.eds", "W.eds", "x.eds" }) {
+        menu->clear();
+        menu->addAction(longName(end));
+        menu->resize(menu->sizeHint());
+        QVERIFY(menu->width() > screenSize.width() * 3 / 4);
+        pictures << menu->grab().toImage();
+    }
+    QVERIFY(pictures[0] != pictures[1]);
+    QVERIFY(pictures[0] == pictures[2]);
+}
+
+void TestLongTexts::shortNamesInAMenuAreWhole()
+{
+    CFrameDriver driver;
+    driver.frame.newDocument()->setWindowTitle("R&D.eds");
+    QMenu* menu = driver.seeMenu("&Windows");
+    const QImage picture = menu->grab().toImage();
+    menu->setStyle(nullptr);
+    QVERIFY(picture == menu->grab().toImage());
+}
+
+int main(int argc, char* argv[])
+{
+    const CScreens screens{ screenSize };
+    QApplication application(argc, argv);
+    TestLongTexts test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "TestLongTexts.moc"
