@@ -23,7 +23,7 @@ bool loadSheet(tCheckResult& result)
     result.verdict =
         result.isLoaded
             ? QStringLiteral("loads, %1 object%2").arg(objects).arg(objects == 1 ? QString() : QStringLiteral("s"))
-            : visibleText(sheet.error());
+            : sheet.error();
     return sheet.dictionary().m_fileType == CCANopen::typeDCF;
 }
 

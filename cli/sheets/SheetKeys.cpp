@@ -110,33 +110,33 @@ constexpr tNumberedKeys listed = { "", 10, true, valueNumber16 };
 constexpr tNumberedKeys entries = { "", 10, false, valueText };
 
 constexpr tSectionRow namedSections[] = {
-    { "FileInfo",            sectionFileInfo,     fileInfo, {}, {}, keyRead },
-    { "DeviceInfo",          sectionDeviceInfo,   deviceInfo, {}, {}, keyRead },
-    { "MandatoryObjects",    sectionMandatory,    listKeys, listed, "SupportedObjects", keyRead },
-    { "OptionalObjects",     sectionOptional,     listKeys, listed, "SupportedObjects", keyRead },
-    { "ManufacturerObjects", sectionManufacturer, listKeys, listed, "SupportedObjects", keyRead },
-    { "DummyUsage",          sectionPlain,        {}, { "Dummy", 16, false, valueFlag } },
-    { "Comments",            sectionPlain,        commentKeys, { "Line", 10, true, valueText }, "Lines" },
-    { "DeviceComissioning",  sectionPlain,        commissioning, {}, {}, keyOfDcf }, // sic
-    { "StandardDataTypes",   sectionPlain,        {}, { "0x", 16, false, valueFlag } },
-    { "SupportedModules",    sectionPlain,        countedKeys, { "", 10, true, valueText }, "NrOfEntries" },
-    { "ConnectedModules",    sectionPlain,        countedKeys, entries, "NrOfEntries", keyOfDcf },
-    { "DynamicChannels",     sectionFree,         {} },
-    { "Tools",               sectionFree,         {} },
+    { "FileInfo",            sectionFileInfo,     keyRead, fileInfo },
+    { "DeviceInfo",          sectionDeviceInfo,   keyRead, deviceInfo },
+    { "MandatoryObjects",    sectionMandatory,    keyRead, listKeys, listed, "SupportedObjects" },
+    { "OptionalObjects",     sectionOptional,     keyRead, listKeys, listed, "SupportedObjects" },
+    { "ManufacturerObjects", sectionManufacturer, keyRead, listKeys, listed, "SupportedObjects" },
+    { "DummyUsage",          sectionPlain,        keyPlain, {}, { "Dummy", 16, false, valueFlag } },
+    { "Comments",            sectionPlain,        keyPlain, commentKeys, { "Line", 10, true, valueText }, "Lines" },
+    { "DeviceComissioning",  sectionPlain,        keyOfDcf, commissioning }, // sic
+    { "StandardDataTypes",   sectionPlain,        keyPlain, {}, { "0x", 16, false, valueFlag } },
+    { "SupportedModules",    sectionPlain,        keyPlain, countedKeys, { "", 10, true, valueText }, "NrOfEntries" },
+    { "ConnectedModules",    sectionPlain,        keyOfDcf, countedKeys, entries, "NrOfEntries" },
+    { "DynamicChannels",     sectionFree,         keyPlain, {} },
+    { "Tools",               sectionFree,         keyPlain, {} },
 };
 
-constexpr tSectionRow objectSection = { "", sectionObject, objectKeys };
-constexpr tSectionRow entrySection = { "", sectionEntry, objectKeys };
-constexpr tSectionRow toolSection = { "", sectionPlain, toolKeys };
-constexpr tSectionRow freeSection = { "", sectionFree, {} };
-constexpr tSectionRow unknownSection = { "", sectionUnknown, {} };
+constexpr tSectionRow objectSection = { "", sectionObject, keyPlain, objectKeys };
+constexpr tSectionRow entrySection = { "", sectionEntry, keyPlain, objectKeys };
+constexpr tSectionRow toolSection = { "", sectionPlain, keyPlain, toolKeys };
+constexpr tSectionRow freeSection = { "", sectionFree, keyPlain, {} };
+constexpr tSectionRow unknownSection = { "", sectionUnknown, keyPlain, {} };
 
 // Sections whose names are an index and a word.
 constexpr tSectionRow suffixed[] = {
-    { "Name",        sectionCompact, countedKeys, entries, "NrOfEntries" },
-    { "Value",       sectionCompact, countedKeys, entries, "NrOfEntries" },
-    { "Denotation",  sectionCompact, countedKeys, entries, "NrOfEntries", keyOfDcf },
-    { "ObjectLinks", sectionPlain,   linkKeys, { "", 10, true, valueNumber16 }, "ObjectLinks" },
+    { "Name",        sectionCompact, keyPlain, countedKeys, entries, "NrOfEntries" },
+    { "Value",       sectionCompact, keyPlain, countedKeys, entries, "NrOfEntries" },
+    { "Denotation",  sectionCompact, keyOfDcf, countedKeys, entries, "NrOfEntries" },
+    { "ObjectLinks", sectionPlain,   keyPlain, linkKeys, { "", 10, true, valueNumber16 }, "ObjectLinks" },
 };
 
 // What follows "M" and a number in the names of a module's sections. Some have an index after it.
@@ -194,17 +194,19 @@ std::string withoutZeros(std::string_view name)
     return std::string(strip(name));
 }
 
-bool classifyIgnored(std::string_view name, tSectionName& section)
+void classifyIgnored(std::string_view name, tSectionName& section)
 {
     if (name.size() > longestIndex)
-        return false;
+        return;
     const std::string plain = withoutZeros(name);
-    if (IsObjectEntry(plain.c_str(), &section.index, &section.subIndex))
+    section.isIgnored = IsObjectEntry(plain.c_str(), &section.index, &section.subIndex);
+    if (section.isIgnored) {
         section.row = &entrySection;
-    else if (IsObject(plain.c_str(), &section.index))
+        return;
+    }
+    section.isIgnored = IsObject(plain.c_str(), &section.index);
+    if (section.isIgnored)
         section.row = &objectSection;
-    section.isIgnored = section.row != nullptr;
-    return section.isIgnored;
 }
 
 // Sections of an object beside its own: "1600Value".
@@ -214,8 +216,10 @@ bool classifySuffixed(std::string_view name, tSectionName& section)
         return false;
     const auto* const row =
         std::ranges::find_if(suffixed, [name](const auto& each) { return equalInAnyCase(each.name, name.substr(4)); });
-    section.row = row != std::end(suffixed) ? row : nullptr;
-    return section.row != nullptr;
+    if (row == std::end(suffixed))
+        return false;
+    section.row = row;
+    return true;
 }
 
 bool classifyNamed(std::string_view name, tSectionName& section)
@@ -245,14 +249,13 @@ tSectionName sectionOf(std::string_view name)
         return section;
     }
     section = {}; // what is no index is stored as well
-    if (name.empty())
-        section.row = &unknownSection;
-    else if (isToolSection(name))
+    section.row = &unknownSection;
+    if (isToolSection(name))
         section.row = &toolSection;
     else if (isModuleSection(name))
         section.row = &freeSection;
-    else if (!classifyNamed(name, section) && !classifySuffixed(name, section) && !classifyIgnored(name, section))
-        section.row = &unknownSection;
+    else if (!name.empty() && !classifyNamed(name, section) && !classifySuffixed(name, section))
+        classifyIgnored(name, section);
     return section;
 }
 

@@ -43,10 +43,10 @@ enum tSectionKind {
 struct tSectionRow {
     std::string_view name;
     tSectionKind kind;
+    unsigned use; ///< of `tKeyUse`
     std::span<const tKeyRow> keys;
     tNumberedKeys numbered = {};
     std::string_view count = {}; ///< the key with the number of numbered keys
-    unsigned use = keyPlain;
 };
 
 /// What the name of a section says.

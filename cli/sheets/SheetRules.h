@@ -26,8 +26,8 @@ enum tRule : unsigned {
 
 struct tRuleRow {
     tRule rule;
-    std::string_view name; ///< by which it is switched
     tSeverity severity;
+    std::string_view name;        ///< by which it is switched
     std::string_view description; ///< one line
 };
 

@@ -104,7 +104,7 @@ void TestFindings::millionSectionsAreCheckedInMemoryOfTheirSize()
     QVERIFY(result.isLoaded);
     QCOMPARE(result.counts[ruleUnknownKey], 1'000'000);
     QCOMPARE(result.counts[ruleDuplicateSection], 1'000'000 - 0xF000 + 1);
-    QVERIFY(result.findings.size() < ruleTotal * CFindings::mostOfARule);
+    QVERIFY(int(result.findings.size()) < int(ruleTotal) * CFindings::mostOfARule);
 }
 
 void TestFindings::onlySoManyFindingsOfARuleAreKept()

@@ -62,7 +62,7 @@ static void checkText(const char* fileName)
     int last = 0;
     for (const tFinding& finding : result.findings) {
         require(finding.place.line >= last && finding.column > 0 && finding.length > 0);
-        const auto end = static_cast<qsizetype>(finding.caret + finding.caretLength);
+        const qsizetype end = qsizetype{ finding.caret } + finding.caretLength;
         require(finding.caret >= 0 && end <= std::max<qsizetype>(finding.excerpt.size(), finding.caret + 1));
         last = finding.place.line;
     }
