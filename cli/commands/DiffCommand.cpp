@@ -3,9 +3,7 @@
 #include "commands/Commands.h"
 
 #include "console/Console.h"
-#include "dic/DataSheet.h"
 #include "sheets/SheetDifferences.h"
-#include "sheets/SheetFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -32,11 +30,7 @@ int runDiff(const tDiffOptions& options, CConsole& console)
 {
     const QString nameA = QFile::decodeName(options.fileA.c_str());
     const QString nameB = QFile::decodeName(options.fileB.c_str());
-    CDataSheet a;
-    CDataSheet b;
-    loadSheet(a, nameA);
-    loadSheet(b, nameB);
-    const auto differences = sheetDifferences(a, b);
+    const auto differences = sheetDifferences(nameA, nameB);
     const auto write = options.format == "json" ? differencesAsJson : differencesAsText;
     console.write(write(differences, nameA, nameB));
     return differences.empty() ? exitDone : exitDifference;

@@ -3,9 +3,7 @@
 #include "commands/Commands.h"
 
 #include "console/Console.h"
-#include "dic/DataSheet.h"
 #include "sheets/DictionaryList.h"
-#include "sheets/SheetFile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -37,39 +35,13 @@ const std::map<std::string, QByteArray (*)(const std::vector<tListRow>& rows)> f
     { "json", listAsJson },
 };
 
-QRegularExpression patternOf(const tListOptions& options)
-{
-    const QString text = QString::fromLocal8Bit(options.pattern.c_str());
-    QRegularExpression pattern(text, QRegularExpression::CaseInsensitiveOption);
-    if (!pattern.isValid())
-        throw tEnd{
-            exitUsage,
-            QStringLiteral("--grep: wrong regular expression \"%1\": %2").arg(visibleLine(text), pattern.errorString())
-        };
-    return pattern;
-}
-
-std::vector<tIndexRange> rangesOf(const tListOptions& options)
-{
-    std::vector<tIndexRange> ranges;
-    for (const std::string& each : options.ranges) {
-        const QString text = QString::fromLocal8Bit(each.c_str());
-        const auto range = indexRange(text);
-        if (!range)
-            throw tEnd{ exitUsage, QStringLiteral("--index: \"%1\" is neither an index such as 1017 nor a range such "
-                                                  "as 1000-1FFF")
-                                       .arg(visibleLine(text)) };
-        ranges.push_back(*range);
-    }
-    return ranges;
-}
-
 int runList(const tListOptions& options, CConsole& console)
 {
-    const tListChoice choice{ patternOf(options), rangesOf(options) };
-    CDataSheet sheet;
-    loadSheet(sheet, QFile::decodeName(options.file.c_str()));
-    console.write(formats.at(options.format)(dictionaryList(sheet.dictionary(), choice)));
+    tListChoice choice;
+    choice.setPattern(QString::fromLocal8Bit(options.pattern.c_str()));
+    for (const std::string& range : options.ranges)
+        choice.addRange(QString::fromLocal8Bit(range.c_str()));
+    console.write(formats.at(options.format)(dictionaryList(QFile::decodeName(options.file.c_str()), choice)));
     return exitDone;
 }
 

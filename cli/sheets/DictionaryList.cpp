@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/DictionaryList.h"
 
-#include "dic/CANopen.h"
+#include "dic/DataSheet.h"
 #include "sheets/Csv.h"
 #include "sheets/EntryText.h"
+#include "sheets/SheetFile.h"
 #include "sheets/TextTable.h"
 
 #include <QJsonArray>
@@ -39,7 +40,7 @@ tListRow rowOf(const CCANopenObject& object, const CCANopenObjectEntry& entry)
 bool isChosen(const tListRow& row, const tListChoice& choice)
 {
     const auto found = [&choice](const QString& text) { return choice.pattern.match(text).hasMatch(); };
-    return found(row.name) || found(indexText(row.index)) || found(parameterText(row.index, row.subIndex));
+    return found(row.name) || found(indexText(row.index)) || found(entryText(row.index, row.subIndex));
 }
 
 bool isInside(unsigned index, const std::vector<tIndexRange>& ranges)
@@ -63,6 +64,26 @@ QStringList fieldsOf(const tListRow& row)
 
 } // namespace
 
+void tListChoice::setPattern(const QString& text)
+{
+    pattern = QRegularExpression(text, QRegularExpression::CaseInsensitiveOption);
+    if (!pattern.isValid())
+        throw tEnd{
+            exitUsage,
+            QStringLiteral("--grep: wrong regular expression \"%1\": %2").arg(visibleLine(text), pattern.errorString())
+        };
+}
+
+void tListChoice::addRange(const QString& text)
+{
+    const auto range = indexRange(text);
+    if (!range)
+        throw tEnd{ exitUsage, QStringLiteral("--index: \"%1\" is neither an index such as 1017 nor a range such as "
+                                              "1000-1FFF")
+                                   .arg(visibleLine(text)) };
+    ranges.push_back(*range);
+}
+
 std::vector<tListRow> dictionaryList(const CCANopen& dictionary, const tListChoice& choice)
 {
     std::vector<tListRow> rows;
@@ -76,6 +97,13 @@ std::vector<tListRow> dictionaryList(const CCANopen& dictionary, const tListChoi
         }
     }
     return rows;
+}
+
+std::vector<tListRow> dictionaryList(const QString& fileName, const tListChoice& choice)
+{
+    CDataSheet sheet;
+    loadSheet(sheet, fileName);
+    return dictionaryList(sheet.dictionary(), choice);
 }
 
 QByteArray listAsTable(const std::vector<tListRow>& rows)

@@ -16,6 +16,11 @@ class CCANopen;
 struct tListChoice {
     QRegularExpression pattern;      ///< found in the name, in the index ("0x1018") or in "1018:1"
     std::vector<tIndexRange> ranges; ///< none: all indexes
+
+    // Both end the command with `exitUsage` when the text is wrong.
+
+    void setPattern(const QString& text); ///< a regular expression, for upper and lower case alike
+    void addRange(const QString& text);   ///< see `indexRange`
 };
 
 /// An entry under the index of its object, with the texts that the browser shows; limits and default value as they are
@@ -34,6 +39,8 @@ struct tListRow {
 
 /// All entries that were loaded, in their order, also those that are described twice.
 std::vector<tListRow> dictionaryList(const CCANopen& dictionary, const tListChoice& choice);
+/// The same of a file; ends the command with `exitUsage` when it does not load.
+std::vector<tListRow> dictionaryList(const QString& fileName, const tListChoice& choice);
 
 // The rows with the columns index, subindex, name, type, access, low, high, default and pdo; in JSON a list of objects.
 

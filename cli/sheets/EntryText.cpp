@@ -39,10 +39,14 @@ QString subIndexText(unsigned subIndex)
     return subIndex < 10 ? QString::number(subIndex) : QStringLiteral("0x") + hexadecimal(subIndex);
 }
 
+QString entryText(unsigned index, unsigned subIndex)
+{
+    return hexadecimal(index).rightJustified(4, u'0') + u':' + hexadecimal(subIndex);
+}
+
 QString parameterText(unsigned index, unsigned subIndex)
 {
-    const QString text = hexadecimal(index).rightJustified(4, u'0');
-    return subIndex == 0 ? text : text + u':' + hexadecimal(subIndex);
+    return subIndex == 0 ? hexadecimal(index).rightJustified(4, u'0') : entryText(index, subIndex);
 }
 
 std::optional<unsigned> numberIn(const QString& text, unsigned most)

@@ -13,6 +13,8 @@ QString indexText(unsigned index);
 QString subIndexText(unsigned subIndex);
 /// "1018:1", both hexadecimal, or "1017" for sub-index 0, as parameters are written on the command line and in messages
 QString parameterText(unsigned index, unsigned subIndex);
+/// "1018:0": the same with every sub-index, where the object itself is "1018"
+QString entryText(unsigned index, unsigned subIndex);
 
 /// The number in the text, decimal or hexadecimal after "0x"; none when it is no number or larger than `most`.
 std::optional<unsigned> numberIn(const QString& text, unsigned most);

@@ -6,6 +6,7 @@
 #include "sheets/EntryText.h"
 #include "sheets/FirstEntries.h"
 #include "sheets/SameValue.h"
+#include "sheets/SheetFile.h"
 
 #include <QStringList>
 
@@ -229,4 +230,13 @@ void CComparison::compareEntries(const CCANopenObjectEntry& a, const CCANopenObj
 std::vector<tSheetDifference> sheetDifferences(const CDataSheet& a, const CDataSheet& b)
 {
     return CComparison(a, b).differences();
+}
+
+std::vector<tSheetDifference> sheetDifferences(const QString& fileA, const QString& fileB)
+{
+    CDataSheet a;
+    CDataSheet b;
+    loadSheet(a, fileA);
+    loadSheet(b, fileB);
+    return sheetDifferences(a, b);
 }

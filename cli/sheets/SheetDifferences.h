@@ -28,6 +28,8 @@ struct tSheetDifference {
 /// limits, default values, the values of a configuration and PDO mapping. What is described twice counts as the browser
 /// shows it: the first one.
 std::vector<tSheetDifference> sheetDifferences(const CDataSheet& a, const CDataSheet& b);
+/// The same of two files; ends the command with `exitUsage` when one does not load.
+std::vector<tSheetDifference> sheetDifferences(const QString& fileA, const QString& fileB);
 
 /// A line for each: "1017: default 0 -> 1000", "1018:4: only in FILE".
 QByteArray differencesAsText(const std::vector<tSheetDifference>& differences, const QString& nameA,

@@ -18,7 +18,7 @@ QString placeText(const tSheetDifference& difference)
         return QStringLiteral("device");
     if (difference.isVariable || !difference.subIndex)
         return indexText(*difference.index).mid(2);
-    return parameterText(*difference.index, *difference.subIndex);
+    return entryText(*difference.index, *difference.subIndex);
 }
 
 QString shownText(const tSheetDifference& difference, const QString& text)

@@ -115,6 +115,7 @@ void TestDictionaryList::choiceLimitsTheRows_data()
     row("LEVEL|^not", {}, { "Level", "Not listed" });
     row("^0x2000$", {}, { "Level" });
     row("^2001:1$", {}, { first, "Twice" });
+    row("^2000:0$", {}, { "Level" });
     row("2001:ff", {}, { "Not listed" });
     row("none", {}, {});
     row("", { "2000" }, { "Level" });
@@ -127,9 +128,10 @@ void TestDictionaryList::choiceLimitsTheRows()
 {
     QFETCH(QString, pattern);
     QFETCH(QStringList, ranges);
-    tListChoice choice{ QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption), {} };
+    tListChoice choice;
+    choice.setPattern(pattern);
     for (const QString& range : ranges)
-        choice.ranges.push_back(indexRange(range).value());
+        choice.addRange(range);
     QStringList names;
     for (const tListRow& row : rows(choice))
         names << row.name;

@@ -220,7 +220,7 @@ void TestDumps::wrongCsvIsRefused_data()
     row("too many fields", "0x2000,1,,Unsigned8,RW,,,,\n", "9 fields where 8 are needed");
     row("index", "0x10000,1,,Unsigned8,RW,,,\n", "\"0x10000\" is no index");
     row("sub-index", "0x2000,256,,Unsigned8,RW,,,\n", "\"256\" is no sub-index");
-    row("twice", "0x2000,0,,Unsigned8,RW,,,\n", "2000:0 is there twice");
+    row("twice", "0x2000,0,,Unsigned8,RW,,,\n", "2000 is there twice");
     row("type", "0x2000,1,,Word\t,RW,,,\n", "\"Word\\t\" is no data type");
     row("access", "0x2000,1,,Unsigned8,read,,,\n", "\"read\" is no access type");
     row("size", "0x2000,1,,Unsigned8,RW,-1,2,\n", "\"-1\" is no size");
