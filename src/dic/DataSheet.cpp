@@ -106,11 +106,3 @@ QString visibleLine(const QString& line)
     }
     return visible;
 }
-
-QString visibleText(const QString& text)
-{
-    QString visible;
-    for (const char32_t character : text.toUcs4())
-        visible += visibleCharacter(character);
-    return visible;
-}

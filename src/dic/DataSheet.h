@@ -37,6 +37,3 @@ QString visibleText(const QString& text);
 
 /// A line of a file for a message: visible, and cut, with "..." after it, where it would need more than 80 characters.
 QString visibleLine(const QString& line);
-
-/// The same without a cut: for texts that are a part of a line only, such as the name of a file.
-QString visibleText(const QString& text);
