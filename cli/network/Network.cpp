@@ -166,7 +166,7 @@ void CNetwork::begin()
 // Why a transfer with a node failed; none when it is done.
 std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
 {
-    const auto failure = failureOf(done);
+    auto failure = failureOf(done);
     if (failure && failure->status == exitNetwork)
         m_late.insert(node);
     constexpr int watchEvery = 32;

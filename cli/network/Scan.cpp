@@ -14,7 +14,7 @@ namespace
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds pace{ 2 };          // from one request to the next: at 125 kbit/s there is room for the answers
+constexpr milliseconds pace{ 2 };           // from one request to the next: at 125 kbit/s there is room for the answers
 constexpr milliseconds longestBusy{ 2000 }; // for which a request may find no room in the interface
 constexpr milliseconds sdoTimeout{ 500 };
 constexpr WORD deviceType = 0x1000;
