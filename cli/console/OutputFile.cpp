@@ -8,11 +8,15 @@
 namespace
 {
 
-template <typename File>
-void writeFile(File& file, const QByteArray& content, bool (*complete)(File& file))
+bool put(QFileDevice& file, const QByteArray& content)
 {
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !complete(file))
-        throw tEnd{ exitUsage, QStringLiteral("cannot write %1: %2").arg(file.fileName(), file.errorString()) };
+    // Without the flush, a commit would not tell that the last bytes were not written.
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+}
+
+[[noreturn]] void endUnwritten(const QFileDevice& file, const QString& fileName)
+{
+    throw tEnd{ exitUsage, QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString()) };
 }
 
 } // namespace
@@ -23,12 +27,13 @@ void writeOutput(CConsole& console, const QString& fileName, const QByteArray& c
         console.write(content);
         return;
     }
-    const QFileInfo place(fileName);
-    if (place.exists() && !place.isFile() && !place.isDir()) { // to be replaced by a file it is not
-        QFile device(fileName);
-        writeFile<QFile>(device, content, [](QFile& written) { return written.flush(); });
+    if (const QFileInfo info(fileName); info.exists() && !info.isFile() && !info.isDir()) {
+        QFile device(fileName); // or a pipe: not to be replaced by a file
+        if (!put(device, content))
+            endUnwritten(device, fileName);
         return;
     }
     QSaveFile file(fileName);
-    writeFile<QSaveFile>(file, content, [](QSaveFile& written) { return written.commit(); });
+    if (!put(file, content) || !file.commit())
+        endUnwritten(file, fileName);
 }

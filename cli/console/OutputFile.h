@@ -8,6 +8,5 @@
 #include <QString>
 
 /// Writes `content` to the file in place of what it held; to standard output when the name is empty or "-". Ends the
-/// command with `exitUsage` when it cannot be written; the file is then as it was. What is no file, such as a pipe, is
-/// written into.
+/// command with `exitUsage` when it cannot be written; the file is then as it was. Devices and pipes are written to.
 void writeOutput(CConsole& console, const QString& fileName, const QByteArray& content);

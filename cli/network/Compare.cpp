@@ -46,12 +46,15 @@ std::map<tKey, const tSnapshotEntry*> entriesOf(const tSnapshot& snapshot)
 }
 
 // Whether both entries have the same value. Where only one of them is relative to a node-id, on the buses of their
-// nodes.
+// nodes; a node that is not known is taken for the other one.
 bool hasSameValue(const tSnapshotEntry& first, unsigned firstNode, const tSnapshotEntry& second, unsigned secondNode)
 {
     if (first.relative == second.relative)
         return first.value == second.value;
-    return valueOfNode(first, *first.value, firstNode) == valueOfNode(second, *second.value, secondNode);
+    const auto onBus = [](const tSnapshotEntry& entry, unsigned node, unsigned otherNode) {
+        return valueOfNode(entry, *entry.value, node != 0 ? node : otherNode);
+    };
+    return onBus(first, firstNode, secondNode) == onBus(second, secondNode, firstNode);
 }
 
 // What is in `source` with a value and not described in `other` at all.

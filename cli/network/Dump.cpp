@@ -3,10 +3,12 @@
 #include "network/Dump.h"
 
 #include "console/OutputFile.h"
+#include "dic/CANopenObjectEntry.h"
 #include "dic/DataSheet.h"
 #include "network/NodeReading.h"
 #include "sheets/DcfText.h"
 #include "sheets/EntryText.h"
+#include "sheets/FirstEntries.h"
 #include "sheets/SheetFile.h"
 #include "sheets/SnapshotText.h"
 
@@ -28,13 +30,16 @@ tDumpFormat formatOf(const tDumpOptions& options)
     return dumpTable;
 }
 
-// Tells the values that a configuration file cannot hold. An empty one needs no line there.
-QByteArray configurationOf(const tDumpOptions& options, const tSnapshot& snapshot, CConsole& console, int& status)
+// Tells the values that a configuration file cannot hold. An empty one needs no line there when it is empty in the sheet,
+// too.
+QByteArray configurationOf(const tDumpOptions& options, const CDataSheet& sheet, const tSnapshot& snapshot,
+                           CConsole& console, int& status)
 {
+    const auto described = firstEntries(sheet.dictionary());
     const tDcfText dcf = dcfText(options.sheet, snapshot);
     for (const std::size_t place : dcf.unwritten) {
         const tSnapshotEntry& entry = snapshot.entries[place];
-        if (entry.value->isEmpty())
+        if (entry.value->isEmpty() && described[place].entry.getDefaultValue().isEmpty())
             continue;
         console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can")
                             .arg(parameterText(entry.index, entry.subIndex)));
@@ -43,7 +48,8 @@ QByteArray configurationOf(const tDumpOptions& options, const tSnapshot& snapsho
     return dcf.text;
 }
 
-QByteArray textOf(const tDumpOptions& options, const tSnapshot& snapshot, CConsole& console, int& status)
+QByteArray textOf(const tDumpOptions& options, const CDataSheet& sheet, const tSnapshot& snapshot, CConsole& console,
+                  int& status)
 {
     switch (formatOf(options)) {
     case dumpCsv:
@@ -51,7 +57,7 @@ QByteArray textOf(const tDumpOptions& options, const tSnapshot& snapshot, CConso
     case dumpJson:
         return snapshotAsJson(snapshot);
     case dumpDcf:
-        return configurationOf(options, snapshot, console, status);
+        return configurationOf(options, sheet, snapshot, console, status);
     case dumpTable:
         break;
     }
@@ -66,7 +72,12 @@ int dumpDevice(const tDumpOptions& options, CConsole& console)
     loadSheet(sheet, options.sheet);
     tSnapshot snapshot = snapshotOf(sheet, static_cast<unsigned>(options.node));
     CNetwork network(options.network, console);
-    int status = readEntries({ network, options.node, console }, snapshot, isReadable);
-    writeOutput(console, options.output, textOf(options, snapshot, console, status));
+    int status = exitDone;
+    try {
+        status = readEntries({ network, options.node, console }, snapshot, isReadable);
+    } catch (const tEnd& end) {
+        throw tEnd{ end.status, QStringLiteral("%1; nothing was saved").arg(end.message) };
+    }
+    writeOutput(console, options.output, textOf(options, sheet, snapshot, console, status));
     return status;
 }

@@ -34,14 +34,13 @@ int readEntry(const tDevice& device, tSnapshotEntry& entry)
         device.console.message(QStringLiteral("%1: %2").arg(nameOf(entry), failure->text));
         return failure->status;
     }
-    if (typedValue::sizeDiffers(entry.type, bytes.size())) {
-        device.console.message(QStringLiteral("%1: the device has %2 bytes, which is no %3")
-                                   .arg(nameOf(entry), QString::number(bytes.size()),
-                                        tEntry::getDataTypeByIndex(tEntry::TEntryType(entry.type))));
-        return exitDifference;
-    }
     entry.value = valueToHold(entry, bytes, static_cast<unsigned>(device.node));
-    return exitDone;
+    if (!typedValue::sizeDiffers(entry.type, bytes.size()))
+        return exitDone;
+    device.console.message(QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
+                               .arg(nameOf(entry), QString::number(bytes.size()),
+                                    tEntry::getDataTypeByIndex(tEntry::TEntryType(entry.type))));
+    return exitDifference;
 }
 
 int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted)
@@ -56,7 +55,12 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
             continue;
         }
         device.console.progress(QStringLiteral("%1 of %2: %3").arg(++done).arg(total).arg(nameOf(entry)));
-        status = graver(status, readEntry(device, entry));
+        try {
+            status = graver(status, readEntry(device, entry));
+        } catch (const tEnd& end) {
+            throw tEnd{ end.status, QStringLiteral("%1; %2 of %3 entries were read")
+                                        .arg(end.message, QString::number(done - 1), QString::number(total)) };
+        }
     }
     device.console.progress(QString());
     return status;

@@ -14,13 +14,14 @@ struct tDevice {
     CConsole& console;
 };
 
-/// Reads the value of the entry into it, as it is held. Without an answer the command ends with `exitNetwork`. Whatever
-/// else prevents it is told, and the entry has no value afterwards: an abort (kept in the entry), a cut answer, a value
-/// that has not the size of its type.
+/// Reads the value of the entry into it, as it is held. Without an answer the command ends with `exitNetwork`. An abort
+/// (kept in the entry) and a cut answer are told, and the entry has no value afterwards. A value that has not the size
+/// of its type is told and kept.
 /// @return the exit status for this entry
 int readEntry(const tDevice& device, tSnapshotEntry& entry);
 
-/// Reads all entries for which `wanted` holds, with progress; the others lose their value.
+/// Reads all entries for which `wanted` holds, with progress; the others lose their value. Whatever ends the command says
+/// how many were read.
 /// @return the worst exit status of an entry
 int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted);
 

@@ -15,15 +15,18 @@ namespace
 
 // States in heartbeats (CiA 301).
 constexpr int preOperational = 0x7F;
+constexpr int bootUp = 0;
 constexpr int unknownState = -1;
 constexpr int stateMask = 0x7F;
 constexpr unsigned heartbeat = 0x700; // plus the node-id
 constexpr WORD producerHeartbeatTime = 0x1017;
 constexpr int longestWait = 3000; // milliseconds for a heartbeat
 
-// The state in the next heartbeat, for which `time` milliseconds are waited.
+// The state in the next heartbeat, for which `time` milliseconds are waited. Those that came before are old, and a node
+// that has just booted may be on its way to another state.
 int awaitHeartbeat(CNetwork& network, unsigned node, int time)
 {
+    network.watchOthers();
     const QDeadlineTimer deadline(time);
     union {
         WORD cobId;
@@ -34,7 +37,7 @@ int awaitHeartbeat(CNetwork& network, unsigned node, int time)
     while (!deadline.hasExpired()) {
         if (!network.access().readQueue(&place.cobId, &length, data.data()))
             sleepUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(1));
-        else if (place.identifier == heartbeat + node && length == 1)
+        else if (place.identifier == heartbeat + node && length == 1 && (data[0] & stateMask) != bootUp)
             return data[0] & stateMask;
     }
     return unknownState;
@@ -81,7 +84,7 @@ void CPreOperational::end(bool start)
 void CPreOperational::abandon()
 {
     if (m_begun)
-        say("stays in pre-operational, since not all of its PDO parameters were written");
+        say("stays in pre-operational, since not all was written");
     m_begun = false;
 }
 

@@ -39,9 +39,10 @@ QString nameOf(const tSnapshotEntry& entry)
 
 QString textOf(const tSnapshotEntry& entry, const std::optional<QByteArray>& value, int node)
 {
-    return value ? typedValue::textOf(entry.type, valueOfNode(entry, *value, static_cast<unsigned>(node)),
-                                      valueFormats::modeHex)
-                 : QStringLiteral("?");
+    if (!value)
+        return QStringLiteral("?");
+    const QByteArray bytes = valueOfNode(entry, *value, static_cast<unsigned>(node));
+    return visibleLine(typedValue::textOf(entry.type, bytes, valueFormats::modeHex));
 }
 
 class CRestore
@@ -60,20 +61,20 @@ public:
 
     int run()
     {
-        if (!isSameDevice())
-            return exitDifference;
-        m_status = readEntries(m_node, m_device, [this](const tSnapshotEntry& entry) {
-            return isCompared(entry) && isReadable(entry); // still with the values of the file
-        });
-        if (m_status == exitAborted && !m_options.keepGoing)
-            throw tEnd{ exitAborted, QStringLiteral("nothing was written") };
+        try {
+            if (!isSameDevice())
+                return exitDifference;
+            readDevice();
+        } catch (const tEnd& end) {
+            throw tEnd{ end.status, QStringLiteral("%1; nothing was written").arg(end.message) };
+        }
         findDifferences();
         if (m_options.dryRun)
             return exitDone;
         try {
             writeAll();
             readBack();
-            store();
+            finish();
         } catch (const tEnd& end) {
             m_preOperational.abandon();
             throw tEnd{ end.status, QStringLiteral("%1; %2").arg(end.message, progressText()) };
@@ -83,6 +84,15 @@ public:
     }
 
 private:
+    void readDevice()
+    {
+        m_status = readEntries(m_node, m_device, [this](const tSnapshotEntry& entry) {
+            return isCompared(entry) && isReadable(entry); // still with the values of the file
+        });
+        if ((m_status == exitAborted || m_status == exitNetwork) && !m_options.keepGoing)
+            throw tEnd{ static_cast<tExitStatus>(m_status), QStringLiteral("not all entries could be read") };
+    }
+
     // Write-only entries are left out, too: what they have is not known, and many trigger an action.
     bool isIncluded(const tSnapshotEntry& entry) const
     {
@@ -141,6 +151,7 @@ private:
     {
         if (std::any_of(m_wanted.cbegin(), m_wanted.cend(), [](const auto* e) { return isPdoParameter(e->index); }))
             m_preOperational.begin();
+        readNeeded();
         const auto writes = orderOfWrites(m_wanted, m_file, m_device);
         for (const tWrite& write : writes) {
             m_console.progress(QStringLiteral("writing %1").arg(nameOf(*write.entry)));
@@ -148,6 +159,22 @@ private:
                 continue;
             if (!write.isStep && std::find(m_wanted.cbegin(), m_wanted.cend(), write.entry) != m_wanted.cend())
                 m_written.push_back(write.entry);
+        }
+    }
+
+    // Entries of the device that the order depends on. Those that it does not give are done without.
+    void readNeeded()
+    {
+        for (const std::size_t place : neededForOrder(m_wanted, m_device)) {
+            tSnapshotEntry& entry = m_device.entries[place];
+            if (!isReadable(entry))
+                continue;
+            const auto [bytes, failure] = m_network.read(static_cast<BYTE>(m_node.node), static_cast<WORD>(entry.index),
+                                                         static_cast<BYTE>(entry.subIndex));
+            if (failure && failure->silent)
+                throw tEnd{ exitNetwork, QStringLiteral("%1: %2").arg(nameOf(entry), failure->text) };
+            if (!failure)
+                entry.value = valueToHold(entry, bytes, static_cast<unsigned>(m_node.node));
         }
     }
 
@@ -183,30 +210,49 @@ private:
                                        textOf(*entry, entry->value, m_node.node)));
             m_status = graver(m_status, exitDifference);
         }
+    }
+
+    // Stores before the node is brought back: some devices store in pre-operational only.
+    void finish()
+    {
+        const auto failure = store();
         if (m_pdoFailed)
             m_preOperational.abandon();
         else
             m_preOperational.end(m_options.start);
-    }
-
-    void store()
-    {
-        if (!m_options.store)
-            return;
-        if (m_status != exitDone) {
-            m_console.message(QStringLiteral("the device was not told to store its parameters"));
-            return;
-        }
-        const auto failure =
-            m_network.write(static_cast<BYTE>(m_node.node), storeParameters, 1, QByteArray(storeSignature), true);
         if (failure)
             throw tEnd{ failure->status, QStringLiteral("1010:1: %1").arg(failure->text) };
-        m_console.message(QStringLiteral("node %1 has stored its parameters").arg(m_node.node));
     }
 
+    std::optional<tFailure> store()
+    {
+        if (!m_options.store)
+            return std::nullopt;
+        if (m_status != exitDone) {
+            m_console.message(QStringLiteral("the device was not told to store its parameters"));
+            return std::nullopt;
+        }
+        auto failure =
+            m_network.write(static_cast<BYTE>(m_node.node), storeParameters, 1, QByteArray(storeSignature), true);
+        if (!failure)
+            m_console.message(QStringLiteral("node %1 has stored its parameters").arg(m_node.node));
+        return failure;
+    }
+
+    // What was done, and what was not.
     QString progressText() const
     {
-        return QStringLiteral("%1 of %2 values were written").arg(m_written.size()).arg(m_wanted.size());
+        constexpr qsizetype most = 10;
+        QStringList missing;
+        for (const tSnapshotEntry* entry : m_wanted)
+            if (std::find(m_written.cbegin(), m_written.cend(), entry) == m_written.cend())
+                missing += nameOf(*entry);
+        QString text = QStringLiteral("%1 of %2 values were written").arg(m_written.size()).arg(m_wanted.size());
+        if (!missing.isEmpty())
+            text += QStringLiteral("; not written: %1").arg(missing.mid(0, most).join(QStringLiteral(", ")));
+        if (missing.size() > most)
+            text += QStringLiteral(" and %1 more").arg(missing.size() - most);
+        return text;
     }
 
     const tRestoreOptions& m_options;

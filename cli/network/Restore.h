@@ -22,7 +22,8 @@ struct tRestoreOptions {
 };
 
 /// Writes the values of the file that the device has otherwise, and reads them back. Refuses another device (1000 and
-/// the first two entries of 1018) unless forced. Read-only entries are left out, and unless they are included so are write-only
-/// ones, 1003, 1010, 1011 and 1F50 to 1F5F. When PDO parameters are among them, the node is brought into pre-operational for the time.
+/// the first two entries of 1018) unless forced. Read-only entries are left out, and unless they are included so are
+/// write-only ones, 1003, 1010, 1011 and 1F50 to 1F5F. When PDO parameters are among them, the node is brought into
+/// pre-operational for the time.
 /// @return the exit status
 int restore(const tRestoreOptions& options, CConsole& console);

@@ -2,11 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "network/WriteOrder.h"
 
+#include "base/NodeId.h"
 #include "dic/CANopenObjectEntry.h"
 #include "dic/ValueTypes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 
 namespace
@@ -18,10 +21,40 @@ constexpr unsigned firstTransmitPdo = 0x1800;
 constexpr unsigned pdoCount = 0x200;
 constexpr unsigned mappingOffset = 0x200; // from the communication to the mapping parameter
 constexpr unsigned pdoEnd = 0x1C00;
-constexpr unsigned emergencyCobId = 0x1014;
 constexpr unsigned cobIdSub = 1; // of a communication parameter
-constexpr quint64 switchedOff = 0x80000000;
 constexpr int cobIdWidth = 4;
+
+// The sync counter must not change while the period is not 0.
+constexpr unsigned syncPeriod = 0x1006;
+constexpr unsigned syncCounter = 0x1019;
+
+// COB-IDs whose identifier must not change while they are in use: what their highest bits are when they are not.
+struct tCobId {
+    unsigned firstIndex;
+    unsigned lastIndex;
+    unsigned firstSub;
+    unsigned lastSub;
+    quint64 mask;
+    quint64 off;
+};
+constexpr quint64 invalid = 0x80000000;
+constexpr tCobId cobIds[] = {
+    { 0x1005, 0x1005, 0, 0, 0x40000000, 0 },                // SYNC: produced
+    { 0x1012, 0x1012, 0, 0, 0xC0000000, 0 },                // time stamp: consumed, produced
+    { 0x1014, 0x1014, 0, 0, invalid, invalid },             // emergency
+    { 0x1028, 0x1028, 1, highestNodeId, invalid, invalid }, // emergencies of other nodes
+    { 0x1201, 0x12FF, 1, 2, invalid, invalid },             // SDO servers and clients, but not the SDO server in use
+};
+constexpr tCobId pdoCobId = { firstReceivePdo, pdoEnd - 1, cobIdSub, cobIdSub, invalid, invalid };
+
+const tCobId* cobIdRow(const tSnapshotEntry& entry)
+{
+    const auto* row = std::find_if(std::begin(cobIds), std::end(cobIds), [&entry](const tCobId& each) {
+        return entry.index >= each.firstIndex && entry.index <= each.lastIndex && entry.subIndex >= each.firstSub &&
+               entry.subIndex <= each.lastSub;
+    });
+    return row != std::end(cobIds) && entry.value->size() == cobIdWidth ? row : nullptr;
+}
 
 // The index of the communication parameter of the PDO that the parameter belongs to.
 unsigned pdoOf(unsigned index)
@@ -30,6 +63,16 @@ unsigned pdoOf(unsigned index)
 }
 
 using tEntries = std::vector<const tSnapshotEntry*>;
+
+bool isWanted(const tEntries& wanted, unsigned index)
+{
+    return std::any_of(wanted.cbegin(), wanted.cend(), [index](const auto* entry) { return entry->index == index; });
+}
+
+bool isSyncCounter(const tSnapshotEntry* entry)
+{
+    return entry->index == syncCounter && entry->subIndex == 0;
+}
 
 class CWriteOrder
 {
@@ -41,13 +84,14 @@ public:
 
     std::vector<tWrite> writes()
     {
+        const bool isCounted = std::any_of(m_wanted.cbegin(), m_wanted.cend(), isSyncCounter);
         for (const tSnapshotEntry* entry : m_wanted) {
             if (isPdoParameter(entry->index))
                 addPdo(pdoOf(entry->index));
-            else if (entry->index == emergencyCobId && entry->subIndex == 0)
-                addCobId(*entry);
-            else
-                add(*entry);
+            else if (isSyncCounter(entry))
+                addSyncCounter(*entry);
+            else if (entry->index != syncPeriod || !isCounted)
+                addOne(*entry);
         }
         return m_writes;
     }
@@ -66,33 +110,61 @@ private:
         return entries;
     }
 
-    // Null where the value is not known.
     static const tSnapshotEntry* find(const tKnown& entries, unsigned index, unsigned subIndex)
     {
         const auto place = entries.find(keyOf(index, subIndex));
         return place != entries.end() ? place->second : nullptr;
     }
 
-    const tSnapshotEntry* known(unsigned index, unsigned subIndex) const { return find(m_file, index, subIndex); }
+    // What the entry is to have: the value of the file, else that of the device. Null where neither is known.
+    const tSnapshotEntry* known(unsigned index, unsigned subIndex) const
+    {
+        const tSnapshotEntry* ofFile = find(m_file, index, subIndex);
+        return ofFile != nullptr ? ofFile : find(m_device, index, subIndex);
+    }
 
     QByteArray bytesOf(const tSnapshotEntry& entry) const { return valueOfNode(entry, *entry.value, m_nodeId); }
 
     void add(const tSnapshotEntry& entry) { m_writes.push_back({ &entry, bytesOf(entry), false }); }
-
-    // The COB-ID that the device has, but not in use: while it is in use, its other bits must not change.
-    void switchOff(const tSnapshotEntry& cobId)
+    void addZero(const tSnapshotEntry& entry)
     {
-        const tSnapshotEntry* present = find(m_device, cobId.index, cobId.subIndex);
-        const bool isKnown = present != nullptr && present->value->size() == cobIdWidth;
-        const quint64 bits = numberOf(bytesOf(isKnown ? *present : cobId), { kindUnsigned, cobIdWidth });
-        m_writes.push_back({ &cobId, littleEndian(bits | switchedOff, cobIdWidth), true });
+        m_writes.push_back({ &entry, QByteArray(entry.value->size(), '\0'), true });
     }
 
-    void addCobId(const tSnapshotEntry& entry)
+    // The number that the device has; none when it is not known, or is none of four bytes.
+    std::optional<quint64> presentCobId(const tSnapshotEntry& cobId) const
     {
-        if (entry.value->size() == cobIdWidth)
-            switchOff(entry);
+        const tSnapshotEntry* present = find(m_device, cobId.index, cobId.subIndex);
+        if (present == nullptr || present->value->size() != cobIdWidth)
+            return std::nullopt;
+        return numberOf(bytesOf(*present), { kindUnsigned, cobIdWidth });
+    }
+
+    // The COB-ID that the device has, but not in use: while it is in use, its other bits must not change.
+    void switchOff(const tSnapshotEntry& cobId, const tCobId& row)
+    {
+        const quint64 bits = presentCobId(cobId).value_or(numberOf(bytesOf(cobId), { kindUnsigned, cobIdWidth }));
+        m_writes.push_back({ &cobId, littleEndian((bits & ~row.mask) | row.off, cobIdWidth), true });
+    }
+
+    void addOne(const tSnapshotEntry& entry)
+    {
+        if (const tCobId* row = cobIdRow(entry)) {
+            const auto present = presentCobId(entry);
+            if (!present || (*present & row->mask) != row->off)
+                switchOff(entry, *row);
+        }
         add(entry);
+    }
+
+    void addSyncCounter(const tSnapshotEntry& counter)
+    {
+        const tSnapshotEntry* period = known(syncPeriod, 0);
+        if (period != nullptr)
+            addZero(*period);
+        add(counter);
+        if (period != nullptr)
+            add(*period);
     }
 
     void addPdo(unsigned pdo)
@@ -101,7 +173,7 @@ private:
             return;
         const tSnapshotEntry* cobId = known(pdo, cobIdSub);
         if (cobId != nullptr && cobId->value->size() == cobIdWidth)
-            switchOff(*cobId);
+            switchOff(*cobId, pdoCobId);
         addMapping(pdo + mappingOffset);
         for (const tSnapshotEntry* entry : m_wanted)
             if (entry->index == pdo && entry->subIndex != cobIdSub)
@@ -110,23 +182,26 @@ private:
             add(*cobId);
     }
 
-    // All mapped objects, also those that are the same: they cannot be changed one by one.
+    // All mapped objects, also those that are the same: they cannot be changed one by one. What stands behind them only
+    // where it is another one.
     void addMapping(unsigned mapping)
     {
-        const bool isWanted = std::any_of(m_wanted.cbegin(), m_wanted.cend(),
-                                          [mapping](const auto* entry) { return entry->index == mapping; });
-        const tSnapshotEntry* count = known(mapping, 0);
-        if (!isWanted)
+        if (!isWanted(m_wanted, mapping))
             return;
+        const tSnapshotEntry* count = known(mapping, 0);
         if (count != nullptr)
-            m_writes.push_back({ count, QByteArray(count->value->size(), '\0'), true });
-        const quint64 mapped = count != nullptr ? numberOf(*count->value, { kindUnsigned, 1 }) : 0xFF;
-        for (unsigned subIndex = 1; subIndex <= std::min<quint64>(mapped, 0xFF); ++subIndex)
-            if (const tSnapshotEntry* entry = known(mapping, subIndex))
+            addZero(*count);
+        const quint64 mapped = count != nullptr ? numberOf(*count->value, { kindUnsigned, 1 }) : lastSub;
+        for (unsigned subIndex = 1; subIndex <= lastSub; ++subIndex) {
+            const tSnapshotEntry* entry = known(mapping, subIndex);
+            if (entry != nullptr && (subIndex <= mapped || std::count(m_wanted.cbegin(), m_wanted.cend(), entry) > 0))
                 add(*entry);
+        }
         if (count != nullptr)
             add(*count);
     }
+
+    static constexpr unsigned lastSub = 0xFF;
 
     const tEntries& m_wanted;
     const tKnown m_file;
@@ -153,4 +228,21 @@ std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& want
                                   const tSnapshot& device)
 {
     return CWriteOrder(wanted, file, device).writes();
+}
+
+std::vector<std::size_t> neededForOrder(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& device)
+{
+    const auto isNeeded = [&wanted](const tSnapshotEntry& entry) {
+        if (entry.index == syncPeriod)
+            return isWanted(wanted, syncCounter);
+        const unsigned pdo = pdoOf(entry.index);
+        if (!isPdoParameter(entry.index) || (entry.index == pdo && entry.subIndex != cobIdSub))
+            return false;
+        return isWanted(wanted, pdo + mappingOffset) || (entry.index == pdo && isWanted(wanted, pdo));
+    };
+    std::vector<std::size_t> places;
+    for (std::size_t place = 0; place < device.entries.size(); ++place)
+        if (const tSnapshotEntry& entry = device.entries[place]; !entry.value && isWritable(entry) && isNeeded(entry))
+            places.push_back(place);
+    return places;
 }

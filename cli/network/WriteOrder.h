@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 
+#include <cstddef>
 #include <vector>
 
 /// One SDO download.
@@ -15,8 +16,8 @@ struct tWrite {
     bool isStep;                 ///< not the value of the file yet: switches something off on the way
 };
 
-/// Whether the object is a parameter of a PDO: communication (1400 to 15FF, 1800 to 19FF) or mapping (1600 to 17FF, 1A00
-/// to 1BFF).
+/// Whether the object is a parameter of a PDO: communication (1400 to 15FF, 1800 to 19FF) or mapping (1600 to 17FF,
+/// 1A00 to 1BFF).
 bool isPdoParameter(unsigned index);
 
 /// Whether an entry can be written at all.
@@ -24,8 +25,12 @@ bool isWritable(const tSnapshotEntry& entry);
 
 /// The downloads that bring the values of `wanted` into a node, in an order that devices accept (CiA 301). `wanted` are
 /// the entries that differ, in the order of the file, `file` all that it has, and `device` those of the node. For each
-/// PDO that is concerned: it is switched off (bit 31 of its COB-ID), its mapping is emptied, filled and counted again, its other
-/// parameters follow, and the COB-ID of the file comes last. The COB-ID of the emergency message (1014) is switched off
-/// before it changes. Everything else keeps its order.
+/// PDO that is concerned: it is switched off (bit 31 of its COB-ID), its mapping is emptied, filled and counted again if
+/// anything of it differs, its other parameters follow, and its COB-ID comes last. What the file does not have of these
+/// stays as the device has it. Other COB-IDs (1005, 1012, 1014, 1028, 1201 to 12FF) are switched off before they change.
+/// The period of SYNC (1006) is 0 while its counter (1019) changes. Everything else keeps its order.
 std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file,
                                   const tSnapshot& device);
+
+/// The places in `device` of entries without a value that `orderOfWrites` can make use of: they should be read before.
+std::vector<std::size_t> neededForOrder(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& device);

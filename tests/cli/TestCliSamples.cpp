@@ -1,0 +1,156 @@
+// For every sheet that loads: what a device has is saved, restored to a reset device and to one with another node-id, and
+// compares equal.
+// SPDX-License-Identifier: MIT
+#include "CliProcess.h"
+#include "SimulatorProcess.h"
+#include "dic/DataSheet.h"
+#include "dic/ValueTypes.h"
+#include "sheets/FirstEntries.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace
+{
+
+using tEntry = CCANopenObjectEntry;
+
+// Indexes that no restore writes by itself.
+bool isLeftOut(unsigned index)
+{
+    return index == 0x1003 || index == 0x1010 || index == 0x1011 || (index >= 0x1F50 && index <= 0x1F5F);
+}
+
+bool isChangeable(const tFirstEntry& each)
+{
+    const int access = each.entry.getAccess();
+    const bool writable = access == tEntry::accessRW || access == tEntry::accessRWR || access == tEntry::accessRWW;
+    return writable && !isLeftOut(each.object.getIndex());
+}
+
+// Another value of the entry, as it is typed; empty where none is made.
+QString otherValue(const tEntry& entry, QRandomGenerator& random)
+{
+    const tValueType type = valueType(entry.getDataType());
+    if (type.kind == kindText)
+        return "text " + QString::number(random.bounded(1000));
+    if (type.kind == kindBoolean)
+        return QString::number(random.bounded(2));
+    if (type.kind == kindReal)
+        return QString::number(random.bounded(1000)) + ".5";
+    if (type.kind != kindSigned && type.kind != kindUnsigned)
+        return type.width == 0 ? "01 A" + QString::number(random.bounded(10)) : QString();
+    const auto limit = [&entry, type](const QString& text, qint64 otherwise) {
+        const QByteArray bytes = limitFromText(text, type, 6);
+        return bytes.isEmpty() ? otherwise : static_cast<qint64>(numberOf(bytes, type));
+    };
+    const qint64 highest = qint64{ 1 } << (8 * std::min(type.width, 4) - (type.kind == kindSigned ? 1 : 0));
+    const qint64 low = limit(entry.getLowLimit(), type.kind == kindSigned ? -highest : 0);
+    const qint64 high = limit(entry.getHighLimit(), highest - 1);
+    if (high < low)
+        return QString();
+    return QString::number(low + static_cast<qint64>(random.generate64() % static_cast<quint64>(high - low + 1)));
+}
+
+QStringList sheets()
+{
+    QStringList names{ VELMORA_SHARE "/velmora-demo.eds" };
+    const QDir folder(VELMORA_SAMPLE_SHEETS);
+    for (const QString& name : folder.entryList({ "*.eds", "*.dcf" }, QDir::Files))
+        names += folder.filePath(name);
+    return names;
+}
+
+} // namespace
+
+class TestCliSamples : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void savedAndRestoredComparesEqual_data();
+    void savedAndRestoredComparesEqual();
+
+private:
+    QString run(const QStringList& words) const
+    {
+        CCliProcess process(words.mid(0, 1) + QStringList{ "-i", m_interface } + words.mid(1));
+        return process.shown();
+    }
+    int change(const QString& fileName) const;
+    void restoreAndCompare(const QString& node, const QString& file) const;
+
+    QString m_interface;
+};
+
+void TestCliSamples::savedAndRestoredComparesEqual_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QString>("saved");
+    for (const QString& name : sheets()) {
+        // A text there has a tab, which no sheet can hold as a value.
+        const bool hasTab = name.endsWith("/demoDevice.eds");
+        QTest::newRow(qPrintable(QFileInfo(name).fileName()))
+            << name << (hasTab ? "-- 1\n2121:2: a DCF cannot hold its value; CSV and JSON can\n" : "-- 0\n");
+    }
+}
+
+// Sets some entries of node 6. @return how many
+int TestCliSamples::change(const QString& fileName) const
+{
+    CDataSheet sheet;
+    sheet.load(fileName);
+    std::vector<tFirstEntry> candidates;
+    for (const tFirstEntry& each : firstEntries(sheet.dictionary()))
+        if (isChangeable(each))
+            candidates.push_back(each);
+    QRandomGenerator random(12);
+    constexpr std::size_t most = 60;
+    const std::size_t step = std::max<std::size_t>(1, candidates.size() / most);
+    int changed = 0;
+    for (std::size_t place = 0; place < candidates.size(); place += step) {
+        const auto& [object, entry] = candidates[place];
+        const QString value = otherValue(entry, random);
+        if (value.isEmpty())
+            continue;
+        const QString name = QString("%1:%2").arg(object.getIndex(), 0, 16).arg(int{ entry.getSubindex() }, 0, 16);
+        if (run({ "write", "-n", "6", "-s", fileName, "--", name, value }).contains("-- 0\n"))
+            ++changed; // otherwise it was no value for this entry
+    }
+    return changed;
+}
+
+void TestCliSamples::restoreAndCompare(const QString& node, const QString& file) const
+{
+    const QString before = run({ "compare", "-n", node, file });
+    QVERIFY2(before.contains("-- 1\n"), qPrintable(before));
+    const QString restored = run({ "restore", "-n", node, "--force", file });
+    QVERIFY2(restored.contains("-- 0\n"), qPrintable(restored));
+    QCOMPARE(run({ "compare", "--all", "-n", node, file }), "-- 0\n");
+}
+
+void TestCliSamples::savedAndRestoredComparesEqual()
+{
+    QFETCH(const QString, fileName);
+    CDataSheet sheet;
+    if (sheet.load(fileName) != CDataSheet::loaded)
+        QSKIP("it does not load");
+    const CSimulatorProcess simulator({ "--node", "6=" + fileName, "--node", "7=" + fileName },
+                                      CSimulatorProcess::silent);
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    m_interface = simulator.interface();
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("saved.dcf");
+
+    QVERIFY(change(fileName) > 0);
+    QTEST(run({ "dump", "-n", "6", "-s", fileName, "-o", file }), "saved");
+    QCOMPARE(run({ "compare", "--all", "-n", "6", file }), "-- 0\n");
+    QCOMPARE(run({ "nmt", "reset", "6" }), "-- 0\n");
+    restoreAndCompare("6", file);
+    restoreAndCompare("7", file);
+}
+
+QTEST_GUILESS_MAIN(TestCliSamples)
+#include "TestCliSamples.moc"
