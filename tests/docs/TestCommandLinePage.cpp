@@ -1,4 +1,5 @@
-// The manual page of velmora-cli: its examples do what stands there, and it has the commands and options of the program.
+// The manual page of velmora-cli and its page in the handbook: their examples do what stands there, and the manual page
+// has the commands and options of the program.
 // SPDX-License-Identifier: MIT
 #include "SimulatorProcess.h"
 
@@ -13,6 +14,7 @@ namespace
 {
 
 const char page[] = VELMORA_MANUAL_PAGES "/velmora-cli.1";
+const char handbookPage[] = VELMORA_HANDBOOK "/commands.md";
 const char prompt[] = "$ ";
 const char startsSimulator[] = "velmora-sim --gateway 60000 --node 5=velmora-demo.eds --node 6=velmora-demo.eds &";
 
@@ -23,24 +25,28 @@ struct tExample {
     bool showsOutput;
 };
 
-// The page as it is typed: joined lines, without the marks of the typesetter.
+QString contentsOf(const char* path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// The manual page as it is typed: joined lines, without the marks of the typesetter.
 QString plainPage()
 {
-    QFile file(page);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    QString text = QString::fromUtf8(file.readAll());
+    QString text = contentsOf(page);
     text.remove("\\\n").replace("\\-", "-").replace("\\(aq", "'").replace("\\(ha", "^").replace("\\~", " ");
     return text.remove(QRegularExpression(R"(\\f[BIPR])"));
 }
 
-// The lines between .EX and .EE.
-QList<QStringList> exampleBlocks()
+// The lines between the two marks, each time that they are there.
+QList<QStringList> blocksOf(const QString& text, const QString& begin, const QString& end)
 {
-    static const QRegularExpression block("^\\.EX\n(.*?)^\\.EE$", QRegularExpression::MultilineOption |
-                                                                      QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpression block('^' + begin + "\n(.*?)^" + end + '$',
+                                   QRegularExpression::MultilineOption |
+                                       QRegularExpression::DotMatchesEverythingOption);
     QList<QStringList> blocks;
-    for (const auto& match : block.globalMatch(plainPage()))
+    for (const auto& match : block.globalMatch(text))
         blocks << match.captured(1).split('\n', Qt::SkipEmptyParts);
     return blocks;
 }
@@ -171,6 +177,7 @@ class TestCommandLinePage : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void examplesPrintWhatThePageShows_data();
     void examplesPrintWhatThePageShows();
     void commandsOfThePageAreThoseOfTheProgram();
     void optionsOfThePageAreThoseOfTheHelp_data() { addCommands(); }
@@ -188,17 +195,25 @@ private:
     }
 };
 
+void TestCommandLinePage::examplesPrintWhatThePageShows_data()
+{
+    QTest::addColumn<QList<QStringList>>("blocks");
+    QTest::newRow("manual page") << blocksOf(plainPage(), "\\.EX", "\\.EE");
+    QTest::newRow("handbook") << blocksOf(contentsOf(handbookPage), "```", "```");
+}
+
 void TestCommandLinePage::examplesPrintWhatThePageShows()
 {
+    QFETCH(QList<QStringList>, blocks);
     const CSimulatorProcess simulator(secondNode, CSimulatorProcess::silent);
     QVERIFY2(simulator.port() != 0, simulator.log());
     QList<tExample> examples;
-    for (const QStringList& block : exampleBlocks())
+    for (const QStringList& block : blocks)
         examples += examplesOf(block);
     QStringList commands;
     for (const tExample& example : examples)
         commands << example.command;
-    QVERIFY(commands.contains(startsSimulator) && commands.size() > 20);
+    QVERIFY(commands.contains(startsSimulator) && commands.size() > 15);
     CShell shell(simulator.interface());
     const QStringList outputs = shell.run(commands);
     QCOMPARE(outputs.size(), commands.size());
