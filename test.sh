@@ -54,10 +54,10 @@ format() {
 # The sources that this branch changes; all of them when a header has changed or there is no origin/main.
 tidy_files() {
     if git rev-parse -q --verify origin/main > /dev/null &&
-        git diff --quiet origin/main -- 'src/*.h' 'sim/*.h' .clang-tidy; then
-        git diff --name-only --diff-filter=d origin/main -- 'src/*.cpp' 'sim/*.cpp'
+        git diff --quiet origin/main -- 'src/*.h' 'sim/*.h' 'cli/*.h' .clang-tidy; then
+        git diff --name-only --diff-filter=d origin/main -- 'src/*.cpp' 'sim/*.cpp' 'cli/*.cpp'
     else
-        git ls-files 'src/*.cpp' 'sim/*.cpp'
+        git ls-files 'src/*.cpp' 'sim/*.cpp' 'cli/*.cpp'
     fi
 }
 

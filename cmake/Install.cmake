@@ -1,4 +1,5 @@
-# What `cmake --install` puts where: programs, data sheets, what a desktop needs, manual pages, documents and licence.
+# What `cmake --install` puts where: programs, data sheets, what desktop and shell need, manual pages, documents
+# and licence.
 # SPDX-License-Identifier: MIT
 set(velmora_icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
 install(TARGETS velmora velmora-sim velmora-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -9,6 +10,9 @@ install(FILES packaging/velmora-mime.xml RENAME velmora.xml DESTINATION ${CMAKE_
 install(DIRECTORY packaging/icons/hicolor/ DESTINATION ${velmora_icons})
 install(FILES src/images/program.svg RENAME velmora.svg DESTINATION ${velmora_icons}/scalable/apps)
 install(FILES src/images/document.svg RENAME velmora-data-sheet.svg DESTINATION ${velmora_icons}/scalable/mimetypes)
-install(FILES packaging/velmora.1 packaging/velmora-sim.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES packaging/velmora-cli.bash RENAME velmora-cli
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES packaging/velmora.1 packaging/velmora-cli.1 packaging/velmora-sim.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE README.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -17,10 +17,11 @@
 namespace
 {
 
-const char footer[] = "After the browser's verdict, each finding is FILE:LINE:COLUMN: SEVERITY: TEXT [RULE].\n"
-                      "Ends with 0 when there is none, 1 after an error (with --werror also after a warning), 2 when a "
-                      "file\ncannot be read.\n\n"
-                      "Example:\n  velmora-cli check --disable unknown-key --werror device.eds";
+const char footer[] =
+    "After the browser's verdict, each finding is FILE:LINE:COLUMN: SEVERITY: TEXT [RULE].\n"
+    "Ends with 0 without an error, 1 after an error (with --werror also after a warning), 2 when a file\n"
+    "cannot be read.\n\n"
+    "Example:\n  velmora-cli check --disable unknown-key --werror device.eds";
 
 struct tCheckOptions {
     std::vector<std::string> files;

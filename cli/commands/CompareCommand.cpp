@@ -30,7 +30,9 @@ void addCompare(CLI::App& app, tCommand& command)
     addTexts(compareApp, "files", "one file and a device (-i, -n), or two files: .eds, .dcf, .csv, .json",
              options->files);
     compareApp.footer(
-        "Only entries are compared whose value both know. The exit status is 1 when values differ.\n"
+        "An entry whose value one of them does not know is not compared; one that only one of them has is a "
+        "difference.\n"
+        "The exit status is 1 when there are differences that count.\n"
         "Examples:\n  velmora-cli compare -i can0 -n 5 node5.dcf\n  velmora-cli compare node5.dcf node6.dcf");
     compareApp.callback([=, &command] { command = [=](CConsole& console) { return compare(*options, console); }; });
 }
