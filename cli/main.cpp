@@ -7,7 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <new>
+#include <cstdio>
+#include <sstream>
 
 namespace
 {
@@ -46,7 +47,7 @@ int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)
     }
 }
 
-int run(int argc, char* argv[], CConsole& console)
+int runCommand(int argc, char* argv[], CConsole& console)
 {
     tCommand command;
     int status = readArguments(argc, argv, command, console);
@@ -56,20 +57,27 @@ int run(int argc, char* argv[], CConsole& console)
     return status;
 }
 
+int run(int argc, char* argv[])
+{
+    CConsole console;
+    try {
+        return runCommand(argc, argv, console);
+    } catch (const tEnd& end) {
+        if (!end.message.isEmpty())
+            console.message(end.message);
+        return end.status;
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     endAtInterrupts();
-    CConsole console;
     try {
-        return run(argc, argv, console);
-    } catch (const tEnd& end) {
-        if (!end.message.isEmpty())
-            console.message(end.message);
-        return end.status;
-    } catch (const std::bad_alloc&) {
-        console.message(QStringLiteral("not enough memory"));
+        return run(argc, argv);
+    } catch (...) { // nothing but memory can be missing here
+        std::fputs("velmora-cli: not enough memory\n", stderr);
         return exitUsage;
     }
 }

@@ -22,7 +22,7 @@ set(below_simulator base dic device faults gateway can)
 set(below_console base)
 set(below_sheets base dic console)
 set(below_network base access dic values console sheets)
-set(below_commands console sheets network)
+set(below_commands base dic console sheets network)
 set(below_cli base console commands)
 
 # The room of a file. What lies on top of a folder and belongs to a room is named here.
