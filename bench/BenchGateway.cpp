@@ -1,6 +1,6 @@
 // Transfers through a gateway, compared with bare exchanges of the same lines. The server of both answers at once.
 // SPDX-License-Identifier: MIT
-#include "Loopback.h"
+#include "LineServer.h"
 #include "Pair.h"
 #include "base/CANopenErrors.h"
 #include "tcp/tcp_open.h"
@@ -9,7 +9,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <thread>
 
 #include <netinet/in.h>
 #include <sys/select.h>
@@ -41,66 +40,6 @@ std::string domainText()
 {
     return domain().left(domainSize).toBase64().toStdString();
 }
-
-// Serves one client after the other: answers each line with `answer`, after the number that the line has in brackets.
-class CLineServer
-{
-public:
-    explicit CLineServer(std::string answer)
-        : m_answer(" " + std::move(answer) + "\r\n"), m_listener(listenOnLoopback(m_port))
-    {
-        m_thread = std::thread([this] { run(); });
-    }
-    ~CLineServer()
-    {
-        shutdown(m_listener.get(), SHUT_RDWR); // ends accept
-        m_thread.join();
-    }
-    CLineServer(const CLineServer&) = delete;
-    CLineServer& operator=(const CLineServer&) = delete;
-
-    uint16_t port() const { return m_port; }
-    /// The line answered last, while no client is connected or waits for an answer.
-    const std::string& lastLine() const { return m_line; }
-
-private:
-    void run()
-    {
-        while (true) {
-            const CDescriptor client(accept(m_listener.get(), nullptr, nullptr));
-            if (client.get() < 0)
-                return;
-            while (readLine(client.get()) && answerLine(client.get())) {
-            }
-        }
-    }
-    // A client sends the next line only when it has the answer to the one before.
-    bool readLine(int client)
-    {
-        m_received.clear();
-        char bytes[2048];
-        while (m_received.empty() || m_received.back() != '\n') {
-            const ssize_t count = recv(client, bytes, sizeof bytes, 0);
-            if (count <= 0)
-                return false;
-            m_received.append(bytes, static_cast<size_t>(count));
-        }
-        m_line = m_received;
-        return true;
-    }
-    bool answerLine(int client) const
-    {
-        const std::string text = m_line.substr(0, m_line.find(']') + 1) + m_answer;
-        return sendAll(client, text.data(), text.size());
-    }
-
-    const std::string m_answer;
-    uint16_t m_port = 0;
-    const CDescriptor m_listener;
-    std::string m_received;
-    std::string m_line;
-    std::thread m_thread;
-};
 
 // Sends the line and receives one like the gateway client does: byte by byte, with the time looked at for each.
 bool exchangeBare(int client, const std::string& line)

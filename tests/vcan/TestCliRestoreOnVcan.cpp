@@ -68,13 +68,15 @@ private:
 void TestCliRestoreOnVcan::initTestCase()
 {
     QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
-    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006" });
+    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006" },
+                        CSimulatorProcess::silent);
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     m_bus.emplace();
 }
 
 void TestCliRestoreOnVcan::init()
 {
+    m_bus->forget();
     QCOMPARE(nmt("reset", "all"), "-- 0\n");
     QVERIFY(m_bus->waitFor("705#00"));
 }
@@ -138,8 +140,10 @@ void TestCliRestoreOnVcan::savedAndRestoredComparesEqual()
 void TestCliRestoreOnVcan::operationalNodeIsOperationalAgain()
 {
     prepare("100");
+    m_bus->forget();
     QCOMPARE(nmt("start"), "-- 0\n");
     QVERIFY(m_bus->waitFor("705#05"));
+    m_bus->forget();
     QCOMPARE(run({ "restore", path("saved.csv") }), restored("node 5 is operational again\n"));
     QVERIFY(m_bus->waitFor("000#0105"));
     QVERIFY(m_bus->waitFor("705#05"));
@@ -148,6 +152,7 @@ void TestCliRestoreOnVcan::operationalNodeIsOperationalAgain()
 void TestCliRestoreOnVcan::preOperationalNodeStaysSo()
 {
     prepare("100");
+    m_bus->forget();
     QVERIFY(m_bus->waitFor("705#7F"));
     m_bus->forget();
     QCOMPARE(run({ "restore", path("saved.csv") }), restored("node 5 stays in pre-operational, as it was\n"));
@@ -159,6 +164,7 @@ void TestCliRestoreOnVcan::preOperationalNodeStaysSo()
 void TestCliRestoreOnVcan::nodeWithoutHeartbeatIsStarted()
 {
     prepare("0");
+    m_bus->forget();
     const QString end = "node 5 was started again; its state before is not known\n";
     QCOMPARE(run({ "restore", path("saved.csv") }), restored(end).replace("0x0064", "0x0000"));
     QVERIFY(m_bus->waitFor("000#0105"));
