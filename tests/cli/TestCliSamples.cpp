@@ -42,7 +42,7 @@ QString otherValue(const tEntry& entry, QRandomGenerator& random)
         return QString::number(random.bounded(1000)) + ".5";
     if (type.kind != kindSigned && type.kind != kindUnsigned)
         return type.width == 0 ? "01 A" + QString::number(random.bounded(10)) : QString();
-    const auto limit = [&entry, type](const QString& text, qint64 otherwise) {
+    const auto limit = [type](const QString& text, qint64 otherwise) {
         const QByteArray bytes = limitFromText(text, type, 6);
         return bytes.isEmpty() ? otherwise : static_cast<qint64>(numberOf(bytes, type));
     };
