@@ -19,11 +19,7 @@ struct tNmtOptions {
 // The node-id of a text, 0 for "all".
 int nodeOf(const std::string& text)
 {
-    bool isNumber = false;
-    const int node = text == "all" ? 0 : QString::fromStdString(text).toInt(&isNumber);
-    if (text != "all" && (!isNumber || node < 1 || node > highestNodeId))
-        throw CLI::ValidationError("node", "expected a node-id from 1 to 127 or all, not " + text);
-    return node;
+    return text == "all" ? 0 : decimalOf(text, "node", 1, highestNodeId);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <map>
 
 CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, const std::string& description)
@@ -31,13 +32,30 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
         ->type_name("");
 }
 
-static CLI::Option* addMilliseconds(CLI::App& command, const char* name, std::optional<int>& time, int most,
-                                    const char* description)
+int decimalOf(const std::string& text, const std::string& option, int least, int most)
 {
-    return command
-        .add_option_function<int>(
-            name, [&time](int value) { time = value; }, description)
-        ->check(CLI::Range(1, most))
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, 10);
+    if (stop != end || error != std::errc() || number < least || number > most)
+        throw CLI::ValidationError(option, "expected a number from " + std::to_string(least) + " to " +
+                                               std::to_string(most) + ", not " + text);
+    return number;
+}
+
+CLI::Option* addNumber(CLI::App& command, const std::string& name, int least, int most,
+                       const std::function<void(int number)>& set, const std::string& description)
+{
+    const std::string option = name.substr(name.rfind(',') + 1);
+    return command.add_option_function<std::string>(
+        name, [=](const std::string& text) { set(decimalOf(text, option, least, most)); }, description);
+}
+
+static void addMilliseconds(CLI::App& command, const char* name, std::optional<int>& time, int most,
+                            const char* description)
+{
+    addNumber(
+        command, name, 1, most, [&time](int value) { time = value; }, description)
         ->type_name("MS");
 }
 
@@ -57,8 +75,9 @@ CLI::Option* addNetwork(CLI::App& command, tNetworkOptions& options)
 
 CLI::Option* addNode(CLI::App& command, int& node)
 {
-    return command.add_option("-n,--node", node, "node-id of the device, 1 to 127")
-        ->check(CLI::Range(1, highestNodeId))
+    return addNumber(
+               command, "-n,--node", 1, highestNodeId, [&node](int number) { node = number; },
+               "node-id of the device, 1 to 127")
         ->type_name("ID");
 }
 

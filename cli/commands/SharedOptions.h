@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -23,6 +24,14 @@ CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, 
 
 /// The same for a positional argument that is given once or more often; required.
 CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts);
+
+/// The decimal number of a text, from `least` to `most`. Nothing else is taken: "010" is 10, and "0x10" is refused with
+/// an error of the command line that names the option.
+int decimalOf(const std::string& text, const std::string& option, int least, int most);
+
+/// Adds an option for such a number.
+CLI::Option* addNumber(CLI::App& command, const std::string& name, int least, int most,
+                       const std::function<void(int number)>& set, const std::string& description);
 
 /// Adds -i and the time-outs. @return -i, which is required
 CLI::Option* addNetwork(CLI::App& command, tNetworkOptions& options);

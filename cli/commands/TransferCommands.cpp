@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <limits>
 #include <memory>
 
 namespace
@@ -55,8 +56,9 @@ void addRead(CLI::App& app, tCommand& command)
     addTexts(read, "parameters", "PARAMETER: 1018:1, 0x1018sub1 (hexadecimal) or the name in the sheet",
              options->arguments);
     auto* repeat =
-        read.add_option("--repeat", options->repeat, "read N times, as CSV with time stamps; 0: until Ctrl-C")
-            ->check(CLI::NonNegativeNumber)
+        addNumber(
+            read, "--repeat", 0, std::numeric_limits<int>::max(), [options](int number) { options->repeat = number; },
+            "read N times, as CSV with time stamps; 0: until Ctrl-C")
             ->excludes(format)
             ->type_name("N");
     auto* every = read.add_option_function<std::string>(

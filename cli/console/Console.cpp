@@ -22,27 +22,31 @@ CConsole::~CConsole()
 void CConsole::write(const QByteArray& text)
 {
     progress(QString());
+    if (m_isClosed)
+        return;
     const auto size = static_cast<std::size_t>(text.size());
     check(std::fwrite(text.constData(), 1, size, m_output) == size);
 }
 
 void CConsole::flush()
 {
-    check(std::fflush(m_output) == 0);
+    if (!m_isClosed)
+        check(std::fflush(m_output) == 0);
 }
 
 void CConsole::check(bool written)
 {
     if (!written)
-        end(errno);
+        fail(errno);
     if (m_lost != 0)
-        end(m_lost);
+        fail(m_lost);
 }
 
-void CConsole::end(int error)
+void CConsole::fail(int error)
 {
-    if (error == EPIPE)
-        throw tEnd{ exitDone, {} };
+    m_isClosed |= error == EPIPE;
+    if (m_isClosed)
+        return;
     throw tEnd{ exitUsage,
                 QStringLiteral("cannot write the output: %1").arg(QString::fromLocal8Bit(std::strerror(error))) };
 }

@@ -212,7 +212,7 @@ int readSeries(const tTransferOptions& options, const CCANopen* sheet, CConsole&
     int rows = 0;
     const auto readAll = [&] {
         auto next = std::chrono::steady_clock::now();
-        for (; (rows < options.repeat || options.repeat == 0) && !network.isLost(); ++rows) {
+        for (; (rows < options.repeat || options.repeat == 0) && !network.isLost() && !console.isClosed(); ++rows) {
             sleepUntil(next);
             // What a slow reading has missed is not made up for.
             next = std::max(next + std::chrono::milliseconds(std::max(options.every, 0)),

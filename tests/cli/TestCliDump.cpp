@@ -332,9 +332,9 @@ void TestCliDump::wrongUsageEndsWith2_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("no node") << QStringList{ "dump", "-i", "x", "-s", "y" } << "--node is required";
     QTest::newRow("node 0") << QStringList{ "dump", "-i", "x", "-s", "y", "-n", "0" }
-                            << "--node: Value 0 not in range 1 to 127";
+                            << "--node: expected a number from 1 to 127, not 0";
     QTest::newRow("node 128") << QStringList{ "dump", "-i", "x", "-s", "y", "-n", "128" }
-                              << "--node: Value 128 not in range 1 to 127";
+                              << "--node: expected a number from 1 to 127, not 128";
     QTest::newRow("no sheet") << QStringList{ "dump", "-i", "x", "-n", "5" } << "--sheet is required";
     QTest::newRow("no interface") << QStringList{ "dump", "-s", "x", "-n", "5" } << "--interface is required";
     QTest::newRow("format") << QStringList{ "dump", "-i", "x", "-s", "y", "-n", "5", "--format", "xml" }

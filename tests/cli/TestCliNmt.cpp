@@ -76,10 +76,10 @@ void TestCliNmt::wrongUsageSendsNothing_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
-    QTest::newRow("node 0") << QStringList{ "start", "0" } << "node: expected a node-id from 1 to 127 or all, not 0";
-    QTest::newRow("node 128") << QStringList{ "start", "128" }
-                              << "node: expected a node-id from 1 to 127 or all, not 128";
-    QTest::newRow("no number") << QStringList{ "start", "x" } << "node: expected a node-id from 1 to 127 or all, not x";
+    QTest::newRow("node 0") << QStringList{ "start", "0" } << "node: expected a number from 1 to 127, not 0";
+    QTest::newRow("node 128") << QStringList{ "start", "128" } << "node: expected a number from 1 to 127, not 128";
+    QTest::newRow("hexadecimal") << QStringList{ "start", "0x5" } << "node: expected a number from 1 to 127, not 0x5";
+    QTest::newRow("no number") << QStringList{ "start", "x" } << "node: expected a number from 1 to 127, not x";
     QTest::newRow("no node") << QStringList{ "start" } << "node is required";
     QTest::newRow("no such word") << QStringList{ "run", "5" }
                                   << "command: run not in {start,stop,preop,reset,reset-comm}";

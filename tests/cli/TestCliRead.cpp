@@ -42,6 +42,8 @@ private Q_SLOTS:
     void sdoTimeoutIsToldToTheGateway();
     void controlCharactersDoNotReachTheTerminal();
     void nobodyReadingIsNoError();
+    void nobodyReadingLeavesTheStatus();
+    void zerosBeforeANodeIdChangeNothing();
     void fullDiskEndsWithStatus2();
 };
 
@@ -171,8 +173,13 @@ void TestCliRead::wrongUsageEndsWithStatus2_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
-    QTest::newRow("node-id 0") << QStringList{ "-n", "0", "1000" } << "--node: Value 0 not in range 1 to 127";
-    QTest::newRow("node-id 128") << QStringList{ "-n", "128", "1000" } << "--node: Value 128 not in range 1 to 127";
+    QTest::newRow("node-id 0") << QStringList{ "-n", "0", "1000" } << "--node: expected a number from 1 to 127, not 0";
+    QTest::newRow("node-id 128") << QStringList{ "-n", "128", "1000" }
+                                 << "--node: expected a number from 1 to 127, not 128";
+    QTest::newRow("hexadecimal node-id") << QStringList{ "-n", "0x5", "1000" }
+                                         << "--node: expected a number from 1 to 127, not 0x5";
+    QTest::newRow("negative number of readings") << QStringList{ "-n", "5", "--repeat", "-1", "1000" }
+                                                 << "--repeat: expected a number from 0 to 2147483647, not -1";
     QTest::newRow("no node-id") << QStringList{ "1000" } << "--node is required";
     QTest::newRow("no parameter") << QStringList{ "-n", "5" } << "parameters is required";
     QTest::newRow("unknown type") << QStringList{ "-n", "5", "--type", "u7", "1000" } << "--type: no data type: u7";
@@ -245,6 +252,25 @@ void TestCliRead::nobodyReadingIsNoError()
     run.closeOutput();
     QCOMPARE(run.status(), 0);
     QCOMPARE(run.error(), "");
+}
+
+// 4 for the device that aborts, as with a reader.
+void TestCliRead::nobodyReadingLeavesTheStatus()
+{
+    const CSimulatorProcess simulator;
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    const tCliRun run =
+        runCliInShell("{ \"$0\" read -i \"$1\" -n 5 1017 FFFF 1000; echo $? >&2; } | true", { simulator.interface() });
+    QVERIFY(run.error.endsWith("\n4\n"));
+}
+
+void TestCliRead::zerosBeforeANodeIdChangeNothing()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] 10 read 0x1000 0x0 d\r\n", value("\1\2\3\4"));
+    QCOMPARE(shownBy({ "read", "-i", interfaceOf(gateway), "-n", "010", "1000" }),
+             shown(0, "0x01 0x02 0x03 0x04\n", ""));
+    QCOMPARE(difference(gateway), QByteArray());
 }
 
 void TestCliRead::fullDiskEndsWithStatus2()

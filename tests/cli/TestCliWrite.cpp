@@ -29,6 +29,7 @@ private Q_SLOTS:
     void hangUpTellsThatItMayBeWritten();
     void readOnlyEntryIsLeftToTheDevice();
     void jsonHasWhatWasWritten();
+    void nobodyReadingStopsNoWrite();
 };
 
 void TestCliWrite::valuesAreSentAndShown_data()
@@ -197,6 +198,21 @@ void TestCliWrite::jsonHasWhatWasWritten()
     CCliRun run({ "write", "-i", interfaceOf(gateway), "-n", "5", "--type", "u8", "--format", "json", "2000", "1" });
     QCOMPARE(run.status(), 4);
     QCOMPARE(run.output(), "[\n]\n");
+}
+
+// More output than a pipe and the program's own buffer hold back: all values arrive all the same.
+void TestCliWrite::nobodyReadingStopsNoWrite()
+{
+    const CSimulatorProcess simulator;
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    QStringList arguments{ simulator.interface() };
+    for (int n = 0; n < 200; ++n)
+        arguments += { "2008", QString("a text of some length %1").arg(n) };
+    const tCliRun run =
+        runCliInShell("{ i=$1; shift; \"$0\" write -i $i -n 5 --type vs \"$@\"; echo $? >&2; } | true", arguments);
+    QCOMPARE(run.error, QByteArray("0\n"));
+    QCOMPARE(shownBy({ "read", "-i", simulator.interface(), "-n", "5", "--type", "vs", "2008" }),
+             shown(0, "a text of some length 199\n", ""));
 }
 
 QTEST_GUILESS_MAIN(TestCliWrite)
