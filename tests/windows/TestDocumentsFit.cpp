@@ -1,9 +1,14 @@
 // Documents in a small workspace: where they are placed, what of them is in view, and the focus.
 // SPDX-License-Identifier: MIT
 #include "FrameDriver.h"
+#include "OnlineDocument.h"
 #include "Screens.h"
 #include "TempSettings.h"
 
+#include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSplitter>
 
 #include <optional>
 
@@ -11,6 +16,8 @@ namespace
 {
 
 constexpr QSize screenSize(1024, 600);
+constexpr char sheetText[] = "[MandatoryObjects]\n1=0x1005\n[1005]\nParameterName=COB-ID SYNC message\n"
+                             "ObjectType=0x7\nDataType=0x0007\nAccessType=rw\n";
 
 } // namespace
 
@@ -27,6 +34,10 @@ private Q_SLOTS:
     void titleBarsOfCascadedDocumentsAreInView_data();
     void titleBarsOfCascadedDocumentsAreInView();
     void aLaterDocumentOpensInsideTheWorkspace();
+    void aFormStartsAtItsBeginning_data();
+    void aFormStartsAtItsBeginning();
+    void aValueThatWasReadIsInView();
+    void theTabKeyScrollsOnlyAsFarAsNeeded();
 
 private:
     static void useFont(int points)
@@ -34,6 +45,19 @@ private:
         QFont font = QApplication::font();
         font.setPointSize(points);
         QApplication::setFont(font);
+    }
+    static QScrollArea* form(const CDocumentDriver& document)
+    {
+        return document.find<QScrollArea>("object attributes form widget");
+    }
+    static QSplitter* splitter(const CDocumentDriver& document)
+    {
+        return document.find<QSplitter>("client splitter window");
+    }
+    static void activate(const CDocumentDriver& document)
+    {
+        document.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
     }
 
     std::optional<CTempSettings> m_store;
@@ -105,6 +129,72 @@ void TestDocumentsFit::aLaterDocumentOpensInsideTheWorkspace()
         const QRect place = driver.subWindow(position)->geometry();
         QCOMPARE(place.intersected(area), place);
     }
+}
+
+void TestDocumentsFit::aFormStartsAtItsBeginning_data()
+{
+    QTest::addColumn<bool>("recent");
+    QTest::newRow("Open") << false;
+    QTest::newRow("Recently used") << true;
+}
+
+void TestDocumentsFit::aFormStartsAtItsBeginning()
+{
+    QFETCH(const bool, recent);
+    useFont(16);
+    const CSheetFile sheet(sheetText);
+    if (recent)
+        m_store->setValue("Recent File List/File1", sheet.name());
+    CFrameDriver driver;
+    driver.frame.resize(1016, 560);
+    if (recent)
+        QTest::keyClick(driver.openRecentMenu(), Qt::Key_Return);
+    else
+        driver.open(sheet.name());
+    AWAIT_COMPARE(driver.documentCount(), 1);
+    const CDocumentDriver document(driver.document(0));
+    AWAIT_VERIFY(form(document)->horizontalScrollBar()->maximum() > 0);
+    AWAIT_COMPARE(QApplication::focusWidget(), document.tree());
+    QCOMPARE(form(document)->horizontalScrollBar()->value(), 0);
+    QCOMPARE(form(document)->verticalScrollBar()->value(), 0);
+}
+
+void TestDocumentsFit::aValueThatWasReadIsInView()
+{
+    COnlineDocument document(sheetText);
+    document.window->resize(700, 250);
+    AWAIT_VERIFY(form(document)->verticalScrollBar()->maximum() > 0);
+    document.gateway.expect("[#] 5 read 0x1005 0x0 u32\r\n", "[#] 0x80\r\n");
+    document.press("1005: COB-ID SYNC message");
+    const auto* value = document.find<QLineEdit>("actual value line edit");
+    const auto* label = document.find<QLabel>("actual value text label");
+    AWAIT_COMPARE(value->visibleRegion().boundingRect().height(), value->height());
+    QCOMPARE(value->visibleRegion().boundingRect().left(), 0);
+    QCOMPARE(label->visibleRegion().boundingRect(), label->rect());
+    QVERIFY(!value->hasFocus());
+}
+
+void TestDocumentsFit::theTabKeyScrollsOnlyAsFarAsNeeded()
+{
+    const CNewDocument document;
+    document.window->resize(900, 600);
+    activate(document);
+    const int narrow = form(document)->widget()->minimumSizeHint().width() - 60;
+    splitter(document)->setSizes({ 900 - narrow, narrow });
+    AWAIT_VERIFY(form(document)->horizontalScrollBar()->maximum() > 0);
+    const auto* bar = form(document)->horizontalScrollBar();
+    auto* code = document.find<QLineEdit>("object code line edit");
+    auto* type = document.find<QLineEdit>("object data type line edit");
+    code->setFocus(Qt::TabFocusReason);
+    QCOMPARE(bar->value(), 0);
+    QTest::keyClick(code, Qt::Key_Tab);
+    QVERIFY(type->hasFocus());
+    const int right = type->mapTo(form(document)->widget(), QPoint(type->width(), 0)).x();
+    QCOMPARE(bar->value(), right - form(document)->viewport()->width());
+    QTest::keyClick(type, Qt::Key_Backtab);
+    QVERIFY(code->hasFocus());
+    const int left = document.find<QLabel>("object code text label")->mapTo(form(document)->widget(), QPoint()).x();
+    QCOMPARE(bar->value(), std::min(left, right - form(document)->viewport()->width()));
 }
 
 int main(int argc, char* argv[])
