@@ -133,8 +133,8 @@ QGroupBox* createGroupBox(QWidget* parent, const char* name, const char* title)
     auto* box = new QGroupBox(QLatin1String(title), parent);
     box->setObjectName(QLatin1String(name));
     auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(8, 5, 8, 6);
-    grid->setHorizontalSpacing(6);
+    grid->setContentsMargins(6, 5, 6, 6);
+    grid->setHorizontalSpacing(4);
     grid->setVerticalSpacing(4);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);

@@ -38,6 +38,8 @@ private Q_SLOTS:
     void aFormStartsAtItsBeginning();
     void aValueThatWasReadIsInView();
     void theTabKeyScrollsOnlyAsFarAsNeeded();
+    void aDocumentInItsFirstSizeShowsItsWholeForm();
+    void theTreeShowsNamesWhereTheFormScrollsAnyway();
 
 private:
     static void useFont(int points)
@@ -195,6 +197,29 @@ void TestDocumentsFit::theTabKeyScrollsOnlyAsFarAsNeeded()
     QVERIFY(code->hasFocus());
     const int left = document.find<QLabel>("object code text label")->mapTo(form(document)->widget(), QPoint()).x();
     QCOMPARE(bar->value(), std::min(left, right - form(document)->viewport()->width()));
+}
+
+void TestDocumentsFit::aDocumentInItsFirstSizeShowsItsWholeForm()
+{
+    useFont(9);
+    CNewDocument document;
+    QVERIFY(document.open(QByteArray(sheetText).replace("COB-ID", QByteArray(100, 'n'))));
+    QCOMPARE(document.window->size(), QSize(720, 400));
+    AWAIT_COMPARE(form(document)->horizontalScrollBar()->maximum(), 0);
+    QVERIFY(splitter(document)->sizes().first() >= splitter(document)->width() / 4);
+}
+
+void TestDocumentsFit::theTreeShowsNamesWhereTheFormScrollsAnyway()
+{
+    useFont(16);
+    CNewDocument document;
+    document.window->resize(500, 450);
+    QVERIFY(document.open(sheetText));
+    const int half = splitter(document)->width() / 2;
+    const int text = document.tree()->fontMetrics().horizontalAdvance("1005: COB-ID SYNC message");
+    QVERIFY(text > half);
+    AWAIT_COMPARE(splitter(document)->sizes().first(), half);
+    QVERIFY(form(document)->horizontalScrollBar()->maximum() > 0);
 }
 
 int main(int argc, char* argv[])
