@@ -40,6 +40,9 @@ private Q_SLOTS:
     void theTabKeyScrollsOnlyAsFarAsNeeded();
     void aDocumentInItsFirstSizeShowsItsWholeForm();
     void theTreeShowsNamesWhereTheFormScrollsAnyway();
+    void aNameThatIsCutEndsInAnEllipsis();
+    void theSelectedRowTellsOfTheFocus_data();
+    void theSelectedRowTellsOfTheFocus();
 
 private:
     static void useFont(int points)
@@ -220,6 +223,61 @@ void TestDocumentsFit::theTreeShowsNamesWhereTheFormScrollsAnyway()
     QVERIFY(text > half);
     AWAIT_COMPARE(splitter(document)->sizes().first(), half);
     QVERIFY(form(document)->horizontalScrollBar()->maximum() > 0);
+}
+
+void TestDocumentsFit::aNameThatIsCutEndsInAnEllipsis()
+{
+    CNewDocument document;
+    document.window->resize(900, 450);
+    QVERIFY(document.open(sheetText));
+    QTreeWidget* tree = document.tree();
+    splitter(document)->setSizes({ 150, 750 });
+    AWAIT_VERIFY(tree->horizontalScrollBar()->maximum() > 30);
+    QTreeWidgetItem* item = document.item("1005: COB-ID SYNC message");
+    const QRect place = tree->visualItemRect(item).intersected(tree->viewport()->rect());
+    const auto pictureOf = [&](const QString& text) {
+        item->setText(0, text);
+        return tree->viewport()->grab(place).toImage();
+    };
+    const QString name(60, 'W');
+    const QImage cut = pictureOf(name);
+    bool found = false;
+    for (int count = 1; tree->fontMetrics().horizontalAdvance(QString(count + 1, 'W')) < place.width(); ++count)
+        found = found || pictureOf(QString(count, 'W') + QChar(0x2026)) == cut;
+    QVERIFY(found);
+    (void)pictureOf(name + "end");
+    AWAIT_COMPARE(tree->horizontalScrollBar()->maximum(), tree->columnWidth(0) - tree->viewport()->width());
+    tree->horizontalScrollBar()->setValue(tree->horizontalScrollBar()->maximum());
+    QVERIFY(pictureOf(name + "end") != pictureOf(name + "dne")); // all of the end
+}
+
+void TestDocumentsFit::theSelectedRowTellsOfTheFocus_data()
+{
+    QTest::addColumn<bool>("same");
+    QTest::newRow("with a colour for inactive windows") << false;
+    QTest::newRow("with the same colours") << true;
+}
+
+void TestDocumentsFit::theSelectedRowTellsOfTheFocus()
+{
+    QFETCH(const bool, same);
+    CNewDocument document;
+    QVERIFY(document.open(sheetText));
+    activate(document);
+    QTreeWidget* tree = document.tree();
+    QPalette colours = tree->palette();
+    colours.setColor(QPalette::Active, QPalette::Highlight, Qt::blue);
+    colours.setColor(QPalette::Inactive, QPalette::Highlight, same ? Qt::blue : Qt::green);
+    colours.setColor(QPalette::Base, Qt::white);
+    tree->setPalette(colours);
+    tree->setCurrentItem(document.item("1005: COB-ID SYNC message")); // without the pointer, which changes colours
+    QVERIFY(tree->hasFocus());
+    const QPoint place = tree->visualItemRect(document.item("1005: COB-ID SYNC message")).bottomLeft(); // no letter
+    const auto colour = [&] { return tree->viewport()->grab().toImage().pixelColor(place); };
+    QVERIFY(colour().hue() == QColor(Qt::blue).hue() && colour().saturation() > 200);
+    document.newValue()->setFocus();
+    QCOMPARE(colour().hue(), QColor(same ? Qt::blue : Qt::green).hue());
+    QVERIFY(!same || colour().saturation() < 150);
 }
 
 int main(int argc, char* argv[])
