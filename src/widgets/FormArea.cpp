@@ -31,12 +31,6 @@ void CFormArea::showBeginning(const QWidget* field)
     scrollTo(withLabel(place, field));
 }
 
-// Not with the margins that the base class would like.
-bool CFormArea::focusNextPrevChild(bool next)
-{
-    return QAbstractScrollArea::focusNextPrevChild(next);
-}
-
 // Not at a click: the button would move away from the pointer before it is released.
 void CFormArea::showFocus(const QWidget* focus)
 {

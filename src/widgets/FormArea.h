@@ -18,9 +18,6 @@ public:
     /// Scrolls to the beginning of a field, with its label; the focus stays where it is.
     void showBeginning(const QWidget* field);
 
-protected:
-    bool focusNextPrevChild(bool next) override;
-
 private:
     void showFocus(const QWidget* focus);
     QRect placeOf(const QWidget* part) const;

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void aFormStartsAtItsBeginning();
     void aValueThatWasReadIsInView();
     void theTabKeyScrollsOnlyAsFarAsNeeded();
+    void aFieldThatIsInViewDoesNotScrollWhenThereIsNoRoomForItsLabel();
     void aDocumentInItsFirstSizeShowsItsWholeForm();
     void theTreeShowsNamesWhereTheFormScrollsAnyway();
     void aNameThatIsCutEndsInAnEllipsis();
@@ -200,6 +201,25 @@ void TestDocumentsFit::theTabKeyScrollsOnlyAsFarAsNeeded()
     QVERIFY(code->hasFocus());
     const int left = document.find<QLabel>("object code text label")->mapTo(form(document)->widget(), QPoint()).x();
     QCOMPARE(bar->value(), std::min(left, right - form(document)->viewport()->width()));
+}
+
+void TestDocumentsFit::aFieldThatIsInViewDoesNotScrollWhenThereIsNoRoomForItsLabel()
+{
+    const CNewDocument document;
+    document.window->resize(900, 600);
+    activate(document);
+    auto* type = document.find<QLineEdit>("object data type line edit");
+    splitter(document)->setSizes({ 800, 100 }); // the fields have their least widths then
+    auto* bar = form(document)->horizontalScrollBar();
+    AWAIT_VERIFY(bar->maximum() > 0);
+    const int narrow = type->width() + 20;
+    splitter(document)->setSizes({ 900 - narrow, narrow });
+    QVERIFY(form(document)->viewport()->width() > type->width() + 3);
+    bar->setValue(type->mapTo(form(document)->widget(), QPoint()).x() - 3);
+    const int before = bar->value();
+    QCOMPARE(type->visibleRegion().boundingRect(), type->rect());
+    type->setFocus(Qt::TabFocusReason);
+    QCOMPARE(bar->value(), before);
 }
 
 void TestDocumentsFit::aDocumentInItsFirstSizeShowsItsWholeForm()
