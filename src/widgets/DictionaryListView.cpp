@@ -35,7 +35,6 @@ private:
 void useColoursWithoutFocus(QStyleOptionViewItem* row)
 {
     const auto colour = [row](QPalette::ColorRole role) { return row->palette.color(QPalette::Inactive, role); };
-    row->state.setFlag(QStyle::State_Active, false);
     if (colour(QPalette::Highlight) != row->palette.color(QPalette::Active, QPalette::Highlight))
         return;
     const QColor back = colour(QPalette::Base);
