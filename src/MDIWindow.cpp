@@ -9,6 +9,7 @@
 #include "widgets/DictionaryListView.h"
 #include "widgets/DictionaryTree.h"
 #include "widgets/DocumentSplitter.h"
+#include "widgets/FormArea.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WaitCursor.h"
@@ -57,6 +58,7 @@ CMDIWindow::~CMDIWindow() = default;
 
 bool CMDIWindow::openDocument(const QString& fileName, CCANopenAccess* access)
 {
+    m_formArea->ensureVisible(0, 0); // the focus may have gone through the form while this window came up
     if (!loadDictionary(fileName)) {
         const QString text = QStringLiteral("File %1 could not be loaded").arg(fileName);
         status(text);

@@ -83,7 +83,7 @@ Q_SIGNALS:
 private:
     void createWidgets();
     void createDictionaryListView();
-    CFormArea* createAttributesForm();
+    void createAttributesForm();
     void createDataAccess();
     void connectWidgets();
 
@@ -113,6 +113,7 @@ private:
     CCANopen m_dictionary;
     CDocumentSplitter* m_splitter;
     CDictionaryListView* m_dictionaryListView;
+    CFormArea* m_formArea;
     QGroupBox* m_objectGroupBox;
     QGroupBox* m_entryGroupBox;
     QGroupBox* m_accessGroupBox;

@@ -6,6 +6,7 @@
 #include "base/Assertion.h"
 #include "values/ParameterTransfer.h"
 #include "widgets/DictionaryTree.h"
+#include "widgets/FormArea.h"
 #include "widgets/MessageBoxes.h"
 #include "widgets/Settings.h"
 #include "widgets/WaitCursor.h"
@@ -128,6 +129,7 @@ void CMDIWindow::showValue(const QString& text)
 {
     m_dataAccess.m_outputLineEdit->setText(text);
     m_dataAccess.m_outputLineEdit->setCursorPosition(0);
+    m_formArea->showBeginning(m_dataAccess.m_outputLineEdit);
 }
 
 void CMDIWindow::buttonHexClicked()

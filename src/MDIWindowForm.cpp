@@ -133,8 +133,8 @@ QGroupBox* createGroupBox(QWidget* parent, const char* name, const char* title)
     auto* box = new QGroupBox(QLatin1String(title), parent);
     box->setObjectName(QLatin1String(name));
     auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(8, 5, 8, 6);
-    grid->setHorizontalSpacing(6);
+    grid->setContentsMargins(6, 5, 6, 6);
+    grid->setHorizontalSpacing(4);
     grid->setVerticalSpacing(4);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);
@@ -213,7 +213,8 @@ void CMDIWindow::createWidgets()
     layout->addWidget(m_splitter);
 
     createDictionaryListView();
-    m_splitter->setHalves(m_dictionaryListView, createAttributesForm());
+    createAttributesForm();
+    m_splitter->setHalves(m_dictionaryListView, m_formArea);
     setCentralWidget(client);
     connectWidgets();
     m_dictionaryListView->setFocus(); // key presses go to the tree first
@@ -238,11 +239,11 @@ void CMDIWindow::createDictionaryListView()
     header->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-CFormArea* CMDIWindow::createAttributesForm()
+void CMDIWindow::createAttributesForm()
 {
-    auto* area = new CFormArea(m_splitter);
-    area->setObjectName(QStringLiteral("object attributes form widget"));
-    auto* form = new QWidget(area);
+    m_formArea = new CFormArea(m_splitter);
+    m_formArea->setObjectName(QStringLiteral("object attributes form widget"));
+    auto* form = new QWidget(m_formArea);
     form->setObjectName(QStringLiteral("object attributes widget"));
     auto* layout = new QVBoxLayout(form);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -262,8 +263,7 @@ CFormArea* CMDIWindow::createAttributesForm()
     layout->addStretch(1);
     alignLabels({ m_objectGroupBox, m_entryGroupBox, m_accessGroupBox }, 0);
     alignLabels({ m_objectGroupBox, m_entryGroupBox }, 2);
-    area->setWidget(form);
-    return area;
+    m_formArea->setWidget(form);
 }
 
 void CMDIWindow::createDataAccess()

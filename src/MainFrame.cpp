@@ -45,7 +45,7 @@ QString productTitle()
     return QLatin1String(product::title);
 }
 
-// As large as the document: otherwise the workspace would choose a size.
+// As large as the document, where the workspace has that room: otherwise the workspace would choose a size.
 QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
 {
     const QSize documentSize = document->size();
@@ -54,6 +54,8 @@ QMdiSubWindow* createSubWindow(CMDIWindow* document, QMdiArea* workspace)
     frame->setWidget(document);
     frame->setWindowIcon(document->windowIcon()); // otherwise that of the program
     frame->resize(documentSize.grownBy(frame->contentsMargins()));
+    if (workspace->isVisible()) // its size is known
+        frame->resize(frame->size().boundedTo(workspace->viewport()->size()).expandedTo(frame->minimumSizeHint()));
 
     // The system menu also has Ctrl+W, the shortcut of the program's Close; with two owners the key would do nothing.
     for (QAction* action : frame->systemMenu()->actions())
@@ -253,10 +255,32 @@ void CMainFrame::deviceInfo()
         document->showDeviceInfo();
 }
 
-// Qt gives every document the size that it would like, even one that goes beyond the workspace.
+// Qt takes the documents in the order in which they have been opened, and the one that it makes smaller becomes the
+// active one.
+void CMainFrame::arrange(void (QMdiArea::*arrangement)())
+{
+    QMdiSubWindow* active = activeSubWindow();
+    for (QMdiSubWindow* frame : m_workspace->subWindowList())
+        if (frame->isMaximized())
+            frame->showNormal();
+    m_workspace->setActiveSubWindow(active);
+    (m_workspace->*arrangement)();
+    m_workspace->setActiveSubWindow(active);
+}
+
+void CMainFrame::tile()
+{
+    arrange(&QMdiArea::tileSubWindows);
+}
+
+// Each lies over those that are placed before it, and the active one over all. Qt gives every document the size that it
+// would like, even one that goes beyond the workspace.
 void CMainFrame::cascade()
 {
-    m_workspace->cascadeSubWindows();
+    const QMdiArea::WindowOrder order = m_workspace->activationOrder();
+    m_workspace->setActivationOrder(QMdiArea::StackingOrder);
+    arrange(&QMdiArea::cascadeSubWindows);
+    m_workspace->setActivationOrder(order);
     const QSize room = m_workspace->viewport()->size();
     for (QMdiSubWindow* frame : m_workspace->subWindowList()) {
         const QSize most(room.width() - frame->x(), room.height() - frame->y());

@@ -69,7 +69,9 @@ private:
     void createToolBar();
     void createWorkspace();
     void connectActionsAndMenus();
+    void arrange(void (QMdiArea::*arrangement)());
     void cascade();
+    void tile();
     void contextHelp();
     void keepCaption(const QString& title);
 

@@ -84,7 +84,7 @@ const CMainFrame::tAction CMainFrame::actions[] = {
       &CMainFrame::m_windowsCascadeAction, [](CMainFrame& frame) { frame.cascade(); } },
     { "file tile", "Tile", "&Tile", "", "", "Arrange all windows as non-overlapping tiles",
       "Use the <i>Tile</i> command from the <i>Windows</i> menu to arrange all windows as non-overlapping tiles.",
-      &CMainFrame::m_windowsTileAction, [](CMainFrame& frame) { frame.m_workspace->tileSubWindows(); } },
+      &CMainFrame::m_windowsTileAction, [](CMainFrame& frame) { frame.tile(); } },
     { "help topic", "Velmora Handbook", "Velmora &Handbook", "F1", "contents.png", "Open the online help file",
       "Use the <i>Contents</i> command from the <i>Help</i> menu or press <i>F1</i> key to open the online help "
       "file.", // sic

@@ -13,7 +13,7 @@ class CDictionaryListView : public CWholeRows<QTreeWidget>
     Q_OBJECT
 
 public:
-    using CWholeRows::CWholeRows;
+    explicit CDictionaryListView(QWidget* parent);
 
     /// The width with which no name that is on the screen is cut, nor one of the first hundred rows or so.
     int widthOfNames();
@@ -25,6 +25,8 @@ Q_SIGNALS:
     void returnPressed(QTreeWidgetItem* item);
 
 protected:
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void scrollContentsBy(int dx, int dy) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 };

@@ -52,9 +52,9 @@ void CDocumentSplitter::divide()
     if (m_moved || m_form == nullptr)
         return;
     const int room = width() - handleWidth();
-    const int third = width() / 3;
+    const int half = width() / 2;
     const int rest = room - m_form->neededWidth();
-    const int most = rest >= width() / 4 ? std::min(width() / 2, rest) : third;
-    const int tree = std::min(m_namesWidth > 0 ? m_namesWidth : third, most);
+    const int most = rest >= width() / 4 ? std::min(half, rest) : half;
+    const int tree = std::min(m_namesWidth > 0 ? m_namesWidth : width() / 3, most);
     setSizes({ tree, room - tree });
 }

@@ -9,7 +9,7 @@ class CFormArea;
 
 /// Divides its width by what the two need, until the user moves the handle: the tree gets the width of the names that
 /// it shows, at most a half; it grows when an item with longer names is opened. Where the form needs more than the
-/// rest, the tree gives way to it, down to a quarter; if that does not help, it takes a third and the form scrolls.
+/// rest, the tree gives way to it, down to a quarter; if that does not help, it does not, and the form scrolls.
 class CDocumentSplitter : public QSplitter
 {
     Q_OBJECT

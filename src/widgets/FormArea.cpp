@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QScrollBar>
 
+#include <algorithm>
+
 CFormArea::CFormArea(QWidget* parent) : QScrollArea(parent)
 {
     setFrameShape(QFrame::NoFrame);
@@ -22,24 +24,42 @@ int CFormArea::neededWidth() const
     return form.width() + (form.height() > height() ? verticalScrollBar()->sizeHint().width() : 0);
 }
 
-// Not at a click: the button would move away from the pointer before it is released. The label first: where there is no
-// room for both, the field is what has to be seen.
+void CFormArea::showBeginning(const QWidget* field)
+{
+    QRect place = placeOf(field);
+    place.setWidth(std::min(place.width(), field->minimumSizeHint().width()));
+    scrollTo(withLabel(place, field));
+}
+
+// Not at a click: the button would move away from the pointer before it is released.
 void CFormArea::showFocus(const QWidget* focus)
 {
     const bool inForm = widget() != nullptr && focus != nullptr && widget()->isAncestorOf(focus);
-    if (!inForm || QApplication::mouseButtons() != Qt::NoButton)
-        return;
-    for (const QLabel* label : widget()->findChildren<QLabel*>())
-        if (label->buddy() == focus)
-            showAll(label);
-    showAll(focus);
+    if (inForm && QApplication::mouseButtons() == Qt::NoButton)
+        scrollTo(withLabel(placeOf(focus), focus));
 }
 
-// Of a field, ensureWidgetVisible shows no more than the cursor. The upper left corner last: where there is no room for
-// all of it, its beginning is what has to be seen.
-void CFormArea::showAll(const QWidget* part)
+QRect CFormArea::placeOf(const QWidget* part) const
 {
-    const QRect place(part->mapTo(widget(), QPoint()), part->size());
+    return { part->mapTo(widget(), QPoint()), part->size() };
+}
+
+// Where there is no room for both, the field is what has to be seen.
+QRect CFormArea::withLabel(const QRect& place, const QWidget* field) const
+{
+    for (const QLabel* label : widget()->findChildren<QLabel*>())
+        if (label->buddy() == field) {
+            const QRect text(placeOf(label).topLeft(), label->sizeHint().boundedTo(label->size()));
+            const QRect both = place.united(text);
+            if (both.width() <= viewport()->width())
+                return both;
+        }
+    return place;
+}
+
+// The upper left corner last: where there is no room for all of it, its beginning is what has to be seen.
+void CFormArea::scrollTo(const QRect& place)
+{
     ensureVisible(place.right() + 1, place.bottom() + 1, 0, 0);
     ensureVisible(place.left(), place.top(), 0, 0);
 }

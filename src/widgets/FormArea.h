@@ -15,7 +15,12 @@ public:
     /// The width with which nothing is to the right or left of what is shown.
     int neededWidth() const;
 
+    /// Scrolls to the beginning of a field, with its label; the focus stays where it is.
+    void showBeginning(const QWidget* field);
+
 private:
     void showFocus(const QWidget* focus);
-    void showAll(const QWidget* part);
+    QRect placeOf(const QWidget* part) const;
+    QRect withLabel(const QRect& place, const QWidget* field) const;
+    void scrollTo(const QRect& place);
 };

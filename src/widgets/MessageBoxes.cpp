@@ -35,6 +35,23 @@ void widenToTitle(QMessageBox* box)
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
+void layOut(QMessageBox* box)
+{
+    QEvent request(QEvent::LayoutRequest);
+    static_cast<QObject*>(box)->event(&request);
+    box->layout()->setGeometry(box->rect());
+}
+
+// As wide as `most`, and as high as its text is then, at most.
+void resizeToText(QTextBrowser* view, QSize most)
+{
+    const int borders = 2 * view->frameWidth();
+    const std::unique_ptr<QTextDocument> measured(view->document()->clone()); // the view lays out its own as it is now
+    measured->setTextWidth(most.width() - borders);
+    const int needed = qCeil(measured->size().height()) + borders;
+    view->setFixedSize(most.width(), std::min(needed, most.height()));
+}
+
 // The text of a label in a view that scrolls. The label, which has the text for everyone who asks the box for it, keeps
 // it and is hidden.
 void makeScroll(QMessageBox* box, QLabel* label, QSize most)
@@ -51,14 +68,15 @@ void makeScroll(QMessageBox* box, QLabel* label, QSize most)
     else
         view->setText(label->text());
 
-    const int borders = 2 * view->frameWidth();
-    const std::unique_ptr<QTextDocument> measured(view->document()->clone()); // the view lays out its own as it is now
-    measured->setTextWidth(most.width() - borders);
-    const int needed = qCeil(measured->size().height()) + borders;
-    view->setFixedSize(most.width(), std::min(needed, most.height()));
+    resizeToText(view, most);
     delete box->layout()->replaceWidget(label, view);
     label->hide();
     view->show(); // at once: the box is laid out and placed next
+    layOut(box);
+    // A box has a greatest width, beyond which the view would be cut.
+    const int beyond = view->geometry().right() + box->layout()->contentsMargins().right() - box->rect().right();
+    if (beyond > 0)
+        resizeToText(view, { most.width() - beyond, most.height() });
     // Not the text. The toolkit's boxes get their button only now.
     const auto focusButton = [box] {
         if (QAbstractButton* button = box->button(QMessageBox::Ok))
@@ -80,9 +98,9 @@ void keepOnScreen(QMessageBox* box)
     auto* more = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
     if (label == nullptr || !label->isVisibleTo(box))
         return; // has been done
-    QEvent layOut(QEvent::LayoutRequest);
-    static_cast<QObject*>(box)->event(&layOut);
-    const QSize most = screenRoom::largest(box);
+    layOut(box);
+    // The box comes to the screen of its parent only after this.
+    const QSize most = screenRoom::largest(box->parentWidget() != nullptr ? box->parentWidget() : box);
     if (box->width() > most.width() || box->height() > most.height() || isCut(label))
         makeScroll(box, more != nullptr ? more : label, most / 2);
 }

@@ -3,8 +3,38 @@
 #include "widgets/TextField.h"
 
 #include <QKeyEvent>
+#include <QRegularExpression>
 #include <QStyle>
 #include <QStyleOptionFrame>
+
+#include <algorithm>
+
+namespace
+{
+
+/// The digit that needs the most room.
+QChar widestDigit(const QFontMetrics& metrics)
+{
+    const auto narrower = [&metrics](QChar a, QChar b) {
+        return metrics.horizontalAdvance(a) < metrics.horizontalAdvance(b);
+    };
+    const QString digits = QStringLiteral("0123456789ABCDEFabcdef");
+    return *std::max_element(digits.begin(), digits.end(), narrower);
+}
+
+/// The width of the widest text like `sample`, which differs from it in the digits of its hexadecimal numbers.
+int widthOf(const QString& sample, const QFontMetrics& metrics)
+{
+    static const QRegularExpression number(QStringLiteral("0x[0-9A-F]+"));
+    QString text = sample;
+    const QChar digit = widestDigit(metrics);
+    for (const QRegularExpressionMatch& match : number.globalMatch(sample))
+        for (qsizetype place = match.capturedStart() + 2; place < match.capturedEnd(); ++place)
+            text[place] = digit;
+    return metrics.horizontalAdvance(text);
+}
+
+} // namespace
 
 QSize CTextField::minimumSizeHint() const
 {
@@ -12,7 +42,7 @@ QSize CTextField::minimumSizeHint() const
     const QSize least = QLineEdit::minimumSizeHint();
     QStyleOptionFrame option;
     initStyleOption(&option);
-    const QSize text(fontMetrics().horizontalAdvance(QLatin1String(m_sample)) + space, 0);
+    const QSize text(widthOf(QLatin1String(m_sample), fontMetrics()) + space, 0);
     return least.expandedTo(style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, this));
 }
 

@@ -18,7 +18,7 @@
 namespace
 {
 
-constexpr QSize screenSizes[] = { { 910, 512 }, { 1920, 1080 }, { 1024, 600 } };
+constexpr QSize screenSizes[] = { { 910, 512 }, { 1920, 1080 }, { 1024, 600 }, { 1100, 700 }, { 3840, 2160 } };
 constexpr int titleBar = 20; // at least
 
 /// What a box shows its text in: a label, or a view that scrolls.
@@ -61,6 +61,8 @@ QString complaint(const QMessageBox* box)
         return "shown twice or not at all";
     if (shown.view == nullptr)
         return isWhole(shown.label) ? "" : "cut";
+    if (!box->rect().contains(shown.view->geometry()))
+        return "the text goes beyond the box";
     if (shown.view->toPlainText() != box->text())
         return "not the text";
     if (shown.view->horizontalScrollBar()->maximum() > 0)
@@ -247,7 +249,7 @@ void TestBoxesFit::theToolkitsBoxIsAsItWasWhereItFits()
 
 int main(int argc, char* argv[])
 {
-    const CScreens screens{ screenSizes[0], screenSizes[1], screenSizes[2] };
+    const CScreens screens{ screenSizes[0], screenSizes[1], screenSizes[2], screenSizes[3], screenSizes[4] };
     QApplication application(argc, argv);
     TestBoxesFit test;
     return QTest::qExec(&test, argc, argv);
