@@ -7,6 +7,8 @@
 
 #include <QTemporaryDir>
 
+#include <cstdio>
+#include <memory>
 #include <stdexcept>
 
 #include <netinet/in.h>
@@ -43,7 +45,7 @@ public:
         m_options.network.interface = QStringLiteral("127.0.0.1:%1").arg(m_server.port());
         m_options.node = node;
         m_options.sheet = sheet.fileName();
-        m_options.output = m_folder.filePath(QStringLiteral("saved.csv"));
+        m_options.format = dumpCsv;
     }
 
     double ours() override
@@ -72,7 +74,8 @@ private:
     CLineServer m_server{ "eFY0Eg==" };
     QTemporaryDir m_folder;
     tDumpOptions m_options;
-    CConsole m_console;
+    const std::unique_ptr<FILE, int (*)(FILE*)> m_nowhere{ std::fopen("/dev/null", "w"), &std::fclose };
+    CConsole m_console{ m_nowhere.get() };
 };
 
 [[maybe_unused]] const bool added = addPair({ "dump/1000", entries, 5, [] { return std::make_unique<CDumpPair>(); } });

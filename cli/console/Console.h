@@ -35,6 +35,8 @@ public:
     /// Shows how far a command is, in one line that the next call overwrites; only on a terminal. An empty text removes
     /// the line.
     void progress(const QString& text);
+    /// Whether progress is shown at all.
+    bool hasProgress() const { return m_hasTerminal; }
 
 private:
     void check(bool written);

@@ -14,8 +14,7 @@
 namespace
 {
 
-constexpr BYTE usualBaudRate = 3; // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
-constexpr short longestValue = std::numeric_limits<short>::max();
+constexpr BYTE usualBaudRate = 3;  // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
 constexpr int gatewayError = -600; // minus the number that the gateway answered
 constexpr int sendFailed = -793;
 constexpr unsigned sdoAnswer = 0x580;  // plus the node-id
@@ -111,14 +110,13 @@ void CNetwork::setTimeouts(const tNetworkOptions& options)
 tReadResult CNetwork::read(BYTE node, WORD index, BYTE subIndex)
 {
     begin();
-    std::array<BYTE, longestValue> buffer{};
     short length = 0;
-    const bool done = m_access.read(node, index, subIndex, &length, buffer.data(), longestValue);
+    const bool done = m_access.read(node, index, subIndex, &length, m_buffer.data(), longestValue);
     tReadResult result{ {}, transferFailure(done, node) };
     if (!result.failure && length == longestValue)
         result.failure = { exitNetwork, 0, QStringLiteral("the value is longer than %1 bytes").arg(length - 1) };
     if (!result.failure)
-        result.bytes = QByteArray(reinterpret_cast<const char*>(buffer.data()), length);
+        result.bytes = QByteArray(reinterpret_cast<const char*>(m_buffer.data()), length);
     return result;
 }
 

@@ -9,7 +9,9 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <set>
 
@@ -89,6 +91,8 @@ public:
     void expectNoAnswer(unsigned node) { m_late.erase(node); }
 
 private:
+    static constexpr short longestValue = std::numeric_limits<short>::max();
+
     static void begin();
     std::optional<tFailure> failureOf(bool done) const;
     std::optional<tFailure> transferFailure(bool done, BYTE node);
@@ -100,5 +104,6 @@ private:
     bool m_isGateway = false;
     std::set<unsigned> m_late; // nodes whose answers may still come
     int m_transfers = 0;
+    std::array<BYTE, longestValue> m_buffer{}; // of each value read: filling it with zeros takes longer than a read
     bool m_warned = false;
 };

@@ -54,7 +54,9 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
             entry.value.reset();
             continue;
         }
-        device.console.progress(QStringLiteral("%1 of %2: %3").arg(++done).arg(total).arg(nameOf(entry)));
+        ++done;
+        if (device.console.hasProgress())
+            device.console.progress(QStringLiteral("%1 of %2: %3").arg(done).arg(total).arg(nameOf(entry)));
         try {
             status = graver(status, readEntry(device, entry));
         } catch (const tEnd& end) {
