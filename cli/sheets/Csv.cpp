@@ -26,13 +26,16 @@ QByteArray quoted(const QString& field)
 
 QByteArray csvLine(const QStringList& fields)
 {
+    constexpr qsizetype usualLength = 128;
     QByteArray line;
+    line.reserve(usualLength);
     for (const QString& field : fields) {
         if (&field != &fields.front())
             line += ',';
         line += quoted(field);
     }
-    return line + '\n';
+    line += '\n';
+    return line;
 }
 
 CCsvReader::CCsvReader(const QByteArray& text) : m_text(text)
