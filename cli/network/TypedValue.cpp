@@ -135,7 +135,7 @@ QString timeOfDayText(const QByteArray& bytes)
 std::optional<QByteArray> bytesOfMoment(int type, const QString& text)
 {
     constexpr qsizetype toSeconds = 19; // "2026-01-31 12:00:00"
-    const auto bytes = valueFromText(text, valueType(type), 0);
+    auto bytes = valueFromText(text, valueType(type), 0);
     if (!bytes || !text.contains(u'-'))
         return bytes;
     const QString shown = type == entry::typeDate ? dateText(*bytes) : timeOfDayText(*bytes);

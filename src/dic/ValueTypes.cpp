@@ -68,7 +68,7 @@ std::optional<QByteArray> octetsFromText(const QString& text)
 // A number in hexadecimal, with all digits of its width in bytes.
 QString textFromNumber(quint64 bits, int width)
 {
-    return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(2 * width, u'0');
+    return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(qsizetype{ 2 } * width, u'0');
 }
 
 QByteArray dateBytes(const QDateTime& moment)
@@ -93,7 +93,7 @@ QByteArray timeOfDayBytes(const QDateTime& moment)
 
 std::optional<QByteArray> momentFromText(const QString& text, tValueType type)
 {
-    const auto octets = octetsFromText(text);
+    auto octets = octetsFromText(text);
     if (octets && octets->size() == type.width)
         return octets;
     const QDateTime moment = QDateTime::fromString(text, QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
@@ -124,7 +124,7 @@ QString textFromReal(const QByteArray& bytes)
     const double value = realOf(bytes);
     const auto end = bytes.size() == 4 ? std::to_chars(digits.begin(), digits.end(), static_cast<float>(value)).ptr
                                        : std::to_chars(digits.begin(), digits.end(), value).ptr;
-    const QString text = QString::fromLatin1(digits.data(), end - digits.data());
+    QString text = QString::fromLatin1(digits.data(), end - digits.data());
     if (std::isfinite(value) && realFromText(text, static_cast<int>(bytes.size())) == bytes)
         return text;
     return textFromNumber(numberOf(bytes, { kindUnsigned, 0 }), static_cast<int>(bytes.size()));
@@ -253,8 +253,8 @@ std::optional<QString> textFromValue(const QByteArray& bytes, tValueType type, u
     const quint64 bits = numberOf(bytes, { kindUnsigned, 0 });
     if (nodeId == 0)
         return textFromNumber(bits, type.width);
-    const quint64 mask = ~quint64{ 0 } >> (64 - 8 * type.width);
-    return QStringLiteral("$NODEID+") + textFromNumber((bits - nodeId) & mask, type.width);
+    const quint64 cut = numberOf(littleEndian(bits - nodeId, type.width), { kindUnsigned, 0 });
+    return QStringLiteral("$NODEID+") + textFromNumber(cut, type.width);
 }
 
 QByteArray limitFromText(const QString& text, tValueType type, unsigned nodeId)

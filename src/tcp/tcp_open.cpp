@@ -93,7 +93,7 @@ static int top_readline(int socket, char* buffer, int size)
 {
     int count = 0;
     char byte = '\0';
-    timeval rest = { top_line_milliseconds / 1000, top_line_milliseconds % 1000 * 1000 };
+    timeval rest = { top_line_milliseconds / 1000, top_line_milliseconds % 1000 * 1000L };
     const int64_t deadline = top_milliseconds() + top_line_milliseconds;
     fd_set readable;
     FD_ZERO(&readable);
