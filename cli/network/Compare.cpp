@@ -85,8 +85,7 @@ const QStringList& columns()
 
 QStringList rowOf(const tDifference& difference)
 {
-    return { parameterText(difference.first->index, difference.first->subIndex), difference.firstValue,
-             difference.secondValue, difference.first->name,
+    return { nameOf(*difference.first), difference.firstValue, difference.secondValue, difference.first->name,
              difference.byItself ? QStringLiteral("changes by itself") : QString() };
 }
 
@@ -124,8 +123,7 @@ void print(CConsole& console, const std::vector<tDifference>& differences, const
             console.write(textTable(rows));
         return;
     }
-    for (const QStringList& row : rows)
-        console.write(csvLine(row));
+    console.write(csvText(rows));
 }
 
 // The device, read where the file knows a value.

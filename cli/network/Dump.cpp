@@ -7,7 +7,6 @@
 #include "dic/DataSheet.h"
 #include "network/NodeReading.h"
 #include "sheets/DcfText.h"
-#include "sheets/EntryText.h"
 #include "sheets/FirstEntries.h"
 #include "sheets/SheetFile.h"
 #include "sheets/SnapshotText.h"
@@ -41,8 +40,7 @@ QByteArray configurationOf(const tDumpOptions& options, const CDataSheet& sheet,
         const tSnapshotEntry& entry = snapshot.entries[place];
         if (entry.value->isEmpty() && described[place].entry.getDefaultValue().isEmpty())
             continue;
-        console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can")
-                            .arg(parameterText(entry.index, entry.subIndex)));
+        console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can").arg(nameOf(entry)));
         status = graver(status, exitDifference);
     }
     return dcf.text;

@@ -14,14 +14,9 @@
 namespace
 {
 
-constexpr BYTE usualBaudRate = 3;  // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
-constexpr int gatewayError = -600; // minus the number that the gateway answered
+constexpr BYTE usualBaudRate = 3; // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
 constexpr int sendFailed = -793;
-constexpr unsigned sdoAnswer = 0x580;  // plus the node-id
-constexpr unsigned sdoRequest = 0x600; // plus the node-id
-constexpr int mostWaiting = 20000;     // messages that the queue can hold, and some
-
-constexpr int deviceTimeout = 103;
+constexpr int mostWaiting = 20000; // messages that the queue can hold, and some
 
 // What the numbers after "Error:" mean (CiA 309-3).
 struct tGatewayError {
@@ -32,9 +27,9 @@ constexpr tGatewayError gatewayErrors[] = {
     { 100, "it does not support the command" },
     { 101, "it does not understand the command" },
     { 102, "its state does not allow the command" },
-    { deviceTimeout, "no answer of the device in time" },
+    { gatewayDeviceTimeout, "no answer of the device in time" },
     { 106, "no such network" },
-    { 107, "no such node" },
+    { gatewayNoNode, "no such node" },
 };
 
 QString gatewayText(int number)
@@ -185,8 +180,8 @@ std::optional<tFailure> CNetwork::failureOf(bool done) const
                              .arg(QString::fromLatin1(m_access.getAbortText(code))) };
     }
     endWhenInterrupted();
-    const bool silent =
-        m_access.lastAnswer() == CCANopenAccess::answerNone || m_access.getLastError() == gatewayError - deviceTimeout;
+    const bool silent = m_access.lastAnswer() == CCANopenAccess::answerNone ||
+                        m_access.getLastError() == gatewayError - gatewayDeviceTimeout;
     return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway), silent };
 }
 
@@ -216,8 +211,8 @@ void CNetwork::watchOthers()
 void CNetwork::watch(const tCanMessage& message)
 {
     const unsigned node = message.identifier & highestNodeId;
-    const bool answer = message.identifier > sdoAnswer && message.identifier <= sdoAnswer + highestNodeId;
-    const bool request = message.identifier > sdoRequest && message.identifier <= sdoRequest + highestNodeId;
+    const bool answer = message.identifier > sdoAnswerCobId && message.identifier <= sdoAnswerCobId + highestNodeId;
+    const bool request = message.identifier > sdoRequestCobId && message.identifier <= sdoRequestCobId + highestNodeId;
     if (m_warned || !(request || (answer && m_late.count(node) == 0)))
         return;
     m_warned = true;

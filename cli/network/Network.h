@@ -36,6 +36,14 @@ struct tReadResult {
     std::optional<tFailure> failure;
 };
 
+inline constexpr unsigned sdoAnswerCobId = 0x580;  ///< plus the node-id
+inline constexpr unsigned sdoRequestCobId = 0x600; ///< plus the node-id
+
+// Errors of the facade behind a gateway: this one minus the number that the gateway answered (CiA 309-3).
+inline constexpr int gatewayError = -600;
+inline constexpr int gatewayDeviceTimeout = 103;
+inline constexpr int gatewayNoNode = 107;
+
 /// A CAN message that no transfer has asked for.
 struct tCanMessage {
     std::uint32_t identifier;

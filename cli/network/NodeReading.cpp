@@ -4,7 +4,6 @@
 
 #include "dic/CANopenObjectEntry.h"
 #include "network/TypedValue.h"
-#include "sheets/EntryText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -13,11 +12,6 @@ namespace
 {
 
 using tEntry = CCANopenObjectEntry;
-
-QString nameOf(const tSnapshotEntry& entry)
-{
-    return parameterText(entry.index, entry.subIndex);
-}
 
 } // namespace
 
@@ -37,9 +31,7 @@ int readEntry(const tDevice& device, tSnapshotEntry& entry)
     entry.value = valueToHold(entry, bytes, static_cast<unsigned>(device.node));
     if (!typedValue::sizeDiffers(entry.type, bytes.size()))
         return exitDone;
-    device.console.message(QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
-                               .arg(nameOf(entry), QString::number(bytes.size()),
-                                    tEntry::getDataTypeByIndex(tEntry::TEntryType(entry.type))));
+    warnOfSize(device.console, nameOf(entry), entry.type, bytes.size());
     return exitDifference;
 }
 
@@ -66,6 +58,13 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
     }
     device.console.progress(QString());
     return status;
+}
+
+void warnOfSize(CConsole& console, const QString& name, int type, qsizetype size)
+{
+    console.message(
+        QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
+            .arg(name, QString::number(size), tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(type))));
 }
 
 bool isReadable(const tSnapshotEntry& entry)

@@ -25,6 +25,9 @@ int readEntry(const tDevice& device, tSnapshotEntry& entry);
 /// @return the worst exit status of an entry
 int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted);
 
+/// Warns of a value of another size than its type has.
+void warnOfSize(CConsole& console, const QString& name, int type, qsizetype size);
+
 /// Whether an entry can be read at all.
 bool isReadable(const tSnapshotEntry& entry);
 

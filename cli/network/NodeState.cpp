@@ -7,7 +7,6 @@
 #include <QDeadlineTimer>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 
 namespace
@@ -28,17 +27,17 @@ int awaitHeartbeat(CNetwork& network, unsigned node, int time)
 {
     network.watchOthers();
     const QDeadlineTimer deadline(time);
-    union {
-        WORD cobId;
-        std::uint32_t identifier; // the facade writes 32 bits
-    } place = {};
-    short length = 0;
-    std::array<BYTE, 8> data{};
     while (!deadline.hasExpired()) {
-        if (!network.access().readQueue(&place.cobId, &length, data.data()))
+        const auto message = network.takeMessage();
+        if (!message) {
             sleepUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(1));
-        else if (place.identifier == heartbeat + node && length == 1 && (data[0] & stateMask) != bootUp)
-            return data[0] & stateMask;
+            continue;
+        }
+        if (message->identifier != heartbeat + node || message->data.size() != 1)
+            continue;
+        const int state = message->data[0] & stateMask;
+        if (state != bootUp)
+            return state;
     }
     return unknownState;
 }

@@ -8,7 +8,7 @@
 #include "network/NodeState.h"
 #include "network/TypedValue.h"
 #include "network/WriteOrder.h"
-#include "sheets/EntryText.h"
+#include "sheets/EntryAccess.h"
 
 #include <algorithm>
 #include <iterator>
@@ -31,11 +31,6 @@ constexpr struct {
     unsigned subIndex;
     bool refuses;
 } identity[] = { { 0x1000, 0, true }, { 0x1018, 1, true }, { 0x1018, 2, true }, { 0x1018, 3, false } };
-
-QString nameOf(const tSnapshotEntry& entry)
-{
-    return parameterText(entry.index, entry.subIndex);
-}
 
 QString textOf(const tSnapshotEntry& entry, const std::optional<QByteArray>& value, int node)
 {
@@ -102,7 +97,10 @@ private:
         return (!isLeftOut && isReadable(entry)) || m_options.include.count(entry.index) != 0;
     }
 
-    bool isCompared(const tSnapshotEntry& entry) const { return entry.value && isWritable(entry) && isIncluded(entry); }
+    bool isCompared(const tSnapshotEntry& entry) const
+    {
+        return entry.value && isWritable(entry.access) && isIncluded(entry);
+    }
 
     // Tells and refuses when the device is of another kind than that of the file.
     bool isSameDevice()

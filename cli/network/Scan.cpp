@@ -18,8 +18,6 @@ constexpr milliseconds pace{ 2 };           // from one request to the next: at 
 constexpr milliseconds longestBusy{ 2000 }; // for which a request may find no room in the interface
 constexpr milliseconds sdoTimeout{ 500 };
 constexpr WORD deviceType = 0x1000;
-constexpr WORD requestOf = 0x600; // plus the node-id
-constexpr unsigned answerOf = 0x580;
 
 struct tField {
     WORD index;
@@ -30,8 +28,7 @@ constexpr tField fields[] = { { deviceType, 0 }, { 0x1018, 1 }, { 0x1018, 2 },
 static_assert(std::size(fields) == scanFieldCount);
 
 // What says that a node is not there: error numbers of a gateway, and the abort code with which some report a time-out.
-constexpr int gatewayError = -600;
-constexpr int notThere[] = { gatewayError - 103, gatewayError - 107 };
+constexpr int notThere[] = { gatewayError - gatewayDeviceTimeout, gatewayError - gatewayNoNode };
 
 // An upload of the device type: the command, the index, the sub-index.
 QByteArray deviceTypeFrame(int command)
@@ -49,7 +46,7 @@ unsigned answeringNode(const tCanMessage& message)
     constexpr unsigned specifier = 0xE0; // of the command
     constexpr unsigned upload = 0x40;
     constexpr unsigned abort = 0x80;
-    const unsigned node = message.identifier - answerOf; // wraps around for smaller ones
+    const unsigned node = message.identifier - sdoAnswerCobId; // wraps around for smaller ones
     if (node < 1 || node > highestNodeId || message.data.size() != 8 || message.data.mid(1, 3) != multiplexor)
         return 0;
     const unsigned command = static_cast<unsigned char>(message.data[0]) & specifier;
@@ -106,7 +103,7 @@ void CScan::sendRequest(unsigned node)
     const auto* data = reinterpret_cast<const BYTE*>(request.constData());
     for (milliseconds busy{ 0 };; busy += pace) {
         const auto failure = m_network.run([&](CCANopenAccess& access) {
-            return access.transmitMessage(static_cast<WORD>(requestOf + node), static_cast<short>(request.size()),
+            return access.transmitMessage(static_cast<WORD>(sdoRequestCobId + node), static_cast<short>(request.size()),
                                           data);
         });
         if (!failure)

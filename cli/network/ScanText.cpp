@@ -78,8 +78,5 @@ QByteArray scanText(const std::vector<tFoundNode>& nodes, tScanFormat format)
         return json(nodes);
     if (format == scanTable)
         return nodes.empty() ? QByteArray() : textTable(rowsOf(nodes, "Node", &tColumn::title, typedValue::textOf));
-    QByteArray text;
-    for (const QStringList& row : rowsOf(nodes, "node", &tColumn::key, typedValue::textOf))
-        text += csvLine(row);
-    return text;
+    return csvText(rowsOf(nodes, "node", &tColumn::key, typedValue::textOf));
 }

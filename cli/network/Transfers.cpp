@@ -88,13 +88,6 @@ private:
     QJsonArray m_json;
 };
 
-void warnOfSize(CConsole& console, const tTyped& parameter)
-{
-    console.message(
-        QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
-            .arg(textOf(parameter.name), QString::number(parameter.bytes.size()), typeName(parameter.type)));
-}
-
 void report(CConsole& console, const tParameterName& name, const tFailure& failure)
 {
     console.message(QStringLiteral("%1: %2").arg(textOf(name), failure.text));
@@ -109,11 +102,11 @@ QList<tTyped> typedParameters(const tTransferOptions& options, const CCANopen* s
 }
 
 // One row of a series; the gravest exit status of its readings.
-int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& parameters, CConsole& console)
+int readRow(CNetwork& network, const tTransferOptions& options, const QList<tTyped>& parameters, CConsole& console)
 {
     QStringList row{ QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs) };
     int status = exitDone;
-    for (tTyped& parameter : parameters) {
+    for (const tTyped& parameter : parameters) {
         const auto [bytes, failure] =
             network.read(static_cast<BYTE>(options.node), parameter.name.index, parameter.name.subIndex);
         row += failure ? QString() : typedValue::textOf(parameter.type, bytes, options.mode);
@@ -121,8 +114,7 @@ int readRow(CNetwork& network, const tTransferOptions& options, QList<tTyped>& p
             report(console, parameter.name, *failure);
             status = graver(status, failure->status);
         } else if (typedValue::sizeDiffers(parameter.type, bytes.size())) {
-            parameter.bytes = bytes;
-            warnOfSize(console, parameter);
+            warnOfSize(console, textOf(parameter.name), parameter.type, bytes.size());
             status = graver(status, exitDifference);
         }
     }
@@ -187,7 +179,7 @@ int readParameters(const tTransferOptions& options, const CCANopen* sheet, CCons
             parameter.bytes = bytes;
             values.add(parameter);
             if (typedValue::sizeDiffers(parameter.type, bytes.size())) {
-                warnOfSize(console, parameter);
+                warnOfSize(console, textOf(parameter.name), parameter.type, bytes.size());
                 status = graver(status, exitDifference);
             }
         }
@@ -202,7 +194,7 @@ int readParameters(const tTransferOptions& options, const CCANopen* sheet, CCons
 
 int readSeries(const tTransferOptions& options, const CCANopen* sheet, CConsole& console)
 {
-    auto parameters = typedParameters(options, sheet, 1);
+    const auto parameters = typedParameters(options, sheet, 1);
     CNetwork network(options.network, console);
     QStringList header{ QStringLiteral("time") };
     for (const tTyped& parameter : parameters)

@@ -95,7 +95,7 @@ QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)
     if (mode == valueFormats::modeOct)
         return QString::number(bits, 8).rightJustified((width + 2) / 3, u'0');
     if (mode != valueFormats::modeDec)
-        return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(width / 4, u'0');
+        return hexadecimalText(bits, width / 4);
     if (type.kind != kindSigned)
         return QString::number(bits);
     const auto value = static_cast<qint64>(numberOf(bytes, type));

@@ -3,8 +3,8 @@
 #include "network/WriteOrder.h"
 
 #include "base/NodeId.h"
-#include "dic/CANopenObjectEntry.h"
 #include "dic/ValueTypes.h"
+#include "sheets/EntryAccess.h"
 
 #include <algorithm>
 #include <iterator>
@@ -105,7 +105,7 @@ private:
     {
         tKnown entries;
         for (const tSnapshotEntry& entry : snapshot.entries)
-            if (entry.value && isWritable(entry))
+            if (entry.value && isWritable(entry.access))
                 entries.emplace(keyOf(entry.index, entry.subIndex), &entry);
         return entries;
     }
@@ -219,11 +219,6 @@ bool isPdoParameter(unsigned index)
     return index >= firstReceivePdo && index < pdoEnd;
 }
 
-bool isWritable(const tSnapshotEntry& entry)
-{
-    return entry.access != CCANopenObjectEntry::accessRO && entry.access != CCANopenObjectEntry::accessCONST;
-}
-
 std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file,
                                   const tSnapshot& device)
 {
@@ -242,7 +237,8 @@ std::vector<std::size_t> neededForOrder(const std::vector<const tSnapshotEntry*>
     };
     std::vector<std::size_t> places;
     for (std::size_t place = 0; place < device.entries.size(); ++place)
-        if (const tSnapshotEntry& entry = device.entries[place]; !entry.value && isWritable(entry) && isNeeded(entry))
+        if (const tSnapshotEntry& entry = device.entries[place];
+            !entry.value && isWritable(entry.access) && isNeeded(entry))
             places.push_back(place);
     return places;
 }

@@ -20,9 +20,6 @@ struct tWrite {
 /// 1A00 to 1BFF).
 bool isPdoParameter(unsigned index);
 
-/// Whether an entry can be written at all.
-bool isWritable(const tSnapshotEntry& entry);
-
 /// The downloads that bring the values of `wanted` into a node, in an order that devices accept (CiA 301). `wanted` are
 /// the entries that differ, in the order of the file, `file` all that it has, and `device` those of the node. For each
 /// PDO that is concerned: it is switched off (bit 31 of its COB-ID), its mapping is emptied, filled and counted again if

@@ -38,6 +38,14 @@ QByteArray csvLine(const QStringList& fields)
     return line;
 }
 
+QByteArray csvText(const std::vector<QStringList>& rows)
+{
+    QByteArray text;
+    for (const QStringList& row : rows)
+        text += csvLine(row);
+    return text;
+}
+
 CCsvReader::CCsvReader(const QByteArray& text) : m_text(text)
 {
     if (m_text.startsWith(byteOrderMark))

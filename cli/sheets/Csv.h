@@ -6,8 +6,13 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 /// A line of these fields, with its line feed. A field is quoted where it has to be.
 QByteArray csvLine(const QStringList& fields);
+
+/// A line for each of the rows.
+QByteArray csvText(const std::vector<QStringList>& rows);
 
 /// Takes a text apart, record by record. Lines end with LF or CR LF; a byte order mark is skipped.
 class CCsvReader

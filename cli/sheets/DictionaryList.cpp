@@ -62,6 +62,14 @@ QStringList fieldsOf(const tListRow& row)
              CCANopenDeviceInfo::getBooleanByValue(row.isMapped) };
 }
 
+std::vector<QStringList> withHeader(const std::vector<tListRow>& rows)
+{
+    std::vector<QStringList> table{ columns() };
+    for (const tListRow& row : rows)
+        table.push_back(fieldsOf(row));
+    return table;
+}
+
 } // namespace
 
 void tListChoice::setPattern(const QString& text)
@@ -108,18 +116,12 @@ std::vector<tListRow> dictionaryList(const QString& fileName, const tListChoice&
 
 QByteArray listAsTable(const std::vector<tListRow>& rows)
 {
-    std::vector<QStringList> table{ columns() };
-    for (const tListRow& row : rows)
-        table.push_back(fieldsOf(row));
-    return textTable(table);
+    return textTable(withHeader(rows));
 }
 
 QByteArray listAsCsv(const std::vector<tListRow>& rows)
 {
-    QByteArray text = csvLine(columns());
-    for (const tListRow& row : rows)
-        text += csvLine(fieldsOf(row));
-    return text;
+    return csvText(withHeader(rows));
 }
 
 QByteArray listAsJson(const std::vector<tListRow>& rows)

@@ -31,12 +31,12 @@ QByteArray plusOne(const QByteArray& value, tValueType type)
 
 QString indexText(unsigned index)
 {
-    return QStringLiteral("0x") + hexadecimal(index).rightJustified(4, u'0');
+    return hexadecimalText(index, 4);
 }
 
 QString subIndexText(unsigned subIndex)
 {
-    return subIndex < 10 ? QString::number(subIndex) : QStringLiteral("0x") + hexadecimal(subIndex);
+    return subIndex < 10 ? QString::number(subIndex) : hexadecimalText(subIndex, 1);
 }
 
 QString entryText(unsigned index, unsigned subIndex)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/ObjectChecks.h"
 
+#include "sheets/EntryAccess.h"
 #include "sheets/EntryText.h"
 
 #include "dic/CANopenObjectEntry.h"
@@ -15,11 +16,6 @@ namespace
 using tIndexSet = std::bitset<0x10000>;
 
 constexpr unsigned short mandatoryObjects[] = { 0x1000, 0x1001, 0x1018 };
-
-constexpr bool isWritable(int access)
-{
-    return access != CCANopenObjectEntry::accessCONST && access != CCANopenObjectEntry::accessRO;
-}
 
 constexpr bool isOfManufacturer(unsigned index)
 {

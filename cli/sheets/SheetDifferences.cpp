@@ -3,6 +3,7 @@
 #include "sheets/SheetDifferences.h"
 
 #include "dic/DataSheet.h"
+#include "dic/NumberText.h"
 #include "sheets/EntryText.h"
 #include "sheets/FirstEntries.h"
 #include "sheets/SameValue.h"
@@ -40,11 +41,6 @@ QString yesOrNo(bool value)
     return CCANopenDeviceInfo::getBooleanByValue(value);
 }
 
-QString hexadecimal(std::uint32_t number)
-{
-    return QStringLiteral("0x") + QString::number(number, 16).toUpper();
-}
-
 QString baudratesOf(const CCANopenDeviceInfo& info)
 {
     QStringList rates;
@@ -63,10 +59,10 @@ struct tDeviceField {
 // clang-format off
 constexpr tDeviceField deviceFields[] = {
     { "vendor name",          tKind::text,  [](const auto& info) { return info.getVendorName(); } },
-    { "vendor number",        tKind::value, [](const auto& info) { return hexadecimal(info.getVendorNumber()); } },
+    { "vendor number",        tKind::value, [](const auto& info) { return hexadecimalText(info.getVendorNumber(), 1); } },
     { "product name",         tKind::text,  [](const auto& info) { return info.getProductName(); } },
-    { "product number",       tKind::value, [](const auto& info) { return hexadecimal(info.getProductNumber()); } },
-    { "revision number",      tKind::value, [](const auto& info) { return hexadecimal(info.getRevisionNumber()); } },
+    { "product number",       tKind::value, [](const auto& info) { return hexadecimalText(info.getProductNumber(), 1); } },
+    { "revision number",      tKind::value, [](const auto& info) { return hexadecimalText(info.getRevisionNumber(), 1); } },
     { "order code",           tKind::text,  [](const auto& info) { return info.getOrderCode(); } },
     { "bit rates",            tKind::text,  [](const auto& info) { return baudratesOf(info); } },
     { "boot-up master",       tKind::value, [](const auto& info) { return yesOrNo(info.getSimpleBootUpMaster()); } },

@@ -87,6 +87,11 @@ constexpr struct {
 
 } // namespace
 
+QString nameOf(const tSnapshotEntry& entry)
+{
+    return parameterText(entry.index, entry.subIndex);
+}
+
 QByteArray valueOfNode(const tSnapshotEntry& entry, const QByteArray& held, unsigned nodeId)
 {
     return shifted(entry, held, nodeId);

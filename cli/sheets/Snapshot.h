@@ -35,6 +35,9 @@ struct tSnapshot {
     std::vector<tSnapshotEntry> entries;
 };
 
+/// "1018:1", as `parameterText` writes it.
+QString nameOf(const tSnapshotEntry& entry);
+
 /// A value of the entry as it is on the bus of the node. Relative numbers are cut to their width.
 QByteArray valueOfNode(const tSnapshotEntry& entry, const QByteArray& held, unsigned nodeId);
 /// The reverse: what the entry holds for a value of the node.

@@ -3,6 +3,7 @@
 #include "sheets/SnapshotText.h"
 
 #include "dic/CANopenObjectEntry.h"
+#include "dic/NumberText.h"
 #include "sheets/Csv.h"
 #include "sheets/EntryText.h"
 #include "sheets/TextTable.h"
@@ -18,7 +19,7 @@ using tEntry = CCANopenObjectEntry;
 
 QString abortText(std::uint32_t code)
 {
-    return code == 0 ? QString() : QStringLiteral("0x") + QString::number(code, 16).toUpper().rightJustified(8, u'0');
+    return code == 0 ? QString() : hexadecimalText(code, 8);
 }
 
 // The fields of the columns.
@@ -34,6 +35,15 @@ QStringList fieldsOf(const tSnapshotEntry& entry)
         entry.value ? dumpedText(*entry.value, entry.type, entry.relative) : QString(),
         abortText(entry.abortCode),
     };
+}
+
+// With the names of the columns first.
+std::vector<QStringList> rowsOf(const tSnapshot& snapshot)
+{
+    std::vector<QStringList> rows{ dumpColumns() };
+    for (const tSnapshotEntry& entry : snapshot.entries)
+        rows.push_back(fieldsOf(entry));
+    return rows;
 }
 
 QJsonObject jsonOf(const tSnapshotEntry& entry)
@@ -61,10 +71,7 @@ QStringList dumpColumns()
 
 QByteArray snapshotAsCsv(const tSnapshot& snapshot)
 {
-    QByteArray text = csvLine(dumpColumns());
-    for (const tSnapshotEntry& entry : snapshot.entries)
-        text += csvLine(fieldsOf(entry));
-    return text;
+    return csvText(rowsOf(snapshot));
 }
 
 QByteArray snapshotAsJson(const tSnapshot& snapshot)
@@ -82,8 +89,5 @@ QByteArray snapshotAsJson(const tSnapshot& snapshot)
 
 QByteArray snapshotAsTable(const tSnapshot& snapshot)
 {
-    std::vector<QStringList> rows{ dumpColumns() };
-    for (const tSnapshotEntry& entry : snapshot.entries)
-        rows.push_back(fieldsOf(entry));
-    return textTable(rows);
+    return textTable(rowsOf(snapshot));
 }

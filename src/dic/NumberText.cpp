@@ -1,4 +1,4 @@
-// Numbers in the texts that the simulator reads: gateway commands, data sheets and fault options.
+// Numbers in texts: of data sheets, gateway commands and command lines.
 // SPDX-License-Identifier: MIT
 #include "dic/NumberText.h"
 
@@ -64,4 +64,9 @@ std::optional<tNumber> readTerms(QStringView text, unsigned nodeId)
         sum.bits += number->bits;
     }
     return sum;
+}
+
+QString hexadecimalText(quint64 number, int digits)
+{
+    return QStringLiteral("0x") + QString::number(number, 16).toUpper().rightJustified(digits, u'0');
 }

@@ -1,7 +1,8 @@
-// Numbers in the texts that the simulator reads: gateway commands, data sheets and fault options.
+// Numbers in texts: of data sheets, gateway commands and command lines.
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QString>
 #include <QStringView>
 #include <QtGlobal>
 #include <optional>
@@ -22,3 +23,6 @@ std::optional<tNumber> readNumber(QStringView text);
 /// Reads a value of a data sheet: a number, or a sum of numbers and "$NODEID" (in any case), each of which stands for
 /// `nodeId`. Sums are cut to 64 bits. Examples: "0x10", "$NODEID+0x180", "0x180 + $NODEID".
 std::optional<tNumber> readTerms(QStringView text, unsigned nodeId);
+
+/// A number in hexadecimal, with at least `digits` digits: "0x00FF".
+QString hexadecimalText(quint64 number, int digits);

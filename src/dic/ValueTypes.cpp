@@ -68,7 +68,7 @@ std::optional<QByteArray> octetsFromText(const QString& text)
 // A number in hexadecimal, with all digits of its width in bytes.
 QString textFromNumber(quint64 bits, int width)
 {
-    return QStringLiteral("0x") + QString::number(bits, 16).toUpper().rightJustified(qsizetype{ 2 } * width, u'0');
+    return hexadecimalText(bits, 2 * width);
 }
 
 QByteArray dateBytes(const QDateTime& moment)

@@ -1,6 +1,6 @@
 // velmora-cli compare: devices, dumps, configuration files and sheets with each other.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "DumpFile.h"
 #include "ScriptedDevice.h"
 #include "SimulatorProcess.h"
@@ -52,13 +52,13 @@ private:
     QString path(const QString& name) const { return m_folder->filePath(name); }
     QString dumped(const QString& name, int node = 5) const
     {
-        CCliProcess run(
+        CCliRun run(
             { "dump", "-i", m_simulator->interface(), "-n", QString::number(node), "-s", demoSheet, "-o", path(name) });
         return run.status() == 0 ? path(name) : QString();
     }
     bool write(int node, const QStringList& values) const
     {
-        CCliProcess run(
+        CCliRun run(
             QStringList{ "write", "-i", m_simulator->interface(), "-n", QString::number(node), "-s", demoSheet } +
             values);
         return run.status() == 0;
@@ -79,7 +79,7 @@ void TestCliCompare::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     for (const char* node : { "5", "7" }) {
-        CCliProcess run({ "nmt", "-i", m_simulator->interface(), "reset", node });
+        CCliRun run({ "nmt", "-i", m_simulator->interface(), "reset", node });
         QCOMPARE(run.status(), 0);
     }
 }
@@ -87,40 +87,40 @@ void TestCliCompare::init()
 void TestCliCompare::deviceIsComparedWithADump()
 {
     const CDumpFile file(savedLines);
-    CCliProcess here(withDevice("saved.csv"), QFileInfo(file.name()).path());
-    QCOMPARE(here.shown(), "parameter  saved.csv  node 5  name                     note\n"
-                           "1001       0x01       0x00    Error register           changes by itself\n"
-                           "1017       0x01F4     0x03E8  Producer heartbeat time\n"
-                           "-- 1\n");
+    CCliRun here(withDevice("saved.csv"), QFileInfo(file.name()).path());
+    QCOMPARE(here.outcome(), "parameter  saved.csv  node 5  name                     note\n"
+                             "1001       0x01       0x00    Error register           changes by itself\n"
+                             "1017       0x01F4     0x03E8  Producer heartbeat time\n"
+                             "-- 1\n");
     QVERIFY(write(5, { "1017", "500" }));
-    CCliProcess second(withDevice("saved.csv"), QFileInfo(file.name()).path());
-    QCOMPARE(second.shown(), "parameter  saved.csv  node 5  name            note\n"
-                             "1001       0x01       0x00    Error register  changes by itself\n"
-                             "-- 0\n");
+    CCliRun second(withDevice("saved.csv"), QFileInfo(file.name()).path());
+    QCOMPARE(second.outcome(), "parameter  saved.csv  node 5  name            note\n"
+                               "1001       0x01       0x00    Error register  changes by itself\n"
+                               "-- 0\n");
 }
 
 void TestCliCompare::whatChangesByItselfCountsOnlyWhenAskedFor()
 {
     const CDumpFile file(savedLines.mid(0, 2));
-    CCliProcess run(withDevice("saved.csv", { "--all" }), QFileInfo(file.name()).path());
-    QCOMPARE(run.shown(), "parameter  saved.csv  node 5  name            note\n"
-                          "1001       0x01       0x00    Error register  changes by itself\n"
-                          "-- 1\n");
+    CCliRun run(withDevice("saved.csv", { "--all" }), QFileInfo(file.name()).path());
+    QCOMPARE(run.outcome(), "parameter  saved.csv  node 5  name            note\n"
+                            "1001       0x01       0x00    Error register  changes by itself\n"
+                            "-- 1\n");
     const CDumpFile same(savedLines.mid(1, 1));
-    CCliProcess none(withDevice(same.name(), { "--all" }));
-    QCOMPARE(none.shown(), "-- 0\n");
+    CCliRun none(withDevice(same.name(), { "--all" }));
+    QCOMPARE(none.outcome(), "-- 0\n");
 }
 
 void TestCliCompare::formatsOfPrograms()
 {
     const CDumpFile file(savedLines);
-    CCliProcess csv(withDevice(file.name(), { "--format", "csv" }));
-    QCOMPARE(csv.shown(), "parameter,first,second,name,note\n"
-                          "1001,0x01,0x00,Error register,changes by itself\n"
-                          "1017,0x01F4,0x03E8,Producer heartbeat time,\n"
-                          "-- 1\n");
-    CCliProcess json(withDevice(file.name(), { "--format", "json" }));
-    QCOMPARE(json.shown(), R"([
+    CCliRun csv(withDevice(file.name(), { "--format", "csv" }));
+    QCOMPARE(csv.outcome(), "parameter,first,second,name,note\n"
+                            "1001,0x01,0x00,Error register,changes by itself\n"
+                            "1017,0x01F4,0x03E8,Producer heartbeat time,\n"
+                            "-- 1\n");
+    CCliRun json(withDevice(file.name(), { "--format", "json" }));
+    QCOMPARE(json.outcome(), R"([
     {
         "byItself": true,
         "first": "0x01",
@@ -139,10 +139,10 @@ void TestCliCompare::formatsOfPrograms()
 -- 1
 )");
     const CDumpFile same(savedLines.mid(1, 1));
-    CCliProcess noRows(withDevice(same.name(), { "--format", "csv" }));
-    QCOMPARE(noRows.shown(), "parameter,first,second,name,note\n-- 0\n");
-    CCliProcess noObjects(withDevice(same.name(), { "--format", "json" }));
-    QCOMPARE(noObjects.shown(), "[\n]\n-- 0\n");
+    CCliRun noRows(withDevice(same.name(), { "--format", "csv" }));
+    QCOMPARE(noRows.outcome(), "parameter,first,second,name,note\n-- 0\n");
+    CCliRun noObjects(withDevice(same.name(), { "--format", "json" }));
+    QCOMPARE(noObjects.outcome(), "[\n]\n-- 0\n");
 }
 
 void TestCliCompare::dumpOfTheDeviceAndItsConfigurationFileAreTheSame()
@@ -150,11 +150,11 @@ void TestCliCompare::dumpOfTheDeviceAndItsConfigurationFileAreTheSame()
     QVERIFY(write(5, { "1017", "500", "1014", "0x285", "2008", "Hall 4", "2007", "0x3F800000" }));
     const QStringList files{ dumped("saved.csv"), dumped("saved.json"), dumped("saved.dcf") };
     for (const QString& first : files) {
-        CCliProcess withNode(withDevice(first, { "--all" }));
-        QCOMPARE(withNode.shown(), "-- 0\n");
+        CCliRun withNode(withDevice(first, { "--all" }));
+        QCOMPARE(withNode.outcome(), "-- 0\n");
         for (const QString& second : files) {
-            CCliProcess run({ "compare", "--all", first, second });
-            QCOMPARE(run.shown(), "-- 0\n");
+            CCliRun run({ "compare", "--all", first, second });
+            QCOMPARE(run.outcome(), "-- 0\n");
         }
     }
 }
@@ -174,43 +174,43 @@ void TestCliCompare::everyKindOfFileIsComparedWithEveryOther()
     QVERIFY(write(5, { "1017", "600" }));
     for (const QString name : { "a.csv", "a.json", "a.dcf" }) {
         QVERIFY(!dumped(name).isEmpty());
-        CCliProcess run({ "compare", name, second, "--format", "csv" }, m_folder->path());
-        QCOMPARE(run.shown(), "parameter,first,second,name,note\n"
-                              "1017,0x0258,0x01F4,Producer heartbeat time,\n-- 1\n");
+        CCliRun run({ "compare", name, second, "--format", "csv" }, m_folder->path());
+        QCOMPARE(run.outcome(), "parameter,first,second,name,note\n"
+                                "1017,0x0258,0x01F4,Producer heartbeat time,\n-- 1\n");
     }
-    CCliProcess sheet({ "compare", demoSheet, second, "--format", "csv" }, m_folder->path());
-    QCOMPARE(sheet.shown(), "parameter,first,second,name,note\n"
-                            "1014,$NODEID+0x00000080,$NODEID+0x00000280,COB-ID EMCY,\n"
-                            "1017,0x03E8,0x01F4,Producer heartbeat time,\n-- 1\n");
+    CCliRun sheet({ "compare", demoSheet, second, "--format", "csv" }, m_folder->path());
+    QCOMPARE(sheet.outcome(), "parameter,first,second,name,note\n"
+                              "1014,$NODEID+0x00000080,$NODEID+0x00000280,COB-ID EMCY,\n"
+                              "1017,0x03E8,0x01F4,Producer heartbeat time,\n-- 1\n");
 }
 
 void TestCliCompare::relativeValuesOfAnotherNodeAreTheSame()
 {
     for (const QString name : { "saved.csv", "saved.json", "saved.dcf" }) {
         QVERIFY(!dumped(name).isEmpty());
-        CCliProcess other(withDevice(path(name), { "--all" }, 7));
-        QCOMPARE(other.shown(), "-- 0\n");
+        CCliRun other(withDevice(path(name), { "--all" }, 7));
+        QCOMPARE(other.outcome(), "-- 0\n");
     }
     QVERIFY(write(7, { "1014", "0x85" })); // that of node 5
-    CCliProcess run(withDevice(path("saved.dcf"), { "--format", "csv" }, 7));
-    QCOMPARE(run.shown(), "parameter,first,second,name,note\n"
-                          "1014,$NODEID+0x00000080,$NODEID+0x0000007E,COB-ID EMCY,\n-- 1\n");
+    CCliRun run(withDevice(path("saved.dcf"), { "--format", "csv" }, 7));
+    QCOMPARE(run.outcome(), "parameter,first,second,name,note\n"
+                            "1014,$NODEID+0x00000080,$NODEID+0x0000007E,COB-ID EMCY,\n-- 1\n");
 }
 
 void TestCliCompare::sheetOfTheDeviceTellsItsEntries()
 {
     const CDumpFile file({ "0x1014,0,COB-ID EMCY,Unsigned32,RW,4,0x00000085,",
                            "0x5FFF,0,Not there,Unsigned8,RW,1,0x01,", "0x5FFE,0,Nor known,Unsigned8,RW,,," });
-    CCliProcess run(withDevice(file.name(), { "-s", demoSheet, "--format", "csv" }));
-    QCOMPARE(run.shown(), "parameter,first,second,name,note\n5FFF,0x01,-,Not there,\n-- 1\n");
+    CCliRun run(withDevice(file.name(), { "-s", demoSheet, "--format", "csv" }));
+    QCOMPARE(run.outcome(), "parameter,first,second,name,note\n5FFF,0x01,-,Not there,\n-- 1\n");
     // Without a sheet the file tells the entries of the device, too.
-    CCliProcess second(withDevice(file.name()));
-    QCOMPARE(second.shown(), "-- 4\n5FFF: aborted by the device: 0x06020000 (Object does not exist in the object "
-                             "dictionary.)\n");
+    CCliRun second(withDevice(file.name()));
+    QCOMPARE(second.outcome(), "-- 4\n5FFF: aborted by the device: 0x06020000 (Object does not exist in the object "
+                               "dictionary.)\n");
     // Plain numbers are those of the node.
-    CCliProcess third(withDevice(file.name(), { "-s", demoSheet, "--format", "csv" }, 7));
-    QCOMPARE(third.shown(), "parameter,first,second,name,note\n"
-                            "1014,0x00000085,$NODEID+0x00000080,COB-ID EMCY,\n5FFF,0x01,-,Not there,\n-- 1\n");
+    CCliRun third(withDevice(file.name(), { "-s", demoSheet, "--format", "csv" }, 7));
+    QCOMPARE(third.outcome(), "parameter,first,second,name,note\n"
+                              "1014,0x00000085,$NODEID+0x00000080,COB-ID EMCY,\n5FFF,0x01,-,Not there,\n-- 1\n");
 }
 
 void TestCliCompare::abortIsToldAndTheRestCompared()
@@ -218,29 +218,29 @@ void TestCliCompare::abortIsToldAndTheRestCompared()
     CScriptedDevice device;
     device.set(0x1017, 0, "E803");
     const CDumpFile file(savedLines);
-    CCliProcess run({ "compare", "-i", device.interface(), "-n", "5", "--format", "csv", file.name() });
+    CCliRun run({ "compare", "-i", device.interface(), "-n", "5", "--format", "csv", file.name() });
     const QString text = ": aborted by the device: 0x06020000 (Object does not exist in the object dictionary.)\n";
-    QCOMPARE(run.shown(), "parameter,first,second,name,note\n"
-                          "1017,0x01F4,0x03E8,Producer heartbeat time,\n"
-                          "-- 4\n1001" +
-                              text + "1014" + text);
+    QCOMPARE(run.outcome(), "parameter,first,second,name,note\n"
+                            "1017,0x01F4,0x03E8,Producer heartbeat time,\n"
+                            "-- 4\n1001" +
+                                text + "1014" + text);
     QCOMPARE(device.steps(), QStringList()); // it only reads
 }
 
 void TestCliCompare::withoutAnAnswerTheEndIs3()
 {
     const CDumpFile file(savedLines);
-    CCliProcess run(withDevice(file.name(), {}, 9));
-    QCOMPARE(run.shown(), "-- 3\n1001: the gateway answers error 103 (no answer of the device in time); "
-                          "0 of 3 entries were read\n");
+    CCliRun run(withDevice(file.name(), {}, 9));
+    QCOMPARE(run.outcome(), "-- 3\n1001: the gateway answers error 103 (no answer of the device in time); "
+                            "0 of 3 entries were read\n");
 }
 
 void TestCliCompare::foreignTextsAreMadeVisible()
 {
     const CDumpFile first({ "0x2008,0,Lo\x1B[2Jcation,Visible String,RW,3,a\tb," });
     const CDumpFile second({ "0x2008,0,Location,Visible String,RW,3,abc," });
-    CCliProcess run({ "compare", first.name(), second.name() });
-    const QString shown = run.shown();
+    CCliRun run({ "compare", first.name(), second.name() });
+    const QString shown = run.outcome();
     QVERIFY2(!shown.contains('\x1B') && !shown.contains('\t'), qPrintable(shown));
     QVERIFY(shown.endsWith("-- 1\n"));
 }
@@ -270,8 +270,8 @@ void TestCliCompare::wrongUsageEndsWith2()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, message);
-    CCliProcess run(QStringList("compare") + arguments, m_folder->path());
-    QCOMPARE(run.shown(), "-- 2\n" + message + '\n');
+    CCliRun run(QStringList("compare") + arguments, m_folder->path());
+    QCOMPARE(run.outcome(), "-- 2\n" + message + '\n');
 }
 
 QTEST_GUILESS_MAIN(TestCliCompare)

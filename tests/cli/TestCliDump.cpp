@@ -1,6 +1,6 @@
 // velmora-cli dump, against simulated and scripted devices.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "ScriptedDevice.h"
 #include "SheetFile.h"
 #include "SimulatorProcess.h"
@@ -115,35 +115,35 @@ void TestCliDump::formatIsThatOfTheOptionOrTheEnding()
     QFETCH(const QStringList, options);
     QFETCH(const QByteArray, begin);
     const QString file = path("saved." + QString(QTest::currentDataTag()).section(' ', 0, 0));
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), QStringList{ "-o", file } + options));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), QStringList{ "-o", file } + options));
+    QCOMPARE(run.outcome(), "-- 0\n");
     QCOMPARE(contentOf(file).left(begin.size()), begin);
 }
 
 void TestCliDump::tableIsWrittenToStandardOutput()
 {
-    CCliProcess run(dump(m_device->interface(), m_sheet.name()));
-    QCOMPARE(run.shown(), "index   subindex  name        type            access  size  value               abort\n"
-                          "0x2000  0         Entry 2000  Unsigned16      RW      2     0x03E8\n"
-                          "0x2001  0         Entry 2001  Visible String  RW      2     ab\n"
-                          "0x2002  0         Entry 2002  Unsigned8       WO\n"
-                          "0x2003  0         Entry 2003  Octet String    RO      2     01 FF\n"
-                          "0x2004  0         Entry 2004  Unsigned32      RW      4     $NODEID+0x00000180\n"
-                          "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name()));
+    QCOMPARE(run.outcome(), "index   subindex  name        type            access  size  value               abort\n"
+                            "0x2000  0         Entry 2000  Unsigned16      RW      2     0x03E8\n"
+                            "0x2001  0         Entry 2001  Visible String  RW      2     ab\n"
+                            "0x2002  0         Entry 2002  Unsigned8       WO\n"
+                            "0x2003  0         Entry 2003  Octet String    RO      2     01 FF\n"
+                            "0x2004  0         Entry 2004  Unsigned32      RW      4     $NODEID+0x00000180\n"
+                            "-- 0\n");
     QCOMPARE(m_device->steps(), QStringList()); // it only reads
 }
 
 void TestCliDump::csvTellsEachEntryOfTheSheet()
 {
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "--format", "csv" }));
-    QCOMPARE(run.shown(), smallCsv + "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "--format", "csv" }));
+    QCOMPARE(run.outcome(), smallCsv + "-- 0\n");
 }
 
 void TestCliDump::jsonTellsTheSame()
 {
     m_device->set(0x2004, 0, "85020000");
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.json") }));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.json") }));
+    QCOMPARE(run.outcome(), "-- 0\n");
     const QJsonObject saved = QJsonDocument::fromJson(contentOf(path("saved.json"))).object();
     QCOMPARE(saved["nodeId"].toInt(), 5);
     const QJsonArray entries = saved["entries"].toArray();
@@ -158,8 +158,8 @@ void TestCliDump::jsonTellsTheSame()
 
 void TestCliDump::dcfIsTheSheetWithTheValues()
 {
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
+    QCOMPARE(run.outcome(), "-- 0\n");
     QByteArray expected = smallSheet();
     expected.replace("AccessType=rw\r\n\r\n[2001]", "AccessType=rw\r\nParameterValue=0x03E8\r\n\r\n[2001]");
     expected.replace("DefaultValue=none\r\n", "DefaultValue=none\r\nParameterValue=ab\r\n");
@@ -175,10 +175,10 @@ void TestCliDump::abortsAreListedAndAllElseIsSaved()
     QVERIFY2(simulator.port() != 0, simulator.log());
     QStringList arguments = dump(simulator.interface(), m_sheet.name(), { "-o", path("saved.csv") });
     arguments[4] = "6";
-    CCliProcess run(arguments);
-    QCOMPARE(run.shown(), "-- 4\n"
-                          "2000: aborted by the device: 0x06010001 (Attempt to read a write only object.)\n"
-                          "2003: aborted by the device: 0x05040000 (SDO protocol timed out.)\n");
+    CCliRun run(arguments);
+    QCOMPARE(run.outcome(), "-- 4\n"
+                            "2000: aborted by the device: 0x06010001 (Attempt to read a write only object.)\n"
+                            "2003: aborted by the device: 0x05040000 (SDO protocol timed out.)\n");
     QCOMPARE(contentOf(path("saved.csv")), "index,subindex,name,type,access,size,value,abort\n"
                                            "0x2000,0,Entry 2000,Unsigned16,RW,,,0x06010001\n"
                                            "0x2001,0,Entry 2001,Visible String,RW,4,none,\n"
@@ -191,29 +191,29 @@ void TestCliDump::withoutAnAnswerNothingIsSaved()
 {
     const CSimulatorProcess simulator({ "--fault", "silence@1001" });
     QVERIFY2(simulator.port() != 0, simulator.log());
-    CCliProcess run(dump(simulator.interface(), demoSheet, { "-o", path("saved.csv"), "--gateway-timeout", "500" }));
-    const QString entries = run.shown().section(" of ", 1, 1).section(' ', 0, 0);
+    CCliRun run(dump(simulator.interface(), demoSheet, { "-o", path("saved.csv"), "--gateway-timeout", "500" }));
+    const QString entries = run.outcome().section(" of ", 1, 1).section(' ', 0, 0);
     QVERIFY(entries.toInt() > 100);
-    QCOMPARE(run.shown(), "-- 3\n1001: no answer; 1 of " + entries + " entries were read; nothing was saved\n");
+    QCOMPARE(run.outcome(), "-- 3\n1001: no answer; 1 of " + entries + " entries were read; nothing was saved\n");
     QVERIFY(!QFileInfo::exists(path("saved.csv")));
 
     // A node that is not there.
     QStringList absent = dump(simulator.interface(), m_sheet.name(), { "-o", path("saved.csv") });
     absent[4] = "9";
-    CCliProcess second(absent);
-    QCOMPARE(second.shown(), "-- 3\n2000: the gateway answers error 103 (no answer of the device in time); "
-                             "0 of 4 entries were read; nothing was saved\n");
+    CCliRun second(absent);
+    QCOMPARE(second.outcome(), "-- 3\n2000: the gateway answers error 103 (no answer of the device in time); "
+                               "0 of 4 entries were read; nothing was saved\n");
     QVERIFY(!QFileInfo::exists(path("saved.csv")));
 }
 
 void TestCliDump::fileThatCannotBeWrittenIsLeftAsItWas()
 {
-    CCliProcess nowhere(dump(m_device->interface(), m_sheet.name(), { "-o", path("no/folder.csv") }));
-    QCOMPARE(nowhere.shown(), "-- 2\ncannot write " + path("no/folder.csv") + ": No such file or directory\n");
+    CCliRun nowhere(dump(m_device->interface(), m_sheet.name(), { "-o", path("no/folder.csv") }));
+    QCOMPARE(nowhere.outcome(), "-- 2\ncannot write " + path("no/folder.csv") + ": No such file or directory\n");
 
     QVERIFY(QDir(m_folder->path()).mkdir("saved.csv"));
-    CCliProcess folder(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
-    QCOMPARE(folder.shown(), "-- 2\ncannot write " + path("saved.csv") + ": Filename refers to a directory\n");
+    CCliRun folder(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
+    QCOMPARE(folder.outcome(), "-- 2\ncannot write " + path("saved.csv") + ": Filename refers to a directory\n");
 
     // A file that may not grow, as on a full disk.
     const CSheetFile old("old", "saved.csv");
@@ -232,8 +232,8 @@ void TestCliDump::fileThatCannotBeWrittenIsLeftAsItWas()
 void TestCliDump::fileIsReplacedAsAWhole()
 {
     const CSheetFile old(QByteArray(100000, 'x'), "saved.csv");
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", old.name() }));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", old.name() }));
+    QCOMPARE(run.outcome(), "-- 0\n");
     QCOMPARE(contentOf(old.name()), smallCsv);
     QCOMPARE(QDir(QFileInfo(old.name()).path()).entryList(QDir::Files | QDir::Hidden), QStringList("saved.csv"));
 }
@@ -244,8 +244,8 @@ void TestCliDump::pipeIsWrittenAndNotReplaced()
     QCOMPARE(QProcess::execute("mkfifo", { pipe }), 0);
     QProcess reader;
     reader.start("cat", { pipe });
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", pipe }));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", pipe }));
+    QCOMPARE(run.outcome(), "-- 0\n");
     QVERIFY(QFileInfo::exists(pipe) && !QFileInfo(pipe).isFile());
     QVERIFY(reader.waitForFinished(patience));
     QCOMPARE(reader.readAllStandardOutput(), smallCsv);
@@ -254,8 +254,8 @@ void TestCliDump::pipeIsWrittenAndNotReplaced()
 void TestCliDump::valueOfAnotherSizeIsToldAndSavedAsOctets()
 {
     m_device->set(0x2000, 0, "E8030000");
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
-    QCOMPARE(run.shown(), "-- 1\n2000: warning: the device has 4 bytes, which is no Unsigned16\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
+    QCOMPARE(run.outcome(), "-- 1\n2000: warning: the device has 4 bytes, which is no Unsigned16\n");
     QByteArray expected = smallCsv;
     QCOMPARE(contentOf(path("saved.csv")), expected.replace(",2,0x03E8,", ",4,E8 03 00 00,"));
 }
@@ -264,13 +264,13 @@ void TestCliDump::valueThatADcfCannotHoldIsTold()
 {
     m_device->set(0x2000, 0, "E80300");
     m_device->set(0x2001, 0, "613B62"); // a;b
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
-    QCOMPARE(run.shown(), "-- 1\n"
-                          "2000: warning: the device has 3 bytes, which is no Unsigned16\n"
-                          "2000: a DCF cannot hold its value; CSV and JSON can\n"
-                          "2001: a DCF cannot hold its value; CSV and JSON can\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
+    QCOMPARE(run.outcome(), "-- 1\n"
+                            "2000: warning: the device has 3 bytes, which is no Unsigned16\n"
+                            "2000: a DCF cannot hold its value; CSV and JSON can\n"
+                            "2001: a DCF cannot hold its value; CSV and JSON can\n");
     QCOMPARE(contentOf(path("saved.dcf")).count("ParameterValue"), 2);
-    CCliProcess csv(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
+    CCliRun csv(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
     QCOMPARE(csv.status(), 1);
     QVERIFY(contentOf(path("saved.csv")).contains("Visible String,RW,3,a;b,"));
 }
@@ -278,11 +278,11 @@ void TestCliDump::valueThatADcfCannotHoldIsTold()
 void TestCliDump::emptyTextIsToldOnlyWhereTheSheetHasAnother()
 {
     m_device->set(0x2003, 0, "");
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
-    QCOMPARE(run.shown(), "-- 0\n");
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
+    QCOMPARE(run.outcome(), "-- 0\n");
     m_device->set(0x2001, 0, "");
-    CCliProcess second(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
-    QCOMPARE(second.shown(), "-- 1\n2001: a DCF cannot hold its value; CSV and JSON can\n");
+    CCliRun second(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
+    QCOMPARE(second.outcome(), "-- 1\n2001: a DCF cannot hold its value; CSV and JSON can\n");
 }
 
 void TestCliDump::wrongAnswersAreNoValues_data()
@@ -304,8 +304,8 @@ void TestCliDump::wrongAnswersAreNoValues()
     QStringList arguments =
         dump(simulator.interface(), m_sheet.name(), { "-o", path("saved.csv"), "--gateway-timeout", "500" });
     arguments[4] = "6";
-    CCliProcess run(arguments);
-    QCOMPARE(run.shown(), "-- 3\n2000: " + message + '\n');
+    CCliRun run(arguments);
+    QCOMPARE(run.outcome(), "-- 3\n2000: " + message + '\n');
     const bool saved = contentOf(path("saved.csv")).contains("\n0x2000,0,Entry 2000,Unsigned16,RW,,,\n0x2001");
     QCOMPARE(saved, !message.endsWith("saved"));
 }
@@ -319,10 +319,10 @@ void TestCliDump::interruptSaysWhatWasRead()
         silent = true;
         return std::optional(QByteArray());
     });
-    CCliProcess run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
+    CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
     AWAIT_VERIFY(silent.load());
     run.interrupt();
-    QCOMPARE(run.shown(), "-- 130\ninterrupted; 2 of 4 entries were read; nothing was saved\n");
+    QCOMPARE(run.outcome(), "-- 130\ninterrupted; 2 of 4 entries were read; nothing was saved\n");
     QVERIFY(!QFileInfo::exists(path("saved.csv")));
 }
 
@@ -345,8 +345,8 @@ void TestCliDump::wrongUsageEndsWith2()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, message);
-    CCliProcess run(arguments);
-    QCOMPARE(run.shown(), "-- 2\n" + message + "\ntry 'velmora-cli dump --help'\n");
+    CCliRun run(arguments);
+    QCOMPARE(run.outcome(), "-- 2\n" + message + "\ntry 'velmora-cli dump --help'\n");
 }
 
 QTEST_GUILESS_MAIN(TestCliDump)

@@ -1,6 +1,6 @@
 // velmora-cli restore: what is written, what is not, and how it ends.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "DumpFile.h"
 #include "ScriptedDevice.h"
 
@@ -64,8 +64,8 @@ private:
     QString restore(const QByteArrayList& lines, const QStringList& more = {}) const
     {
         const CDumpFile file(identityLines + lines);
-        CCliProcess run(arguments(file.name(), more));
-        return run.shown();
+        CCliRun run(arguments(file.name(), more));
+        return run.outcome();
     }
     QStringList arguments(const QString& file, const QStringList& more = {}) const
     {
@@ -157,12 +157,12 @@ void TestCliRestore::anotherRevisionIsOnlyTold()
 void TestCliRestore::fileThatTellsNoDeviceNeedsForce()
 {
     const CDumpFile file(threeLines);
-    CCliProcess run(arguments(file.name()));
+    CCliRun run(arguments(file.name()));
     const QString told = "the file does not tell of which device it is (1000, 1018)\n";
-    QCOMPARE(run.shown(), "-- 1\n" + told + "nothing was written; --force does it nevertheless\n");
+    QCOMPARE(run.outcome(), "-- 1\n" + told + "nothing was written; --force does it nevertheless\n");
     QCOMPARE(m_device->steps(), QStringList());
-    CCliProcess forced(arguments(file.name(), { "--force" }));
-    QCOMPARE(forced.shown(), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
+    CCliRun forced(arguments(file.name(), { "--force" }));
+    QCOMPARE(forced.outcome(), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
 }
 
 // Not even when the device does not have them.
@@ -316,10 +316,10 @@ void TestCliRestore::interruptSaysWhatWasWritten()
     }
     m_device->setHook(answering("2100:3 = 01", ""));
     const CDumpFile file(identityLines + many);
-    CCliProcess run(arguments(file.name()));
+    CCliRun run(arguments(file.name()));
     QVERIFY(m_device->awaitStep("2100:3 = 01"));
     run.interrupt();
-    QCOMPARE(run.shown().section("-- ", 1),
+    QCOMPARE(run.outcome().section("-- ", 1),
              "130\ninterrupted; 2 of 15 values were written; not written: 2100:3, 2100:4, 2100:5, 2100:6, 2100:7, "
              "2100:8, 2100:9, 2100:A, 2100:B, 2100:C and 3 more\n");
 }
@@ -334,10 +334,10 @@ void TestCliRestore::interruptWhileReading()
         return std::optional(QByteArray());
     });
     const CDumpFile file(identityLines + threeLines);
-    CCliProcess run(arguments(file.name()));
+    CCliRun run(arguments(file.name()));
     AWAIT_VERIFY(silent.load());
     run.interrupt();
-    QCOMPARE(run.shown(), "-- 130\ninterrupted; 2 of 3 entries were read; nothing was written\n");
+    QCOMPARE(run.outcome(), "-- 130\ninterrupted; 2 of 3 entries were read; nothing was written\n");
 }
 
 void TestCliRestore::wrongUsageEndsWith2_data()
@@ -357,8 +357,8 @@ void TestCliRestore::wrongUsageEndsWith2()
 {
     QFETCH(const QStringList, more);
     QFETCH(const QString, message);
-    CCliProcess run(QStringList{ "restore", "-i", m_device->interface(), "-n", "5" } + more);
-    QCOMPARE(run.shown(), "-- 2\n" + message + '\n');
+    CCliRun run(QStringList{ "restore", "-i", m_device->interface(), "-n", "5" } + more);
+    QCOMPARE(run.outcome(), "-- 2\n" + message + '\n');
 }
 
 QTEST_GUILESS_MAIN(TestCliRestore)

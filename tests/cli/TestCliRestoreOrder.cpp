@@ -1,6 +1,6 @@
 // velmora-cli restore: PDO parameters, in an order that careful devices accept.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "DumpFile.h"
 #include "ScriptedDevice.h"
 
@@ -53,8 +53,8 @@ private:
     QString restore(const QByteArrayList& lines, const QStringList& more = {}) const
     {
         const CDumpFile file(identityLines + lines);
-        CCliProcess run(QStringList{ "restore", "-i", m_device->interface(), "-n", "5", file.name() } + more);
-        return run.shown().section("-- ", 1);
+        CCliRun run(QStringList{ "restore", "-i", m_device->interface(), "-n", "5", file.name() } + more);
+        return run.outcome().section("-- ", 1);
     }
 
     std::unique_ptr<CScriptedDevice> m_device;
@@ -153,10 +153,10 @@ void TestCliRestoreOrder::interruptLeavesItInPreOperational()
         return step == "1A00:1 = 08 02 00 60" ? std::optional(QByteArray()) : std::nullopt;
     });
     const CDumpFile file(identityLines + pdoLines);
-    CCliProcess run({ "restore", "-i", m_device->interface(), "-n", "5", file.name() });
+    CCliRun run({ "restore", "-i", m_device->interface(), "-n", "5", file.name() });
     QVERIFY(m_device->awaitStep("1A00:1 = 08 02 00 60"));
     run.interrupt();
-    QCOMPARE(run.shown().section("-- ", 1),
+    QCOMPARE(run.outcome().section("-- ", 1),
              "130\n" + begun + abandoned +
                  "interrupted; 0 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2, 2000\n");
     QCOMPARE(m_device->steps(), pdoSteps.mid(0, 4));
@@ -208,9 +208,9 @@ void TestCliRestoreOrder::relativeCobIdOfTheNode()
     m_device->set(0x1A00, 1, "08020060");
     m_device->set(0x1A00, 2, "08010060");
     const CDumpFile file(identityLines + pdoLines.mid(0, 6));
-    CCliProcess run({ "restore", "-i", m_device->interface(), "-n", "7", file.name() });
-    QCOMPARE(run.shown(), "1800:1: 0x00000285 -> 0x00000287  COB-ID\n-- 0\n" +
-                              QString(begun + started).replace("5", "7") + "1 of 1 values were written\n");
+    CCliRun run({ "restore", "-i", m_device->interface(), "-n", "7", file.name() });
+    QCOMPARE(run.outcome(), "1800:1: 0x00000285 -> 0x00000287  COB-ID\n-- 0\n" +
+                                QString(begun + started).replace("5", "7") + "1 of 1 values were written\n");
     QCOMPARE(m_device->value(0x1800, 1), "87 02 00 00");
 }
 

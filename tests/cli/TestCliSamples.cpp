@@ -1,7 +1,7 @@
 // For every sheet that loads: what a device has is saved, restored to a reset device and to one with another node-id, and
 // compares equal.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "SimulatorProcess.h"
 #include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
@@ -76,8 +76,8 @@ private Q_SLOTS:
 private:
     QString run(const QStringList& words) const
     {
-        CCliProcess process(words.mid(0, 1) + QStringList{ "-i", m_interface } + words.mid(1));
-        return process.shown();
+        CCliRun process(words.mid(0, 1) + QStringList{ "-i", m_interface } + words.mid(1));
+        return process.outcome();
     }
     int change(const QString& fileName) const;
     void restoreAndCompare(const QString& node, const QString& file) const;

@@ -1,6 +1,6 @@
 // velmora-cli dump, compare and restore on vcan0, and the state of the node before and after.
 // SPDX-License-Identifier: MIT
-#include "CliProcess.h"
+#include "CliRun.h"
 #include "RawCan.h"
 #include "SimulatorProcess.h"
 
@@ -37,16 +37,16 @@ private:
     // Of the program, with a time-out that no busy machine reaches, on vcan0.
     static QString run(const QStringList& words, int node = 5)
     {
-        CCliProcess process(
+        CCliRun process(
             words.mid(0, 1) +
             QStringList{ "-i", "vcan0", "--timeout", QString::number(sdoPatience), "-n", QString::number(node) } +
             words.mid(1));
-        return process.shown();
+        return process.outcome();
     }
     static QString nmt(const QString& command, const QString& node = "5")
     {
-        CCliProcess process({ "nmt", "-i", "vcan0", command, node });
-        return process.shown();
+        CCliRun process({ "nmt", "-i", "vcan0", command, node });
+        return process.outcome();
     }
     static QString restored(const QString& end)
     {
@@ -185,8 +185,8 @@ void TestCliRestoreOnVcan::framesOfAPdoComeInOrder()
 
 void TestCliRestoreOnVcan::silenceSavesNothing()
 {
-    CCliProcess process({ "dump", "-i", "vcan0", "-n", "5", "-s", sheet, "-o", path("silent.csv") });
-    const QString shown = process.shown();
+    CCliRun process({ "dump", "-i", "vcan0", "-n", "5", "-s", sheet, "-o", path("silent.csv") });
+    const QString shown = process.outcome();
     QVERIFY2(shown.startsWith("-- 3\n") && shown.endsWith(" entries were read; nothing was saved\n"),
              qPrintable(shown));
     QVERIFY(!QFile::exists(path("silent.csv")));

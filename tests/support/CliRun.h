@@ -51,7 +51,12 @@ inline tCliRun runCliInShell(const QString& line, const QStringList& arguments)
 class CCliRun
 {
 public:
-    explicit CCliRun(const QStringList& arguments) { m_process.start(QStringLiteral(VELMORA_CLI), arguments); }
+    /// `folder`: where it runs; that of the test by itself.
+    explicit CCliRun(const QStringList& arguments, const QString& folder = {})
+    {
+        m_process.setWorkingDirectory(folder);
+        m_process.start(VELMORA_CLI, arguments);
+    }
     ~CCliRun()
     {
         m_process.kill();
@@ -73,7 +78,18 @@ public:
         m_output += m_process.readAllStandardOutput();
         return QString::fromUtf8(m_output);
     }
-    QString error() { return QString::fromUtf8(m_process.readAllStandardError()); }
+    QString error()
+    {
+        m_error += m_process.readAllStandardError();
+        return QString::fromUtf8(m_error);
+    }
+    /// Standard output, then "--" and the exit status, then standard error without the name of the program; after the
+    /// end.
+    QString outcome()
+    {
+        const int ended = status();
+        return QString("%1-- %2\n%3").arg(output()).arg(ended).arg(error().replace("velmora-cli: ", ""));
+    }
     /// Waits until it has written that many lines to standard output.
     bool hasWritten(qsizetype lines)
     {
@@ -89,6 +105,7 @@ public:
 private:
     QProcess m_process;
     QByteArray m_output;
+    QByteArray m_error;
 };
 
 /// Everything a run has shown, for one comparison: "status 0, output \"0x03E8\\n\", error \"\"".
