@@ -10,14 +10,28 @@ namespace
 {
 
 // The index of a text such as "1010" or "0x1F51".
-unsigned indexOf(const std::string& text)
+unsigned indexOf(const char* option, const std::string& text)
 {
     constexpr unsigned highest = 0xFFFF;
     bool isNumber = false;
     const unsigned index = QString::fromStdString(text).toUInt(&isNumber, 16);
     if (!isNumber || index > highest)
-        throw CLI::ValidationError("--include", "expected an index such as 1003, not " + text);
+        throw CLI::ValidationError(option, "expected an index such as 1003, not " + text);
     return index;
+}
+
+void addIndexes(CLI::App& app, const char* option, std::set<unsigned>& indexes, const char* help)
+{
+    app.add_option_function<std::vector<std::string>>(
+           option,
+           [option, &indexes](const std::vector<std::string>& texts) {
+               for (const std::string& text : texts)
+                   indexes.insert(indexOf(option, text));
+           },
+           help)
+        ->type_name("INDEX")
+        ->take_all()
+        ->allow_extra_args(false);
 }
 
 } // namespace
@@ -37,17 +51,9 @@ void addRestore(CLI::App& app, tCommand& command)
     restoreApp.add_flag_callback(
         "--no-start", [options] { options->start = false; },
         "leave a node whose state before is not known in pre-operational");
-    restoreApp
-        .add_option_function<std::vector<std::string>>(
-            "--include",
-            [options](const std::vector<std::string>& texts) {
-                for (const std::string& text : texts)
-                    options->include.insert(indexOf(text));
-            },
-            "write this index, too: 1003, 1010, 1011, 1F50 to 1F5F and write-only entries are left out otherwise")
-        ->type_name("INDEX")
-        ->take_all()
-        ->allow_extra_args(false);
+    addIndexes(restoreApp, "--include", options->include,
+               "write this index, too: 1003, 1010, 1011, 1F50 to 1F5F and write-only entries are left out otherwise");
+    addIndexes(restoreApp, "--exclude", options->exclude, "do not write this index");
     restoreApp.footer(
         "Compares first and writes only what differs, then reads it back. PDO parameters are written in\n"
         "pre-operational: afterwards the node is brought back into its state, which is learned from its heartbeat.\n"

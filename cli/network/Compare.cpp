@@ -30,8 +30,16 @@ bool changesByItself(const tSnapshotEntry& entry)
     return entry.access == tEntry::accessRO || entry.index == errorRegister || entry.index == errorField;
 }
 
+// Whether there is anything to compare.
+bool hasValue(const tSnapshotEntry& entry)
+{
+    return entry.value || !entry.wrongText.isEmpty();
+}
+
 QString valueText(const tSnapshotEntry& entry, const tSnapshotEntry& like)
 {
+    if (!entry.value)
+        return QStringLiteral("\"%1\" (no value)").arg(entry.wrongText);
     if (entry.relative)
         return dumpedText(*entry.value, like.type, true);
     return typedValue::textOf(like.type, *entry.value, valueFormats::modeHex);
@@ -45,16 +53,14 @@ std::map<tKey, const tSnapshotEntry*> entriesOf(const tSnapshot& snapshot)
     return entries;
 }
 
-// Whether both entries have the same value. Where only one of them is relative to a node-id, on the buses of their
-// nodes; a node that is not known is taken for the other one.
+// Whether the value of the first one, restored to the node of the second one, is the value there. A node that is not
+// known is taken for the other one.
 bool hasSameValue(const tSnapshotEntry& first, unsigned firstNode, const tSnapshotEntry& second, unsigned secondNode)
 {
-    if (first.relative == second.relative)
-        return first.value == second.value;
-    const auto onBus = [](const tSnapshotEntry& entry, unsigned node, unsigned otherNode) {
-        return valueOfNode(entry, *entry.value, node != 0 ? node : otherNode);
-    };
-    return onBus(first, firstNode, secondNode) == onBus(second, secondNode, firstNode);
+    if (!first.value || !second.value || first.relative == second.relative)
+        return first.value == second.value && first.wrongText == second.wrongText;
+    const unsigned node = secondNode != 0 ? secondNode : firstNode;
+    return node != 0 && valueOfNode(first, node) == valueOfNode(second, node);
 }
 
 // What is in `source` with a value and not described in `other` at all.
@@ -62,7 +68,7 @@ void addMissing(std::vector<tDifference>& differences, const tSnapshot& source, 
 {
     const auto known = entriesOf(other);
     for (const tSnapshotEntry& entry : source.entries) {
-        if (!entry.value || known.count({ entry.index, entry.subIndex }) != 0)
+        if (!hasValue(entry) || known.count({ entry.index, entry.subIndex }) != 0)
             continue;
         const QString value = valueText(entry, entry);
         const QString none = QLatin1String(notThere);
@@ -73,7 +79,7 @@ void addMissing(std::vector<tDifference>& differences, const tSnapshot& source, 
 bool differs(const tSnapshotEntry& first, const tSnapshot& firstSet, const tSnapshotEntry& second,
              const tSnapshot& secondSet)
 {
-    return first.value && second.value && !hasSameValue(first, firstSet.nodeId, second, secondSet.nodeId);
+    return hasValue(first) && hasValue(second) && !hasSameValue(first, firstSet.nodeId, second, secondSet.nodeId);
 }
 
 const QStringList& columns()
@@ -126,6 +132,21 @@ void print(CConsole& console, const std::vector<tDifference>& differences, const
     console.write(csvText(rows));
 }
 
+// Tells what could not be read when the dump was made, and therefore is not compared.
+void tellMissing(const tSnapshot& dump, const QString& name, const tSnapshot& other, CConsole& console)
+{
+    if (!dump.isDump)
+        return;
+    const auto known = entriesOf(other);
+    std::vector<const tSnapshotEntry*> missing;
+    for (const tSnapshotEntry& entry : dump.entries) {
+        if (!entry.value && isReadable(entry) && known.count({ entry.index, entry.subIndex }) != 0)
+            missing.push_back(&entry);
+    }
+    if (!missing.empty())
+        console.message(QStringLiteral("not compared, since %1 has no value: %2").arg(name, namesOf(missing)));
+}
+
 // The device, read where the file knows a value.
 tSnapshot snapshotOfDevice(const tCompareOptions& options, const tSnapshot& file, CConsole& console, int& status)
 {
@@ -135,7 +156,7 @@ tSnapshot snapshotOfDevice(const tCompareOptions& options, const tSnapshot& file
     const tDevice device{ network, options.node, console };
     status = readEntries(device, snapshot, [&known](const tSnapshotEntry& entry) {
         const auto place = known.find({ entry.index, entry.subIndex });
-        return place != known.end() && place->second->value && isReadable(entry);
+        return place != known.end() && hasValue(*place->second) && isReadable(entry);
     });
     return snapshot;
 }
@@ -168,6 +189,9 @@ int compare(const tCompareOptions& options, CConsole& console)
     const tSnapshot first = loadSnapshot(options.files.front());
     const tSnapshot second =
         withDevice ? snapshotOfDevice(options, first, console, status) : loadSnapshot(options.files.back());
+    tellMissing(first, options.files.front(), second, console);
+    if (!withDevice)
+        tellMissing(second, options.files.back(), first, console);
     const auto differences = compareSnapshots(first, second);
     const QString other = withDevice ? QStringLiteral("node %1").arg(options.node) : options.files.back();
     print(console, differences, options, { options.files.front(), other });

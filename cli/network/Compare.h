@@ -18,7 +18,8 @@ struct tDifference {
 };
 
 /// Compares the entries whose value both know, in the order of the first; an entry that only one of them describes is a
-/// difference, too, when its value is known. Values that depend on the node-id are compared relative to it.
+/// difference, too, when its value is known. A text that is no value differs from everything but itself. Values that
+/// depend on the node-id are compared relative to it.
 /// The result points into `first` and `second`.
 std::vector<tDifference> compareSnapshots(const tSnapshot& first, const tSnapshot& second);
 

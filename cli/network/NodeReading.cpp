@@ -4,6 +4,9 @@
 
 #include "dic/CANopenObjectEntry.h"
 #include "network/TypedValue.h"
+#include "sheets/EntryText.h"
+
+#include <QStringList>
 
 #include <algorithm>
 #include <iterator>
@@ -18,6 +21,7 @@ using tEntry = CCANopenObjectEntry;
 int readEntry(const tDevice& device, tSnapshotEntry& entry)
 {
     entry.value.reset();
+    entry.wrongText.clear();
     entry.abortCode = 0;
     const auto [bytes, failure] = device.network.read(static_cast<BYTE>(device.node), static_cast<WORD>(entry.index),
                                                       static_cast<BYTE>(entry.subIndex));
@@ -28,7 +32,7 @@ int readEntry(const tDevice& device, tSnapshotEntry& entry)
         device.console.message(QStringLiteral("%1: %2").arg(nameOf(entry), failure->text));
         return failure->status;
     }
-    entry.value = valueToHold(entry, bytes, static_cast<unsigned>(device.node));
+    holdValue(entry, bytes, static_cast<unsigned>(device.node));
     if (!typedValue::sizeDiffers(entry.type, bytes.size()))
         return exitDone;
     warnOfSize(device.console, nameOf(entry), entry.type, bytes.size());
@@ -44,6 +48,7 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
     for (tSnapshotEntry& entry : snapshot.entries) {
         if (!wanted(entry)) {
             entry.value.reset();
+            entry.wrongText.clear();
             continue;
         }
         ++done;
@@ -62,9 +67,18 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
 
 void warnOfSize(CConsole& console, const QString& name, int type, qsizetype size)
 {
-    console.message(
-        QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
-            .arg(name, QString::number(size), tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(type))));
+    console.message(QStringLiteral("%1: warning: the device has %2 bytes, which is no %3")
+                        .arg(name, QString::number(size), dataTypeName(type)));
+}
+
+QString namesOf(const std::vector<const tSnapshotEntry*>& entries)
+{
+    constexpr std::size_t most = 10;
+    QStringList names;
+    for (std::size_t place = 0; place < std::min(most, entries.size()); ++place)
+        names += nameOf(*entries[place]);
+    const QString text = names.join(QStringLiteral(", "));
+    return entries.size() <= most ? text : QStringLiteral("%1 and %2 more").arg(text).arg(entries.size() - most);
 }
 
 bool isReadable(const tSnapshotEntry& entry)

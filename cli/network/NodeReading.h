@@ -28,6 +28,9 @@ int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<
 /// Warns of a value of another size than its type has.
 void warnOfSize(CConsole& console, const QString& name, int type, qsizetype size);
 
+/// "1018:1, 1018:2": not more than ten of them, and how many more there are.
+QString namesOf(const std::vector<const tSnapshotEntry*>& entries);
+
 /// Whether an entry can be read at all.
 bool isReadable(const tSnapshotEntry& entry);
 

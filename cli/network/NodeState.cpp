@@ -6,7 +6,6 @@
 
 #include <QDeadlineTimer>
 
-#include <algorithm>
 #include <chrono>
 
 namespace
@@ -19,7 +18,8 @@ constexpr int unknownState = -1;
 constexpr int stateMask = 0x7F;
 constexpr unsigned heartbeat = 0x700; // plus the node-id
 constexpr WORD producerHeartbeatTime = 0x1017;
-constexpr int longestWait = 3000; // milliseconds for a heartbeat
+constexpr int heartbeatSlack = 500; // milliseconds that a heartbeat may be late
+constexpr int patience = 3000;      // milliseconds after which a wait is told
 
 // The state in the next heartbeat, for which `time` milliseconds are waited. Those that came before are old, and a node
 // that has just booted may be on its way to another state.
@@ -33,8 +33,10 @@ int awaitHeartbeat(CNetwork& network, unsigned node, int time)
             sleepUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(1));
             continue;
         }
-        if (message->identifier != heartbeat + node || message->data.size() != 1)
+        if (message->identifier != heartbeat + node || message->data.size() != 1) {
+            network.watch(*message);
             continue;
+        }
         const int state = message->data[0] & stateMask;
         if (state != bootUp)
             return state;
@@ -50,9 +52,13 @@ int stateOf(const tDevice& device)
     if (failure || bytes.size() != 2)
         return unknownState;
     const int period = static_cast<unsigned char>(bytes[0]) | static_cast<unsigned char>(bytes[1]) << 8;
-    return period == 0
-               ? unknownState
-               : awaitHeartbeat(device.network, static_cast<unsigned>(device.node), std::min(2 * period, longestWait));
+    if (period == 0)
+        return unknownState;
+    const int wait = 2 * period + heartbeatSlack;
+    if (wait > patience)
+        device.console.message(
+            QStringLiteral("waiting for a heartbeat of node %1, which comes every %2 ms").arg(device.node).arg(period));
+    return awaitHeartbeat(device.network, static_cast<unsigned>(device.node), wait);
 }
 
 } // namespace
@@ -69,7 +75,6 @@ void CPreOperational::end(bool start)
 {
     if (!m_begun)
         return;
-    m_begun = false;
     if (m_state == preOperational) {
         say("stays in pre-operational, as it was");
     } else if (m_state == unknownState && !start) {
@@ -78,12 +83,13 @@ void CPreOperational::end(bool start)
         send(&CCANopenAccess::startRemoteNode);
         say(m_state == unknownState ? "was started again; its state before is not known" : "is operational again");
     }
+    m_begun = false;
 }
 
 void CPreOperational::abandon()
 {
     if (m_begun)
-        say("stays in pre-operational, since not all was written");
+        say("is still in pre-operational");
     m_begun = false;
 }
 

@@ -18,7 +18,7 @@ public:
     /// pre-operational. Does nothing before `begin`.
     void end(bool start);
 
-    /// Leaves the node in pre-operational, since not all was written, and tells so. Does nothing before `begin`.
+    /// Leaves the node in pre-operational, and tells so. Does nothing before `begin`.
     void abandon();
 
 private:

@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: MIT
 #include "network/Restore.h"
 
+#include "dic/CANopenObjectEntry.h"
 #include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
-#include "network/NodeReading.h"
+#include "network/DeviceIdentity.h"
 #include "network/NodeState.h"
-#include "network/TypedValue.h"
+#include "network/UnitWriter.h"
 #include "network/WriteOrder.h"
 #include "sheets/EntryAccess.h"
+#include "sheets/EntryText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -25,19 +27,13 @@ constexpr struct {
     unsigned last;
 } leftOut[] = { { 0x1003, 0x1003 }, { 0x1010, 0x1011 }, { 0x1F50, 0x1F5F } };
 
-// What tells one device from another. A revision may differ between devices of one kind.
-constexpr struct {
-    unsigned index;
-    unsigned subIndex;
-    bool refuses;
-} identity[] = { { 0x1000, 0, true }, { 0x1018, 1, true }, { 0x1018, 2, true }, { 0x1018, 3, false } };
+constexpr int longestStoring = 10000; // milliseconds that a device may write into its flash memory
 
-QString textOf(const tSnapshotEntry& entry, const std::optional<QByteArray>& value, int node)
+using tEntries = std::vector<const tSnapshotEntry*>;
+
+bool contains(const tEntries& entries, const tSnapshotEntry* entry)
 {
-    if (!value)
-        return QStringLiteral("?");
-    const QByteArray bytes = valueOfNode(entry, *value, static_cast<unsigned>(node));
-    return visibleLine(typedValue::textOf(entry.type, bytes, valueFormats::modeHex));
+    return std::find(entries.cbegin(), entries.cend(), entry) != entries.cend();
 }
 
 class CRestore
@@ -50,29 +46,35 @@ public:
           m_console(console),
           m_network(options.network, console),
           m_node{ m_network, options.node, console },
-          m_preOperational(m_node)
+          m_preOperational(m_node),
+          m_writer(m_node, m_device)
     {
     }
 
     int run()
     {
         try {
-            if (!isSameDevice())
-                return exitDifference;
+            refuseWrongTexts();
+            if (const int status = identityStatus(); status != exitDone)
+                return status;
             readDevice();
         } catch (const tEnd& end) {
             throw tEnd{ end.status, QStringLiteral("%1; nothing was written").arg(end.message) };
         }
         findDifferences();
-        if (m_options.dryRun)
+        tellOutputs();
+        if (m_options.dryRun) {
+            if (hasPdoParameters())
+                m_console.message(
+                    QStringLiteral("node %1 would be in pre-operational while they are written").arg(m_node.node));
             return exitDone;
+        }
         try {
             writeAll();
             readBack();
             finish();
         } catch (const tEnd& end) {
-            m_preOperational.abandon();
-            throw tEnd{ end.status, QStringLiteral("%1; %2").arg(end.message, progressText()) };
+            endEarly(end);
         }
         m_console.message(progressText());
         return m_status;
@@ -94,7 +96,8 @@ private:
         const bool isLeftOut = std::any_of(std::begin(leftOut), std::end(leftOut), [&entry](const auto& range) {
             return entry.index >= range.first && entry.index <= range.last;
         });
-        return (!isLeftOut && isReadable(entry)) || m_options.include.count(entry.index) != 0;
+        return m_options.exclude.count(entry.index) == 0 &&
+               ((!isLeftOut && isReadable(entry)) || m_options.include.count(entry.index) != 0);
     }
 
     bool isCompared(const tSnapshotEntry& entry) const
@@ -102,62 +105,127 @@ private:
         return entry.value && isWritable(entry.access) && isIncluded(entry);
     }
 
-    // Tells and refuses when the device is of another kind than that of the file.
-    bool isSameDevice()
+    // A value that cannot be written must not be left out without a word.
+    void refuseWrongTexts() const
     {
-        bool compared = false;
-        bool same = true;
-        for (const auto& row : identity) {
-            const auto entry = std::find_if(m_file.entries.cbegin(), m_file.entries.cend(), [&row](const auto& each) {
-                return each.index == row.index && each.subIndex == row.subIndex && each.value;
-            });
-            if (entry == m_file.entries.cend())
-                continue;
-            tSnapshotEntry present = *entry;
-            readEntry(m_node, present);
-            if (present.value != entry->value)
-                m_console.message(QStringLiteral("%1 (%2) is %3 in the file and %4 in the device")
-                                      .arg(nameOf(*entry), entry->name, textOf(*entry, entry->value, m_node.node),
-                                           textOf(present, present.value, m_node.node)));
-            compared |= row.refuses;
-            same &= !row.refuses || present.value == entry->value;
-        }
-        if (!compared)
-            m_console.message(QStringLiteral("the file does not tell of which device it is (1000, 1018)"));
-        if ((compared && same) || m_options.force)
-            return true;
+        tEntries wrong;
+        for (const tSnapshotEntry& entry : m_file.entries)
+            if (!entry.wrongText.isEmpty() && isWritable(entry.access) && isIncluded(entry))
+                wrong.push_back(&entry);
+        for (const tSnapshotEntry* entry : wrong)
+            m_console.message(QStringLiteral("%1: \"%2\" is no value of type %3")
+                                  .arg(nameOf(*entry), visibleLine(entry->wrongText), dataTypeName(entry->type)));
+        if (!wrong.empty())
+            throw tEnd{
+                exitUsage,
+                QStringLiteral("not all values of %1 can be written (--exclude leaves them out)").arg(m_options.file)
+            };
+    }
+
+    // Refuses a device of another kind than that of the file.
+    int identityStatus()
+    {
+        const int status = compareIdentity(m_file, m_node);
+        if (status == exitDone || m_options.force)
+            return exitDone;
         m_console.message(QStringLiteral("nothing was written; --force does it nevertheless"));
-        return false;
+        return status;
+    }
+
+    void tellAbsolute(const tEntries& entries) const
+    {
+        if (m_file.nodeId == static_cast<unsigned>(m_node.node) || entries.empty())
+            return;
+        m_console.message(QStringLiteral("written as they are in the file, since they do not depend on its node-id: %1")
+                              .arg(namesOf(entries)));
+    }
+
+    // What a device puts out is written like anything else, and acts at once.
+    void tellOutputs() const
+    {
+        tEntries outputs;
+        for (const tSnapshotEntry* entry : m_wanted)
+            if (entry->access == CCANopenObjectEntry::accessRWW)
+                outputs.push_back(entry);
+        if (!outputs.empty())
+            m_console.message(QStringLiteral("warning: process outputs are among them (--exclude leaves them out): %1")
+                                  .arg(namesOf(outputs)));
     }
 
     // Finds and prints them.
     void findDifferences()
     {
+        const auto node = static_cast<unsigned>(m_node.node);
+        tEntries absolute;
         for (std::size_t place = 0; place < m_file.entries.size(); ++place) {
             const tSnapshotEntry& entry = m_file.entries[place];
-            const std::optional<QByteArray>& present = m_device.entries[place].value;
-            if (!isCompared(entry) || present == entry.value)
+            const tSnapshotEntry& present = m_device.entries[place];
+            if (!isCompared(entry) || (present.value && valueOfNode(present, node) == valueOfNode(entry, node)))
                 continue;
             m_wanted.push_back(&entry);
+            if (entry.offset && !entry.relative)
+                absolute.push_back(&entry);
             m_console.line(QStringLiteral("%1: %2 -> %3  %4")
-                               .arg(nameOf(entry), textOf(entry, present, m_node.node),
-                                    textOf(entry, entry.value, m_node.node), visibleLine(entry.name)));
+                               .arg(nameOf(entry), shownValue(present, m_node.node), shownValue(entry, m_node.node),
+                                    visibleLine(entry.name)));
         }
+        tellAbsolute(absolute);
+    }
+
+    bool hasPdoParameters() const
+    {
+        return std::any_of(m_wanted.cbegin(), m_wanted.cend(),
+                           [](const auto* entry) { return isPdoParameter(entry->index); });
+    }
+
+    bool isWritten(const tSnapshotEntry* entry) const { return contains(m_written, entry); }
+
+    // Only then the node may be operational again.
+    bool arePdosWritten() const
+    {
+        return std::all_of(m_wanted.cbegin(), m_wanted.cend(),
+                           [this](const auto* entry) { return !isPdoParameter(entry->index) || isWritten(entry); });
     }
 
     void writeAll()
     {
-        if (std::any_of(m_wanted.cbegin(), m_wanted.cend(), [](const auto* e) { return isPdoParameter(e->index); }))
+        if (hasPdoParameters())
             m_preOperational.begin();
         readNeeded();
         const auto writes = orderOfWrites(m_wanted, m_file, m_device);
-        for (const tWrite& write : writes) {
-            m_console.progress(QStringLiteral("writing %1").arg(nameOf(*write.entry)));
-            if (!send(write))
-                continue;
-            if (!write.isStep && std::find(m_wanted.cbegin(), m_wanted.cend(), write.entry) != m_wanted.cend())
-                m_written.push_back(write.entry);
+        for (auto first = writes.cbegin(); first != writes.cend();) {
+            const auto last =
+                std::find_if(first, writes.cend(), [first](const tWrite& write) { return write.unit != first->unit; });
+            writeUnit({ first, last });
+            first = last;
         }
+    }
+
+    // What belongs together is written to its end, or what the device had is written back.
+    void writeUnit(const std::vector<tWrite>& unit)
+    {
+        tEntries written;
+        for (const tWrite& write : unit) {
+            m_console.progress(QStringLiteral("writing %1").arg(nameOf(*write.entry)));
+            const auto failure = m_writer.send(write);
+            if (!failure) {
+                if (!write.isStep && contains(m_wanted, write.entry))
+                    written.push_back(write.entry);
+                continue;
+            }
+            const tEnd end{ failure->status, QStringLiteral("%1: %2").arg(nameOf(*write.entry), failure->text) };
+            const bool goesOn = m_options.keepGoing && write.isApart;
+            if (!goesOn && !failure->silent)
+                m_writer.writeBack();
+            if (failure->silent || !m_options.keepGoing)
+                throw end;
+            m_console.message(end.message);
+            m_status = graver(m_status, end.status);
+            if (!goesOn)
+                return;
+        }
+        m_writer.complete();
+        m_written.insert(m_written.end(), written.cbegin(), written.cend());
     }
 
     // Entries of the device that the order depends on. Those that it does not give are done without.
@@ -172,26 +240,8 @@ private:
             if (failure && failure->silent)
                 throw tEnd{ exitNetwork, QStringLiteral("%1: %2").arg(nameOf(entry), failure->text) };
             if (!failure)
-                entry.value = valueToHold(entry, bytes, static_cast<unsigned>(m_node.node));
+                holdValue(entry, bytes, static_cast<unsigned>(m_node.node));
         }
-    }
-
-    // False when the device refused it and it goes on all the same.
-    bool send(const tWrite& write)
-    {
-        const tSnapshotEntry& entry = *write.entry;
-        const auto failure =
-            m_network.write(static_cast<BYTE>(m_node.node), static_cast<WORD>(entry.index),
-                            static_cast<BYTE>(entry.subIndex), write.bytes, isNumeric(valueType(entry.type)));
-        if (!failure)
-            return true;
-        m_pdoFailed |= isPdoParameter(entry.index);
-        const QString text = QStringLiteral("%1: %2").arg(nameOf(entry), failure->text);
-        if (failure->silent || !m_options.keepGoing)
-            throw tEnd{ failure->status, text };
-        m_console.message(text);
-        m_status = graver(m_status, failure->status);
-        return false;
     }
 
     void readBack()
@@ -201,11 +251,12 @@ private:
                 continue;
             tSnapshotEntry present = *entry;
             m_status = graver(m_status, readEntry(m_node, present));
-            if (!present.value || present.value == entry->value)
+            const auto node = static_cast<unsigned>(m_node.node);
+            if (!present.value || valueOfNode(present, node) == valueOfNode(*entry, node))
                 continue;
-            m_console.message(QStringLiteral("%1: reads back as %2, not as %3")
-                                  .arg(nameOf(*entry), textOf(present, present.value, m_node.node),
-                                       textOf(*entry, entry->value, m_node.node)));
+            m_console.message(
+                QStringLiteral("%1: reads back as %2, not as %3")
+                    .arg(nameOf(*entry), shownValue(present, m_node.node), shownValue(*entry, m_node.node)));
             m_status = graver(m_status, exitDifference);
         }
     }
@@ -214,14 +265,37 @@ private:
     void finish()
     {
         const auto failure = store();
-        if (m_pdoFailed)
-            m_preOperational.abandon();
-        else
-            m_preOperational.end(m_options.start);
+        leavePreOperational();
         if (failure)
             throw tEnd{ failure->status, QStringLiteral("1010:1: %1").arg(failure->text) };
     }
 
+    void leavePreOperational()
+    {
+        if (arePdosWritten())
+            m_preOperational.end(m_options.start);
+        else
+            m_preOperational.abandon();
+    }
+
+    // Ends the command for the reason, and tells what was done and what was not.
+    [[noreturn]] void endEarly(const tEnd& reason)
+    {
+        QString text = reason.message;
+        tExitStatus status = reason.status;
+        try {
+            if (status == exitAborted || status == exitUsage)
+                leavePreOperational();
+            else
+                m_preOperational.abandon();
+        } catch (const tEnd& end) {
+            text += QStringLiteral("; ") + end.message;
+            status = end.status;
+        }
+        throw tEnd{ status, QStringLiteral("%1; %2").arg(text, progressText()) };
+    }
+
+    // Writing into a flash memory takes longer than any other access. A gateway has a time-out of its own.
     std::optional<tFailure> store()
     {
         if (!m_options.store)
@@ -230,6 +304,9 @@ private:
             m_console.message(QStringLiteral("the device was not told to store its parameters"));
             return std::nullopt;
         }
+        const auto time = static_cast<WORD>(std::max(m_options.network.sdoTimeout.value_or(0), longestStoring));
+        if (!m_network.isGateway())
+            m_network.run([time](CCANopenAccess& access) { return access.setSDOTimeout(time, nullptr); });
         auto failure =
             m_network.write(static_cast<BYTE>(m_node.node), storeParameters, 1, QByteArray(storeSignature), true);
         if (!failure)
@@ -240,16 +317,17 @@ private:
     // What was done, and what was not.
     QString progressText() const
     {
-        constexpr qsizetype most = 10;
-        QStringList missing;
+        tEntries missing;
         for (const tSnapshotEntry* entry : m_wanted)
-            if (std::find(m_written.cbegin(), m_written.cend(), entry) == m_written.cend())
-                missing += nameOf(*entry);
+            if (!isWritten(entry))
+                missing.push_back(entry);
         QString text = QStringLiteral("%1 of %2 values were written").arg(m_written.size()).arg(m_wanted.size());
-        if (!missing.isEmpty())
-            text += QStringLiteral("; not written: %1").arg(missing.mid(0, most).join(QStringLiteral(", ")));
-        if (missing.size() > most)
-            text += QStringLiteral(" and %1 more").arg(missing.size() - most);
+        if (m_wanted.empty())
+            text = QStringLiteral("nothing differs");
+        if (!missing.empty())
+            text += QStringLiteral("; not written: %1").arg(namesOf(missing));
+        if (const QString halfWay = m_writer.halfWay(); !halfWay.isEmpty())
+            text += QStringLiteral("; left half-way: %1").arg(halfWay);
         return text;
     }
 
@@ -260,9 +338,9 @@ private:
     CNetwork m_network;
     const tDevice m_node;
     CPreOperational m_preOperational;
-    std::vector<const tSnapshotEntry*> m_wanted;  // of the file
-    std::vector<const tSnapshotEntry*> m_written; // of these
-    bool m_pdoFailed = false;
+    CUnitWriter m_writer;
+    tEntries m_wanted;  // of the file
+    tEntries m_written; // of these
     int m_status = exitDone;
 };
 

@@ -86,6 +86,7 @@ public:
     {
         const bool isCounted = std::any_of(m_wanted.cbegin(), m_wanted.cend(), isSyncCounter);
         for (const tSnapshotEntry* entry : m_wanted) {
+            ++m_unit;
             if (isPdoParameter(entry->index))
                 addPdo(pdoOf(entry->index));
             else if (isSyncCounter(entry))
@@ -123,13 +124,17 @@ private:
         return ofFile != nullptr ? ofFile : find(m_device, index, subIndex);
     }
 
-    QByteArray bytesOf(const tSnapshotEntry& entry) const { return valueOfNode(entry, *entry.value, m_nodeId); }
+    QByteArray bytesOf(const tSnapshotEntry& entry) const { return valueOfNode(entry, m_nodeId); }
 
-    void add(const tSnapshotEntry& entry) { m_writes.push_back({ &entry, bytesOf(entry), false }); }
-    void addZero(const tSnapshotEntry& entry)
+    void add(const tSnapshotEntry& entry, bool isApart = false)
     {
-        m_writes.push_back({ &entry, QByteArray(entry.value->size(), '\0'), true });
+        m_writes.push_back({ &entry, bytesOf(entry), false, m_unit, isApart });
     }
+    void addStep(const tSnapshotEntry& entry, const QByteArray& bytes)
+    {
+        m_writes.push_back({ &entry, bytes, true, m_unit, false });
+    }
+    void addZero(const tSnapshotEntry& entry) { addStep(entry, QByteArray(entry.value->size(), '\0')); }
 
     // The number that the device has; none when it is not known, or is none of four bytes.
     std::optional<quint64> presentCobId(const tSnapshotEntry& cobId) const
@@ -144,7 +149,7 @@ private:
     void switchOff(const tSnapshotEntry& cobId, const tCobId& row)
     {
         const quint64 bits = presentCobId(cobId).value_or(numberOf(bytesOf(cobId), { kindUnsigned, cobIdWidth }));
-        m_writes.push_back({ &cobId, littleEndian((bits & ~row.mask) | row.off, cobIdWidth), true });
+        addStep(cobId, littleEndian((bits & ~row.mask) | row.off, cobIdWidth));
     }
 
     void addOne(const tSnapshotEntry& entry)
@@ -177,7 +182,7 @@ private:
         addMapping(pdo + mappingOffset);
         for (const tSnapshotEntry* entry : m_wanted)
             if (entry->index == pdo && entry->subIndex != cobIdSub)
-                add(*entry);
+                add(*entry, true);
         if (cobId != nullptr)
             add(*cobId);
     }
@@ -208,6 +213,7 @@ private:
     const tKnown m_device;
     const unsigned m_nodeId;
     std::set<unsigned> m_pdos; // that were added
+    unsigned m_unit = 0;
     std::vector<tWrite> m_writes;
 };
 

@@ -14,6 +14,9 @@ struct tWrite {
     const tSnapshotEntry* entry; ///< what it is for; a step on the way has the entry that it belongs to
     QByteArray bytes;            ///< as on the bus
     bool isStep;                 ///< not the value of the file yet: switches something off on the way
+    unsigned unit;               ///< the number of what belongs together: when one of them fails, what is on the way to
+                                 ///< another value must not stay so
+    bool isApart;                ///< the others of its unit do not depend on it
 };
 
 /// Whether the object is a parameter of a PDO: communication (1400 to 15FF, 1800 to 19FF) or mapping (1600 to 17FF,

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/EntryText.h"
 
+#include "dic/CANopenObjectEntry.h"
 #include "dic/ValueTypes.h"
 
 namespace
@@ -47,6 +48,11 @@ QString entryText(unsigned index, unsigned subIndex)
 QString parameterText(unsigned index, unsigned subIndex)
 {
     return subIndex == 0 ? hexadecimal(index).rightJustified(4, u'0') : entryText(index, subIndex);
+}
+
+QString dataTypeName(int dataType)
+{
+    return CCANopenObjectEntry::getDataTypeByIndex(static_cast<CCANopenObjectEntry::TEntryType>(dataType));
 }
 
 std::optional<unsigned> numberIn(const QString& text, unsigned most)

@@ -16,6 +16,9 @@ QString parameterText(unsigned index, unsigned subIndex);
 /// "1018:0": the same with every sub-index, where the object itself is "1018"
 QString entryText(unsigned index, unsigned subIndex);
 
+/// The name of a data type as the window shows it: "Unsigned32".
+QString dataTypeName(int dataType);
+
 /// The number in the text, decimal or hexadecimal after "0x"; none when it is no number or larger than `most`.
 std::optional<unsigned> numberIn(const QString& text, unsigned most);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/Snapshot.h"
 
+#include "base/NodeId.h"
 #include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
 #include "sheets/Commissioning.h"
@@ -14,29 +15,38 @@
 namespace
 {
 
-// The number `bytes` plus `summand`, cut to its width. Other values stay as they are.
-QByteArray shifted(const tSnapshotEntry& entry, const QByteArray& bytes, quint64 summand)
+// The number that the bytes are; none when they are no number of the type.
+std::optional<quint64> numberIn(const QByteArray& bytes, tValueType type)
 {
-    const tValueType type = valueType(entry.type);
-    if (!entry.relative || !isNumeric(type) || bytes.size() != type.width)
-        return bytes;
-    return littleEndian(numberOf(bytes, type) + summand, type.width);
+    return isNumeric(type) && bytes.size() == type.width ? std::optional(numberOf(bytes, type)) : std::nullopt;
 }
 
-// What the entry holds for a text of its sheet.
-std::optional<QByteArray> heldValue(const tSnapshotEntry& entry, const QString& text, unsigned nodeId)
+// Whether `text` is a sum with the node-id, which it gives the entry as its offset.
+bool isSum(tSnapshotEntry& entry, const QString& text)
+{
+    const auto held = relativeValue(text, entry.type);
+    if (held)
+        entry.offset = numberOf(*held, valueType(entry.type));
+    return held.has_value();
+}
+
+// Gives the entry the value that a text of its sheet stands for.
+void readValue(tSnapshotEntry& entry, const QString& text, unsigned nodeId)
 {
     const tValueType type = valueType(entry.type);
     const bool depends = isNumeric(type) && isRelative(text);
-    if (!depends && !entry.relative)
-        return valueFromText(text, type, 0);
-    if (entry.relative)
-        if (auto value = relativeValue(text, entry.type))
-            return value;
-    if (nodeId == 0)
-        return std::nullopt;
-    const auto onBus = valueFromText(text, type, nodeId);
-    return onBus ? std::optional(valueToHold(entry, *onBus, nodeId)) : std::nullopt;
+    if (const auto held = relativeValue(text, entry.type)) {
+        entry.value = held;
+        entry.relative = true;
+        return;
+    }
+    const auto onBus = depends && nodeId == 0 ? std::nullopt : valueFromText(text, type, nodeId);
+    if (!onBus)
+        entry.wrongText = text;
+    else if (nodeId != 0)
+        holdValue(entry, *onBus, nodeId);
+    else
+        entry.value = onBus;
 }
 
 tSnapshotEntry describe(const CCANopenObject& object, const CCANopenObjectEntry& source)
@@ -47,7 +57,6 @@ tSnapshotEntry describe(const CCANopenObject& object, const CCANopenObjectEntry&
     entry.name = source.getName();
     entry.type = source.getDataType();
     entry.access = source.getAccess();
-    entry.relative = isNumeric(valueType(entry.type)) && isRelative(source.getDefaultValue());
     return entry;
 }
 
@@ -92,14 +101,19 @@ QString nameOf(const tSnapshotEntry& entry)
     return parameterText(entry.index, entry.subIndex);
 }
 
-QByteArray valueOfNode(const tSnapshotEntry& entry, const QByteArray& held, unsigned nodeId)
+QByteArray valueOfNode(const tSnapshotEntry& entry, unsigned nodeId)
 {
-    return shifted(entry, held, nodeId);
+    const tValueType type = valueType(entry.type);
+    const auto number = numberIn(*entry.value, type);
+    return entry.relative && number ? littleEndian(*number + nodeId, type.width) : *entry.value;
 }
 
-QByteArray valueToHold(const tSnapshotEntry& entry, const QByteArray& onBus, unsigned nodeId)
+void holdValue(tSnapshotEntry& entry, const QByteArray& onBus, unsigned nodeId)
 {
-    return shifted(entry, onBus, ~quint64{ nodeId } + 1);
+    const tValueType type = valueType(entry.type);
+    const auto number = numberIn(onBus, type);
+    entry.relative = number && entry.offset && ((*number - nodeId - *entry.offset) & highestNodeId) == 0;
+    entry.value = entry.relative ? littleEndian(*number - nodeId, type.width) : onBus;
 }
 
 tSnapshot snapshotOf(const CDataSheet& sheet, unsigned nodeId)
@@ -108,11 +122,17 @@ tSnapshot snapshotOf(const CDataSheet& sheet, unsigned nodeId)
     const bool configured = sheet.dictionary().m_fileType == CCANopen::typeDCF;
     for (const auto& [object, source] : firstEntries(sheet.dictionary())) {
         tSnapshotEntry entry = describe(object, source);
+        const QString byDefault = source.getDefaultValue();
         const auto configuredValue = sheet.parameterValues().find(&source);
+        const bool hasValue = configuredValue != sheet.parameterValues().end();
+        if (!isSum(entry, byDefault) && hasValue)
+            isSum(entry, configuredValue->second);
         if (!configured)
-            entry.value = heldValue(entry, source.getDefaultValue(), nodeId);
-        else if (configuredValue != sheet.parameterValues().end())
-            entry.value = heldValue(entry, configuredValue->second, nodeId);
+            readValue(entry, byDefault, nodeId);
+        else if (hasValue)
+            readValue(entry, configuredValue->second, nodeId);
+        else
+            entry.defaultValue = valueFromText(byDefault, valueType(entry.type), nodeId);
         snapshot.entries.push_back(std::move(entry));
     }
     return snapshot;

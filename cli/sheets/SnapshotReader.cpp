@@ -40,7 +40,7 @@ enum tColumn {
 class CDump
 {
 public:
-    explicit CDump(const QString& fileName) : m_fileName(fileName) {}
+    explicit CDump(const QString& fileName) : m_fileName(fileName) { snapshot.isDump = true; }
 
     void setPlace(const QString& place) { m_place = place; }
     [[noreturn]] void refuse(const QString& why) const
@@ -81,7 +81,7 @@ void CDump::add(const QStringList& fields)
         refuse(QStringLiteral("%1 is there twice").arg(parameterText(entry.index, entry.subIndex)));
     entry.name = fields[columnName];
     entry.type = tEntry::getDataTypeByName(fields[columnType].toUtf8().constData());
-    if (tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(entry.type)) != fields[columnType])
+    if (dataTypeName(entry.type) != fields[columnType])
         refuse("data type", fields[columnType]);
     entry.access = tEntry::getAccessByName(fields[columnAccess].toUtf8().constData());
     if (tEntry::getAccessByIndex(static_cast<tEntry::TEntryAccess>(entry.access)) != fields[columnAccess])
@@ -103,10 +103,11 @@ void CDump::readValue(tSnapshotEntry& entry, const QString& size, const QString&
     entry.value = dumpedValue(text, entry.type, bytes);
     if (!entry.value)
         refuse(QStringLiteral("\"%1\" is no value of type %2 with size %3")
-                   .arg(visibleLine(text), tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(entry.type)),
-                        QString::number(bytes)));
+                   .arg(visibleLine(text), dataTypeName(entry.type), QString::number(bytes)));
     const tValueType type = valueType(entry.type);
     entry.relative = isNumeric(type) && bytes == static_cast<unsigned>(type.width) && isRelative(text);
+    if (entry.relative)
+        entry.offset = numberOf(*entry.value, type);
 }
 
 QString lineText(qsizetype line)

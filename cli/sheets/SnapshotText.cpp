@@ -29,7 +29,7 @@ QStringList fieldsOf(const tSnapshotEntry& entry)
         indexText(entry.index),
         subIndexText(entry.subIndex),
         entry.name,
-        tEntry::getDataTypeByIndex(static_cast<tEntry::TEntryType>(entry.type)),
+        dataTypeName(entry.type),
         tEntry::getAccessByIndex(static_cast<tEntry::TEntryAccess>(entry.access)),
         entry.value ? QString::number(entry.value->size()) : QString(),
         entry.value ? dumpedText(*entry.value, entry.type, entry.relative) : QString(),

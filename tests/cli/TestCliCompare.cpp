@@ -37,6 +37,8 @@ private Q_SLOTS:
     void everyKindOfFileIsComparedWithEveryOther_data();
     void everyKindOfFileIsComparedWithEveryOther();
     void relativeValuesOfAnotherNodeAreTheSame();
+    void valuesFollowTheNodeIdWhereTheyHaveIt();
+    void textThatIsNoValueIsADifference();
     void sheetOfTheDeviceTellsItsEntries();
     void abortIsToldAndTheRestCompared();
     void withoutAnAnswerTheEndIs3();
@@ -194,7 +196,27 @@ void TestCliCompare::relativeValuesOfAnotherNodeAreTheSame()
     QVERIFY(write(7, { "1014", "0x85" })); // that of node 5
     CCliRun run(withDevice(path("saved.dcf"), { "--format", "csv" }, 7));
     QCOMPARE(run.outcome(), "parameter,first,second,name,note\n"
-                            "1014,$NODEID+0x00000080,$NODEID+0x0000007E,COB-ID EMCY,\n-- 1\n");
+                            "1014,$NODEID+0x00000080,0x00000085,COB-ID EMCY,\n-- 1\n");
+}
+
+// Other values than those of the sheet, too, but not what has nothing to do with the node-id.
+void TestCliCompare::valuesFollowTheNodeIdWhereTheyHaveIt()
+{
+    QVERIFY(write(5, { "1014", "0x80000285", "1400:1", "0x80000000", "1401:1", "0x187" }));
+    QVERIFY(write(7, { "1014", "0x80000287", "1400:1", "0x80000000", "1401:1", "0x187" }));
+    for (const QString name : { "saved.csv", "saved.json", "saved.dcf" }) {
+        QVERIFY(!dumped(name).isEmpty());
+        CCliRun other(withDevice(path(name), { "--all" }, 7));
+        QCOMPARE(other.outcome(), "-- 0\n");
+    }
+}
+
+void TestCliCompare::textThatIsNoValueIsADifference()
+{
+    const CSheetFile file(sheetOf(0x1017, 6, "rw", "Heartbeat", "ParameterValue=70000\n"), "device.dcf");
+    CCliRun run(withDevice(file.name(), { "--format", "csv" }));
+    QCOMPARE(run.outcome(), "parameter,first,second,name,note\n"
+                            "1017,\"\"\"70000\"\" (no value)\",0x03E8,Heartbeat,\n-- 1\n");
 }
 
 void TestCliCompare::sheetOfTheDeviceTellsItsEntries()
@@ -206,7 +228,8 @@ void TestCliCompare::sheetOfTheDeviceTellsItsEntries()
     // Without a sheet the file tells the entries of the device, too.
     CCliRun second(withDevice(file.name()));
     QCOMPARE(second.outcome(), "-- 4\n5FFF: aborted by the device: 0x06020000 (Object does not exist in the object "
-                               "dictionary.)\n");
+                               "dictionary.)\nnot compared, since " +
+                                   file.name() + " has no value: 5FFE\n");
     // Plain numbers are those of the node.
     CCliRun third(withDevice(file.name(), { "-s", demoSheet, "--format", "csv" }, 7));
     QCOMPARE(third.outcome(), "parameter,first,second,name,note\n"

@@ -41,6 +41,13 @@ private Q_SLOTS:
     void forceWritesAllTheSame();
     void anotherRevisionIsOnlyTold();
     void fileThatTellsNoDeviceNeedsForce();
+    void fileMustTellAllOfTheDeviceThatItDescribes();
+    void deviceThatDoesNotTellWhatItIs();
+    void configurationTellsTheDeviceByItsDefaults();
+    void textThatIsNoValueIsRefused();
+    void excludedIndexesAreNotWritten();
+    void processOutputsAreTold();
+    void valuesThatDoNotDependOnTheNodeIdAreTold();
     void readOnlyEntriesNeverMakeItFail();
     void leavesOutWhatTriggersAction_data();
     void leavesOutWhatTriggersAction();
@@ -98,7 +105,7 @@ void TestCliRestore::writesWhatDiffersAndReadsItBack()
 void TestCliRestore::sameValuesAreNotWritten()
 {
     QCOMPARE(restore(threeLines), threePlanned + "-- 0\n3 of 3 values were written\n");
-    QCOMPARE(restore(threeLines), "-- 0\n0 of 0 values were written\n");
+    QCOMPARE(restore(threeLines), "-- 0\nnothing differs\n");
     QCOMPARE(m_device->steps(), threeWritten);
 }
 
@@ -107,7 +114,8 @@ void TestCliRestore::dryRunWritesNothing()
     m_device->set(0x1800, 1, "85010000");
     QCOMPARE(restore(threeLines + QByteArrayList{ "0x1800,1,COB-ID,Unsigned32,RW,4,$NODEID+0x280," },
                      { "--dry-run", "--store" }),
-             threePlanned + "1800:1: 0x00000185 -> 0x00000285  COB-ID\n-- 0\n");
+             threePlanned + "1800:1: 0x00000185 -> 0x00000285  COB-ID\n-- 0\n"
+                            "node 5 would be in pre-operational while they are written\n");
     QCOMPARE(m_device->steps(), QStringList());
 }
 
@@ -151,7 +159,7 @@ void TestCliRestore::anotherRevisionIsOnlyTold()
     m_device->set(0x1018, 4, "01000000");
     QCOMPARE(restore({ "0x1018,3,Revision,Unsigned32,RO,4,0x2,", "0x1018,4,Serial number,Unsigned32,RO,4,0x2," }),
              "-- 0\n1018:3 (Revision) is 0x00000002 in the file and 0x00000001 in the device\n"
-             "0 of 0 values were written\n");
+             "nothing differs\n");
 }
 
 void TestCliRestore::fileThatTellsNoDeviceNeedsForce()
@@ -165,13 +173,107 @@ void TestCliRestore::fileThatTellsNoDeviceNeedsForce()
     QCOMPARE(forced.outcome(), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
 }
 
+void TestCliRestore::fileMustTellAllOfTheDeviceThatItDescribes()
+{
+    const auto shown = [this](const QByteArrayList& lines) {
+        const CDumpFile file(lines);
+        CCliRun run(arguments(file.name()));
+        return run.outcome();
+    };
+    const QString refused = "nothing was written; --force does it nevertheless\n";
+    QByteArrayList lines = identityLines;
+    lines[2] = "0x1018,2,Product code,Unsigned32,RO,,,";
+    QCOMPARE(shown(lines), "-- 1\nthe file has no value of 1018:2 (Product code)\n" + refused);
+    lines.removeLast(); // a device of this kind has none
+    QCOMPARE(shown(lines), "-- 0\nnothing differs\n");
+    QCOMPARE(shown({ "0x1018,3,Revision,Unsigned32,RO,,," }),
+             "-- 1\nthe file does not tell of which device it is (1000, 1018)\n" + refused);
+}
+
+void TestCliRestore::deviceThatDoesNotTellWhatItIs()
+{
+    m_device->setHook(answering("read 1018:1", "ERROR: 0x08000020"));
+    const QString told = "1018:1: aborted by the device: 0x08000020 (Data cannot be transferred or stored to the "
+                         "application.)\n";
+    QCOMPARE(restore(threeLines), "-- 4\n" + told + "nothing was written; --force does it nevertheless\n");
+    QCOMPARE(m_device->steps(), QStringList());
+    QCOMPARE(restore(threeLines, { "--force" }), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
+}
+
+// Many write a value into a configuration only where it is not the default one.
+void TestCliRestore::configurationTellsTheDeviceByItsDefaults()
+{
+    const CSheetFile file(sheetOf(0x1000, 7, "ro", "Device type", "DefaultValue=0xF0191\n"), "device.dcf");
+    CCliRun run(arguments(file.name()));
+    QCOMPARE(run.outcome(), "-- 0\nnothing differs\n");
+    m_device->set(0x1000, 0, "92010F00");
+    CCliRun other(arguments(file.name()));
+    QCOMPARE(other.outcome(), "-- 1\n1000 (Device type) is 0x000F0191 in the file and 0x000F0192 in the device\n"
+                              "nothing was written; --force does it nevertheless\n");
+}
+
+void TestCliRestore::textThatIsNoValueIsRefused()
+{
+    const CSheetFile file(sheetOf(0x2000, 6, "rw", "First", "ParameterValue=70000\n"), "device.dcf");
+    CCliRun run(arguments(file.name(), { "--force", "--keep-going" }));
+    QCOMPARE(run.outcome(), "-- 2\n2000: \"70000\" is no value of type Unsigned16\nnot all values of " + file.name() +
+                                " can be written (--exclude leaves them out); nothing was written\n");
+    QCOMPARE(m_device->steps(), QStringList());
+    CCliRun without(arguments(file.name(), { "--force", "--exclude", "2000" }));
+    QCOMPARE(without.outcome(), "-- 0\nthe file does not tell of which device it is (1000, 1018)\nnothing differs\n");
+    const CSheetFile constant(sheetOf(0x2000, 6, "ro", "First", "ParameterValue=70000\n"), "device.dcf");
+    CCliRun readOnly(arguments(constant.name(), { "--force" }));
+    QVERIFY(readOnly.outcome().startsWith("-- 0\n"));
+}
+
+void TestCliRestore::excludedIndexesAreNotWritten()
+{
+    QCOMPARE(restore(threeLines, { "--exclude", "0x2000", "--exclude", "2002", "--include", "2002" }),
+             "2001: 0x0002 -> 0x0012  Second\n-- 0\n1 of 1 values were written\n");
+    QCOMPARE(m_device->steps(), threeWritten.mid(1, 1));
+}
+
+void TestCliRestore::processOutputsAreTold()
+{
+    m_device->set(0x6040, 0, "0000");
+    QCOMPARE(restore({ "0x6040,0,Controlword,Unsigned16,RWW,2,0x000F," }, { "--dry-run" }),
+             "6040: 0x0000 -> 0x000F  Controlword\n-- 0\n"
+             "warning: process outputs are among them (--exclude leaves them out): 6040\n");
+}
+
+// On another node an identifier follows the node-id, what has nothing to do with it does not.
+void TestCliRestore::valuesThatDoNotDependOnTheNodeIdAreTold()
+{
+    m_device->set(0x1400, 1, "05020000");
+    m_device->set(0x1400, 2, "05020000");
+    const char* sum = "DefaultValue=$NODEID+0x200\n";
+    const auto configured = [&](const char* nodeId) {
+        return QByteArray("[OptionalObjects]\n1=0x1400\n[1400]\nParameterName=PDO\nObjectType=9\n") +
+               "[1400sub1]\nParameterName=A\nDataType=7\nAccessType=rw\n" + sum + "ParameterValue=0x80000000\n" +
+               "[1400sub2]\nParameterName=B\nDataType=7\nAccessType=rw\n" + sum + "ParameterValue=0x306\n" +
+               "[DeviceComissioning]\nNodeID=" + nodeId + "\n";
+    };
+    const auto planned = [&](const char* nodeId) {
+        const CSheetFile file(configured(nodeId), "device.dcf");
+        CCliRun run(arguments(file.name(), { "--dry-run", "--force" }));
+        return run.outcome().remove("the file does not tell of which device it is (1000, 1018)\n");
+    };
+    const QString end = "node 5 would be in pre-operational while they are written\n";
+    const QString told = "written as they are in the file, since they do not depend on its node-id: ";
+    QCOMPARE(planned("6"), "1400:1: 0x00000205 -> 0x80000000  A\n1400:2: 0x00000205 -> 0x00000305  B\n-- 0\n" + told +
+                               "1400:1\n" + end);
+    QCOMPARE(planned("5"), "1400:1: 0x00000205 -> 0x80000000  A\n1400:2: 0x00000205 -> 0x00000306  B\n-- 0\n" + end);
+    QCOMPARE(planned("0"), "1400:1: 0x00000205 -> 0x80000000  A\n1400:2: 0x00000205 -> 0x00000306  B\n-- 0\n" + told +
+                               "1400:1, 1400:2\n" + end);
+}
+
 // Not even when the device does not have them.
 void TestCliRestore::readOnlyEntriesNeverMakeItFail()
 {
     QCOMPARE(restore({ "0x2000,0,First,Unsigned16,RO,2,0x0011,", "0x2001,0,Second,Unsigned16,CONST,2,0x0012,",
                        "0x3000,0,Absent,Unsigned16,RO,2,0x0012," },
                      { "--include", "2000" }),
-             "-- 0\n0 of 0 values were written\n");
+             "-- 0\nnothing differs\n");
     QCOMPARE(m_device->steps(), QStringList());
 }
 

@@ -23,7 +23,17 @@ const QStringList pdoSteps = { "preoperational",       "1800:1 = 85 01 00 80", "
                                "1A00:1 = 08 02 00 60", "1A00:2 = 08 01 00 60", "1A00 = 02",
                                "1800:3 = 64 00",       "1800:1 = 85 02 00 00", "2000 = 07" };
 const QString begun = "node 5 is in pre-operational while its PDO parameters are written\n";
-const QString abandoned = "node 5 stays in pre-operational, since not all was written\n";
+const QString abandoned = "node 5 is still in pre-operational\n";
+const QString refusedMapping = "1A00:2: aborted by the device: 0x06040041 (Object cannot be mapped to the PDO.)";
+
+// Refuses what begins so.
+CScriptedDevice::tHook refusing(const QString& step, const QByteArray& code = "0x06040041")
+{
+    return [=](const QString& each) {
+        return each.startsWith(step) ? std::optional<QByteArray>("ERROR: " + code) : std::nullopt;
+    };
+}
+
 const QString started = "node 5 was started again; its state before is not known\n";
 
 } // namespace
@@ -39,8 +49,12 @@ private Q_SLOTS:
     void noStartLeavesItInPreOperational();
     void storesBeforeItStarts();
     void otherParametersLeaveTheStateAlone();
-    void refusedWriteLeavesItInPreOperational();
-    void keepGoingLeavesItInPreOperationalAfterAPdoFailed();
+    void refusedPdoIsAsBeforeAgain();
+    void keepGoingWritesTheOthersAfterAPdoFailed();
+    void keepGoingWritesAPdoWithoutARefusedParameter();
+    void pdoThatCannotBeAsBeforeIsTold();
+    void refusedOtherParameterStartsAllTheSame();
+    void refusedSyncCounterGivesThePeriodBack();
     void keepGoingStartsAfterAnotherParameterFailed();
     void refusedStoringStartsAllTheSame();
     void interruptLeavesItInPreOperational();
@@ -102,34 +116,75 @@ void TestCliRestoreOrder::otherParametersLeaveTheStateAlone()
     QCOMPARE(m_device->steps(), QStringList("2000 = 07"));
 }
 
-void TestCliRestoreOrder::refusedWriteLeavesItInPreOperational()
+// The PDO works as before, and is not between two configurations.
+void TestCliRestoreOrder::refusedPdoIsAsBeforeAgain()
 {
-    m_device->setHook([](const QString& step) {
-        return step.startsWith("1A00:2") ? std::optional(QByteArray("ERROR: 0x06040041")) : std::nullopt;
-    });
+    m_device->setHook(refusing("1A00:2 = 08 01 00 60"));
     QCOMPARE(restore(pdoLines, { "--store" }),
-             "4\n" + begun + abandoned +
-                 "1A00:2: aborted by the device: 0x06040041 (Object cannot be mapped to the PDO.); 1 of 5 values were "
-                 "written; not written: 1800:1, 1800:3, 1A00:2, 2000\n");
-    QCOMPARE(m_device->steps(), pdoSteps.mid(0, 5));
+             "4\n" + begun + "as before again: 1800:1, 1A00, 1A00:1\n" + abandoned + refusedMapping +
+                 "; 0 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2, 2000\n");
+    QCOMPARE(m_device->steps(),
+             pdoSteps.mid(0, 5) + QStringList({ "1800:1 = 85 01 00 80", "1A00 = 00", "1A00:1 = 08 01 00 60",
+                                                "1A00:2 = 08 02 00 60", "1A00 = 02", "1800:1 = 85 01 00 00" }));
 }
 
-void TestCliRestoreOrder::keepGoingLeavesItInPreOperationalAfterAPdoFailed()
+void TestCliRestoreOrder::keepGoingWritesTheOthersAfterAPdoFailed()
 {
-    m_device->setHook([](const QString& step) {
-        return step.startsWith("1A00:2") ? std::optional(QByteArray("ERROR: 0x06040041")) : std::nullopt;
-    });
+    m_device->setHook(refusing("1A00:2 = 08 01 00 60"));
     QCOMPARE(restore(pdoLines, { "--keep-going" }),
-             "4\n" + begun + "1A00:2: aborted by the device: 0x06040041 (Object cannot be mapped to the PDO.)\n" +
-                 abandoned + "4 of 5 values were written; not written: 1A00:2\n");
+             "4\n" + begun + "as before again: 1800:1, 1A00, 1A00:1\n" + refusedMapping + "\n" + abandoned +
+                 "1 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2\n");
+    QCOMPARE(m_device->value(0x1800, 1), "85 01 00 00");
+    QCOMPARE(m_device->value(0x2000, 0), "07");
+}
+
+void TestCliRestoreOrder::keepGoingWritesAPdoWithoutARefusedParameter()
+{
+    m_device->setHook(refusing("1800:3 = "));
+    QCOMPARE(restore(pdoLines, { "--keep-going" }),
+             "4\n" + begun + QString(refusedMapping).replace("1A00:2", "1800:3") + "\n" + abandoned +
+                 "4 of 5 values were written; not written: 1800:3\n");
     QCOMPARE(m_device->steps(), pdoSteps);
+}
+
+void TestCliRestoreOrder::pdoThatCannotBeAsBeforeIsTold()
+{
+    m_device->setHook(refusing("1A00:2 = "));
+    const QString halfWay = "left half-way: 1800:1 = 0x80000185, 1A00 = 0x00, 1A00:1 = 0x";
+    QCOMPARE(restore(pdoLines),
+             "4\n" + begun + abandoned + refusedMapping +
+                 "; 0 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2, 2000; " + halfWay +
+                 "60000108\n");
+    init();
+    m_device->setHook(refusing("1A00:2 = "));
+    QCOMPARE(restore(pdoLines, { "--keep-going" }).section("; ", -1), halfWay + "60000108\n");
+}
+
+// All PDO parameters are written then.
+void TestCliRestoreOrder::refusedOtherParameterStartsAllTheSame()
+{
+    m_device->setHook(refusing("2000 = ", "0x06090031"));
+    QCOMPARE(restore(pdoLines),
+             "4\n" + begun + started +
+                 "2000: aborted by the device: 0x06090031 (Value of parameter written too high.); 4 of 5 values were "
+                 "written; not written: 2000\n");
+    QCOMPARE(m_device->steps(), pdoSteps + QStringList("start"));
+}
+
+void TestCliRestoreOrder::refusedSyncCounterGivesThePeriodBack()
+{
+    m_device->set(0x1006, 0, "E8030000");
+    m_device->set(0x1019, 0, "00");
+    m_device->setHook(refusing("1019 = 0A", "0x06090031"));
+    const QString shown =
+        restore({ "0x1006,0,Period,Unsigned32,RW,4,0x000007D0,", "0x1019,0,Counter,Unsigned8,RW,1,0x0A," });
+    QVERIFY2(shown.startsWith("4\nas before again: 1006\n"), qPrintable(shown));
+    QCOMPARE(m_device->value(0x1006, 0), "E8 03 00 00");
 }
 
 void TestCliRestoreOrder::keepGoingStartsAfterAnotherParameterFailed()
 {
-    m_device->setHook([](const QString& step) {
-        return step.startsWith("2000 = ") ? std::optional(QByteArray("ERROR: 0x06090031")) : std::nullopt;
-    });
+    m_device->setHook(refusing("2000 = ", "0x06090031"));
     QCOMPARE(restore(pdoLines, { "--keep-going" }),
              "4\n" + begun + "2000: aborted by the device: 0x06090031 (Value of parameter written too high.)\n" +
                  started + "4 of 5 values were written; not written: 2000\n");
@@ -138,9 +193,7 @@ void TestCliRestoreOrder::keepGoingStartsAfterAnotherParameterFailed()
 
 void TestCliRestoreOrder::refusedStoringStartsAllTheSame()
 {
-    m_device->setHook([](const QString& step) {
-        return step.startsWith("1010") ? std::optional(QByteArray("ERROR: 0x06020000")) : std::nullopt;
-    });
+    m_device->setHook(refusing("1010", "0x06020000"));
     QCOMPARE(restore(pdoLines, { "--store" }),
              "4\n" + begun + started +
                  "1010:1: aborted by the device: 0x06020000 (Object does not exist in the object dictionary.); 5 of 5 "
@@ -158,7 +211,8 @@ void TestCliRestoreOrder::interruptLeavesItInPreOperational()
     run.interrupt();
     QCOMPARE(run.outcome().section("-- ", 1),
              "130\n" + begun + abandoned +
-                 "interrupted; 0 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2, 2000\n");
+                 "interrupted; 0 of 5 values were written; not written: 1800:1, 1800:3, 1A00:1, 1A00:2, 2000; left "
+                 "half-way: 1800:1 = 0x80000185, 1A00 = 0x00\n");
     QCOMPARE(m_device->steps(), pdoSteps.mid(0, 4));
 }
 

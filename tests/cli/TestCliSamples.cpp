@@ -126,7 +126,7 @@ void TestCliSamples::restoreAndCompare(const QString& node, const QString& file)
 {
     const QString before = run({ "compare", "-n", node, file });
     QVERIFY2(before.contains("-- 1\n"), qPrintable(before));
-    const QString restored = run({ "restore", "-n", node, "--force", file });
+    const QString restored = run({ "restore", "-n", node, file });
     QVERIFY2(restored.contains("-- 0\n"), qPrintable(restored));
     QCOMPARE(run({ "compare", "--all", "-n", node, file }), "-- 0\n");
 }

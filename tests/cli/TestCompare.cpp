@@ -68,6 +68,7 @@ private Q_SLOTS:
     void valuesThatTheDeviceChangesAreToldApart();
     void relativeValuesAreComparedAsSuch();
     void relativeAndPlainValuesAreComparedOnTheBus();
+    void textThatIsNoValueDiffersFromAllButItself();
     void valuesOfOtherSizesDiffer();
     void graverStatusWins();
 };
@@ -121,7 +122,8 @@ void TestCompare::relativeValuesAreComparedAsSuch()
              "2000 $NODEID+0x0180 $NODEID+0x0280");
 }
 
-// A dump does not tell its node-id: it is taken for that of the other side.
+// As if the first were restored to the node of the second. A dump does not tell its node-id: it is taken for that of the
+// other side.
 void TestCompare::relativeAndPlainValuesAreComparedOnTheBus()
 {
     const tSnapshotEntry plain = entry(0x2000, "8501");
@@ -130,7 +132,20 @@ void TestCompare::relativeAndPlainValuesAreComparedOnTheBus()
     QCOMPARE(differences(snapshotOf({ plain }, 7), snapshotOf({ held }, 5)), "");
     QCOMPARE(differences(snapshotOf({ held }, 0), snapshotOf({ plain }, 5)), "");
     QCOMPARE(differences(snapshotOf({ plain }, 5), snapshotOf({ held }, 0)), "");
-    QCOMPARE(differences(snapshotOf({ held }, 7), snapshotOf({ plain }, 5)), "2000 $NODEID+0x0180 0x0185");
+    QCOMPARE(differences(snapshotOf({ held }, 7), snapshotOf({ plain }, 5)), "");
+    QCOMPARE(differences(snapshotOf({ held }, 5), snapshotOf({ plain }, 7)), "2000 $NODEID+0x0180 0x0185");
+    QCOMPARE(differences(snapshotOf({ held }, 0), snapshotOf({ plain }, 0)), "2000 $NODEID+0x0180 0x0185");
+}
+
+void TestCompare::textThatIsNoValueDiffersFromAllButItself()
+{
+    tSnapshotEntry wrong = entry(0x2000, nullptr);
+    wrong.wrongText = "70000";
+    const tSnapshotEntry right = entry(0x2000, "0100");
+    QCOMPARE(differences(snapshotOf({ wrong }), snapshotOf({ right })), "2000 \"70000\" (no value) 0x0001");
+    QCOMPARE(differences(snapshotOf({ right }), snapshotOf({ wrong })), "2000 0x0001 \"70000\" (no value)");
+    QCOMPARE(differences(snapshotOf({ wrong }), snapshotOf({ wrong })), "");
+    QCOMPARE(differences(snapshotOf({ wrong }), snapshotOf({})), "2000 \"70000\" (no value) -");
 }
 
 void TestCompare::valuesOfOtherSizesDiffer()

@@ -16,7 +16,13 @@ constexpr char record[] = "[2001]\nObjectType=9\n";
 
 tSnapshotEntry entryOf(unsigned index, unsigned subIndex, QByteArray value, int type = 5)
 {
-    return { index, subIndex, "", type, 3, false, std::move(value), 0 };
+    tSnapshotEntry entry;
+    entry.index = index;
+    entry.subIndex = subIndex;
+    entry.type = type;
+    entry.access = 3;
+    entry.value = std::move(value);
+    return entry;
 }
 
 // The text of the sheet with these values.
@@ -193,10 +199,10 @@ void TestDcfText::oldValuesOfUnknownEntriesGo()
     const QByteArray sheet = QByteArray(list) + variable + "ParameterValue=1\nParameterValue=2 ; two\nLowLimit=0\n" +
                              record + "[2001sub1]\nDataType=9\nParameterValue=old\n" +
                              "[2001sub2]\nDataType=9\nParameterValue=\n[2001sub3]\nDataType=9\nParameterValue=\n";
-    const tDcfText dcf = configured(
-        sheet,
-        { entryOf(0x2001, 1, "no;line", 9), entryOf(0x2001, 3, "new", 9), { 0x2000, 0, "", 5, 3, false, {}, 0 } }, 0,
-        name);
+    tSnapshotEntry unknown = entryOf(0x2000, 0, {});
+    unknown.value.reset();
+    const tDcfText dcf =
+        configured(sheet, { entryOf(0x2001, 1, "no;line", 9), entryOf(0x2001, 3, "new", 9), unknown }, 0, name);
     QCOMPARE(dcf.text, QByteArray(list) + variable + "LowLimit=0\n" + record +
                            "[2001sub1]\nDataType=9\n[2001sub2]\nDataType=9\nParameterValue=\n"
                            "[2001sub3]\nDataType=9\nParameterValue=new\n");

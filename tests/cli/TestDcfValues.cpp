@@ -111,7 +111,10 @@ void TestDcfValues::valuesReadBack()
     for (int round = 0; round < 20; ++round) {
         tSnapshot snapshot = snapshotOf(loaded, 1 + unsigned(round));
         for (tSnapshotEntry& entry : snapshot.entries)
-            entry.value = randomValue(random, entry.type);
+            if (const auto value = randomValue(random, entry.type))
+                holdValue(entry, *value, snapshot.nodeId);
+            else
+                entry.value.reset();
         const tDcfText dcf = dcfText(file.name(), snapshot);
         for (const std::size_t place : dcf.unwritten) {
             tSnapshotEntry& entry = snapshot.entries[place];

@@ -14,7 +14,26 @@ constexpr char header[] = "index,subindex,name,type,access,size,value,abort\n";
 
 tSnapshotEntry entryOf(unsigned subIndex, int type, std::optional<QByteArray> value, bool relative = false)
 {
-    return { 0x2000, subIndex, "Entry", type, 3, relative, std::move(value), 0 };
+    tSnapshotEntry entry;
+    entry.index = 0x2000;
+    entry.subIndex = subIndex;
+    entry.name = "Entry";
+    entry.type = type;
+    entry.access = 3;
+    entry.relative = relative;
+    entry.value = std::move(value);
+    return entry;
+}
+
+// An entry that the device refused.
+tSnapshotEntry refused(unsigned index, unsigned subIndex, const QString& name, int type, int access)
+{
+    tSnapshotEntry entry = entryOf(subIndex, type, std::nullopt);
+    entry.index = index;
+    entry.name = name;
+    entry.access = access;
+    entry.abortCode = 0x06010001;
+    return entry;
 }
 
 QByteArray bytes(const char* digits)
@@ -61,9 +80,10 @@ tSnapshot everyKind()
     tSnapshot snapshot{ 5, "a \"b\".eds", {} };
     for (const tRow& row : rows) {
         const auto position = static_cast<unsigned>(snapshot.entries.size());
-        snapshot.entries.push_back({ 0x2000, position, row.name, row.type, 3, row.relative, row.value, 0 });
+        snapshot.entries.push_back(entryOf(position, row.type, row.value, row.relative));
+        snapshot.entries.back().name = row.name;
     }
-    snapshot.entries.push_back({ 0xFFFF, 0xFF, "R\u00F6hre, \"x\"", 5, 2, false, std::nullopt, 0x06010001 });
+    snapshot.entries.push_back(refused(0xFFFF, 0xFF, "R\u00F6hre, \"x\"", 5, 2));
     return snapshot;
 }
 
@@ -134,7 +154,7 @@ void TestDumps::csvReadsBack()
 void TestDumps::csvIsExact()
 {
     tSnapshot snapshot{ 5, "a.eds", { entryOf(0xA, 5, QByteArray("\2")) } };
-    snapshot.entries.push_back({ 0x18, 9, "A \"name\"", 9, 0, false, std::nullopt, 0x06010001 });
+    snapshot.entries.push_back(refused(0x18, 9, "A \"name\"", 9, 0));
     QCOMPARE(snapshotAsCsv(snapshot), header + QByteArray("0x2000,0xA,Entry,Unsigned8,RW,1,0x02,\n"
                                                           "0x0018,9,\"A \"\"name\"\"\",Visible String,CONST,,,"
                                                           "0x06010001\n"));
@@ -164,7 +184,7 @@ void TestDumps::jsonReadsBack()
 void TestDumps::jsonIsExact()
 {
     tSnapshot snapshot{ 5, "a.eds", { entryOf(0xA, 5, QByteArray("\2")) } };
-    snapshot.entries.push_back({ 0x18, 9, "A", 9, 0, false, std::nullopt, 0x06010001 });
+    snapshot.entries.push_back(refused(0x18, 9, "A", 9, 0));
     QCOMPARE(snapshotAsJson(snapshot), QByteArray(R"({
     "entries": [
         {
@@ -197,7 +217,7 @@ void TestDumps::jsonIsExact()
 void TestDumps::tableIsExact()
 {
     tSnapshot snapshot{ 5, "a.eds", { entryOf(1, 9, QByteArray("a\nb\x1B")) } };
-    snapshot.entries.push_back({ 0x18, 9, "A longer name", 9, 0, false, std::nullopt, 0x06010001 });
+    snapshot.entries.push_back(refused(0x18, 9, "A longer name", 9, 0));
     QCOMPARE(snapshotAsTable(snapshot),
              QByteArray("index   subindex  name           type            access  size  value       abort\n"
                         "0x2000  1         Entry          Visible String  RW      4     a\\x0Ab\\x1B\n"

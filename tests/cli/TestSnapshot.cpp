@@ -57,17 +57,18 @@ ParameterValue=$NODEID+0x10
 
 constexpr char commissioning[] = "[DeviceComissioning]\nNodeID=3\n";
 
-// "2000:0 UNSIGNED type access relative value", values in the order of the bus.
+// "2000:0 NAME type access relative value", values in the order of the bus, then a text that is no value.
 QString outline(const tSnapshot& snapshot)
 {
     QStringList entries;
     for (const tSnapshotEntry& entry : snapshot.entries)
         entries << QString("%1:%2 %3 %4 %5 %6%7")
-                       .arg(QString::number(entry.index, 16), QString::number(entry.subIndex, 16), entry.name)
-                       .arg(entry.type)
-                       .arg(entry.access)
-                       .arg(entry.relative ? "relative " : "",
-                            entry.value ? QString::fromLatin1(entry.value->toHex()) : QString("none"));
+                           .arg(QString::number(entry.index, 16), QString::number(entry.subIndex, 16), entry.name)
+                           .arg(entry.type)
+                           .arg(entry.access)
+                           .arg(entry.relative ? "relative " : "",
+                                entry.value ? QString::fromLatin1(entry.value->toHex()) : QString("none")) +
+                       (entry.wrongText.isEmpty() ? QString() : " \"" + entry.wrongText + '"');
     return entries.join('\n');
 }
 
@@ -80,7 +81,8 @@ class TestSnapshot : public QObject
 private Q_SLOTS:
     void sheetGivesItsDefaultsOnceForEachEntry();
     void configurationGivesItsOwnValues();
-    void valueThatNeedsAnUnknownNodeIdIsNotKnown();
+    void unknownNodeIdIsNoHindrance();
+    void configurationKeepsTheDefaultsOfOtherEntries();
     void nodeIdIsTheLastThatIsOne_data();
     void nodeIdIsTheLastThatIsOne();
     void relativeValuesFollowTheNodeId_data();
@@ -100,7 +102,7 @@ void TestSnapshot::sheetGivesItsDefaultsOnceForEachEntry()
                                         "2001:0 Count 5 1 02\n"
                                         "2001:1 Level 3 5 feff\n"
                                         "2001:a Title 9 0 244e4f44454944\n"
-                                        "2002:0 Wrong 5 3 none"));
+                                        "2002:0 Wrong 5 3 none \"256\""));
 }
 
 void TestSnapshot::configurationGivesItsOwnValues()
@@ -112,16 +114,29 @@ void TestSnapshot::configurationGivesItsOwnValues()
                                         "2001:0 Count 5 1 none\n"
                                         "2001:1 Level 3 5 fdff\n"
                                         "2001:a Title 9 0 none\n"
-                                        "2002:0 Wrong 5 3 13"));
+                                        "2002:0 Wrong 5 3 relative 10"));
 }
 
-void TestSnapshot::valueThatNeedsAnUnknownNodeIdIsNotKnown()
+// A number is one whatever the node-id is, and a sum is held relative to it.
+void TestSnapshot::unknownNodeIdIsNoHindrance()
 {
     const CSheetFile file(sheet, "device.dcf");
     const tSnapshot snapshot = loadSnapshot(file.name());
     QCOMPARE(snapshot.nodeId, 0U);
-    QVERIFY(!snapshot.entries.front().value); // a number where the default value is relative
-    QVERIFY(!snapshot.entries.back().value);  // a relative number where the default value is none
+    QCOMPARE(outline(snapshot), QString("2000:0 Identifier 7 3 03020000\n"
+                                        "2001:0 Count 5 1 none\n"
+                                        "2001:1 Level 3 5 fdff\n"
+                                        "2001:a Title 9 0 none\n"
+                                        "2002:0 Wrong 5 3 relative 10"));
+}
+
+void TestSnapshot::configurationKeepsTheDefaultsOfOtherEntries()
+{
+    const CSheetFile file(QByteArray(sheet) + commissioning, "device.dcf");
+    const tSnapshot snapshot = loadSnapshot(file.name());
+    QCOMPARE(snapshot.entries[1].defaultValue, std::optional(QByteArray("\2")));
+    QVERIFY(!snapshot.entries[2].defaultValue);
+    QVERIFY(!loadSnapshot(CSheetFile(sheet).name()).entries[1].defaultValue);
 }
 
 void TestSnapshot::nodeIdIsTheLastThatIsOne_data()
@@ -142,34 +157,44 @@ void TestSnapshot::nodeIdIsTheLastThatIsOne()
     QTEST(loadSnapshot(file.name()).nodeId, "nodeId");
 }
 
+// Node 5, in a file with "$NODEID" and an offset.
 void TestSnapshot::relativeValuesFollowTheNodeId_data()
 {
     QTest::addColumn<int>("type");
-    QTest::addColumn<bool>("relative");
+    QTest::addColumn<int>("offset"); // -1: none
     QTest::addColumn<QByteArray>("onBus");
     QTest::addColumn<QByteArray>("held");
-    const auto row = [](const char* name, int type, bool relative, const char* onBus, const char* held) {
-        QTest::newRow(name) << type << relative << QByteArray::fromHex(onBus) << QByteArray::fromHex(held);
+    const auto row = [](const char* name, int type, int offset, const char* onBus, const char* held) {
+        QTest::newRow(name) << type << offset << QByteArray::fromHex(onBus) << QByteArray::fromHex(held);
     };
-    row("number", 7, true, "85010000", "80010000");
-    row("below the node-id", 6, true, "0300", "feff");
-    row("signed", 2, true, "80", "7b");
-    row("not relative", 7, false, "85010000", "85010000");
-    row("of another length", 7, true, "8501", "8501");
-    row("no number", 9, true, "85010000", "85010000");
+    row("identifier", 7, 0x180, "85010000", "80010000");
+    row("switched off", 7, 0x180, "85010080", "80010080");
+    row("another function code", 7, 0x180, "85020000", "80020000");
+    row("another offset", 6, 0x43, "48000000", "48000000");
+    row("with an offset of its own", 6, 0x43, "4800", "4300");
+    row("below the node-id", 6, 0x7E, "0300", "feff");
+    row("signed", 2, 0, "85", "80");
+    row("no identifier", 7, 0x180, "00000080", "00000080");
+    row("of another node", 7, 0x180, "86010000", "86010000");
+    row("not relative", 7, -1, "85010000", "85010000");
+    row("of another length", 7, 0x180, "8501", "8501");
+    row("no number", 9, 0x180, "85010000", "85010000");
 }
 
 void TestSnapshot::relativeValuesFollowTheNodeId()
 {
     QFETCH(int, type);
-    QFETCH(bool, relative);
+    QFETCH(int, offset);
     QFETCH(QByteArray, onBus);
     QFETCH(QByteArray, held);
     tSnapshotEntry entry;
     entry.type = type;
-    entry.relative = relative;
-    QCOMPARE(valueToHold(entry, onBus, 5).toHex(), held.toHex());
-    QCOMPARE(valueOfNode(entry, held, 5).toHex(), onBus.toHex());
+    if (offset >= 0)
+        entry.offset = offset;
+    holdValue(entry, onBus, 5);
+    QCOMPARE(entry.value->toHex(), held.toHex());
+    QCOMPARE(entry.relative, onBus != held);
+    QCOMPARE(valueOfNode(entry, 5).toHex(), onBus.toHex());
 }
 
 void TestSnapshot::textWithTwoNodeIdsIsNotRelative()
@@ -178,9 +203,10 @@ void TestSnapshot::textWithTwoNodeIdsIsNotRelative()
         sheetOf(0x2000, 7, "rw", "Value", "DefaultValue=$NODEID+$NODEID\nParameterValue=$NODEID+$NODEID+1\n");
     const CSheetFile unknown(text, "device.dcf");
     QVERIFY(!loadSnapshot(unknown.name()).entries[0].value);
+    QCOMPARE(loadSnapshot(unknown.name()).entries[0].wrongText, "$NODEID+$NODEID+1");
     const CSheetFile known(text + commissioning, "device.dcf");
     const tSnapshotEntry entry = loadSnapshot(known.name()).entries[0];
-    QCOMPARE(valueOfNode(entry, *entry.value, 3), QByteArray("\7\0\0\0", 4));
+    QCOMPARE(valueOfNode(entry, 3), QByteArray("\7\0\0\0", 4));
     const CSheetFile defaults(text);
     QVERIFY(!loadSnapshot(defaults.name()).entries[0].value);
 }

@@ -98,6 +98,16 @@ public:
                 return false;
         return true;
     }
+    /// Waits until it has said so on standard error.
+    bool hasTold(const QString& text)
+    {
+        m_process.setReadChannel(QProcess::StandardError);
+        bool comes = true;
+        while (comes && !error().contains(text))
+            comes = m_process.waitForReadyRead(patience);
+        m_process.setReadChannel(QProcess::StandardOutput);
+        return comes;
+    }
     void interrupt(int signal = SIGINT) { ::kill(static_cast<pid_t>(m_process.processId()), signal); }
     /// Nobody reads its standard output any more.
     void closeOutput() { m_process.closeReadChannel(QProcess::StandardOutput); }

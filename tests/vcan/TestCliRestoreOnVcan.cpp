@@ -13,6 +13,7 @@ namespace
 {
 
 const QString sheet = VELMORA_SHARE "/velmora-demo.eds";
+constexpr int storingTimeout = 3000; // milliseconds: a device may take longer for storing than for anything else
 const QString begun = "node 5 is in pre-operational while its PDO parameters are written\n";
 
 } // namespace
@@ -30,8 +31,11 @@ private Q_SLOTS:
     void operationalNodeIsOperationalAgain();
     void preOperationalNodeStaysSo();
     void nodeWithoutHeartbeatIsStarted();
+    void slowHeartbeatTellsTheState();
+    void anotherClientIsNoticedWhileItWaitsForAHeartbeat();
     void framesOfAPdoComeInOrder();
     void silenceSavesNothing();
+    void storingMayTakeLong();
 
 private:
     // Of the program, with a time-out that no busy machine reaches, on vcan0.
@@ -68,7 +72,8 @@ private:
 void TestCliRestoreOnVcan::initTestCase()
 {
     QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
-    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006" },
+    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006", "--fault",
+                                     "delay=" + QString::number(storingTimeout + 1000) + "@1010" },
                         CSimulatorProcess::silent);
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     m_bus.emplace();
@@ -170,6 +175,28 @@ void TestCliRestoreOnVcan::nodeWithoutHeartbeatIsStarted()
     QVERIFY(m_bus->waitFor("000#0105"));
 }
 
+// A heartbeat that comes once in a while is waited for.
+void TestCliRestoreOnVcan::slowHeartbeatTellsTheState()
+{
+    prepare("2500");
+    QCOMPARE(nmt("start"), "-- 0\n");
+    const QString waiting = "waiting for a heartbeat of node 5, which comes every 2500 ms\n";
+    QCOMPARE(run({ "restore", path("saved.csv") }),
+             restored("node 5 is operational again\n").replace("0x0064", "0x09C4").replace(begun, waiting + begun));
+}
+
+void TestCliRestoreOnVcan::anotherClientIsNoticedWhileItWaitsForAHeartbeat()
+{
+    prepare("5000");
+    CCliRun process(
+        { "restore", "-i", "vcan0", "--timeout", QString::number(sdoPatience), "-n", "5", path("saved.csv") });
+    QVERIFY(process.hasTold("waiting for a heartbeat"));
+    QVERIFY(m_bus->send("611#4018100100000000"));
+    QVERIFY2(process.hasTold("another SDO client is at work on this bus: it talks to node 17"),
+             qPrintable(process.error()));
+    QCOMPARE(process.status(), 0);
+}
+
 void TestCliRestoreOnVcan::framesOfAPdoComeInOrder()
 {
     prepare("0");
@@ -190,6 +217,16 @@ void TestCliRestoreOnVcan::silenceSavesNothing()
     QVERIFY2(shown.startsWith("-- 3\n") && shown.endsWith(" entries were read; nothing was saved\n"),
              qPrintable(shown));
     QVERIFY(!QFile::exists(path("silent.csv")));
+}
+
+// The last one: the simulator keeps what it has stored.
+void TestCliRestoreOnVcan::storingMayTakeLong()
+{
+    prepare("0");
+    CCliRun process({ "restore", "-i", "vcan0", "--timeout", QString::number(storingTimeout), "-n", "5",
+                      path("saved.csv"), "--store", "--no-start" });
+    const QString shown = process.outcome();
+    QVERIFY2(shown.contains("-- 0\n") && shown.contains("node 5 has stored its parameters\n"), qPrintable(shown));
 }
 
 QTEST_GUILESS_MAIN(TestCliRestoreOnVcan)
