@@ -214,14 +214,16 @@ private:
                 continue;
             }
             const tEnd end{ failure->status, QStringLiteral("%1: %2").arg(nameOf(*write.entry), failure->text) };
-            const bool goesOn = m_options.keepGoing && write.isApart;
-            if (!goesOn && !failure->silent)
+            const bool isRefused = end.status != exitNetwork; // otherwise it may have been written
+            const bool goesOn = isRefused && m_options.keepGoing;
+            const bool isWhole = goesOn && write.isApart;
+            if (isRefused && !isWhole)
                 m_writer.writeBack();
-            if (failure->silent || !m_options.keepGoing)
+            if (!goesOn)
                 throw end;
             m_console.message(end.message);
             m_status = graver(m_status, end.status);
-            if (!goesOn)
+            if (!isWhole)
                 return;
         }
         m_writer.complete();

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void keepGoingWritesTheOthersAfterAPdoFailed();
     void keepGoingWritesAPdoWithoutARefusedParameter();
     void pdoThatCannotBeAsBeforeIsTold();
+    void cutAnswerToAPdoParameterEndsIt();
     void refusedOtherParameterStartsAllTheSame();
     void refusedSyncCounterGivesThePeriodBack();
     void keepGoingStartsAfterAnotherParameterFailed();
@@ -158,6 +159,19 @@ void TestCliRestoreOrder::pdoThatCannotBeAsBeforeIsTold()
     init();
     m_device->setHook(refusing("1A00:2 = "));
     QCOMPARE(restore(pdoLines, { "--keep-going" }).section("; ", -1), halfWay + "60000108\n");
+}
+
+// Nobody knows what the device has then.
+void TestCliRestoreOrder::cutAnswerToAPdoParameterEndsIt()
+{
+    m_device->setHook([](const QString& step) {
+        return step.startsWith("1A00:2 = ") ? std::optional(QByteArray("O")) : std::nullopt;
+    });
+    const QString shown = restore(pdoLines, { "--keep-going" });
+    QVERIFY2(shown.startsWith("3\n" + begun + abandoned + "1A00:2: "), qPrintable(shown));
+    QVERIFY2(shown.endsWith("; left half-way: 1800:1 = 0x80000185, 1A00 = 0x00, 1A00:1 = 0x60000208\n"),
+             qPrintable(shown));
+    QCOMPARE(m_device->steps(), pdoSteps.mid(0, 5));
 }
 
 // All PDO parameters are written then.
