@@ -12,14 +12,15 @@ namespace
 
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 
-QByteArray quoted(const QString& field)
+void append(QString& line, const QString& field)
 {
     const bool plain = std::none_of(field.cbegin(), field.cend(), [](QChar character) {
         return character == u',' || character == u'"' || character == u'\n' || character == u'\r';
     });
     if (plain)
-        return field.toUtf8();
-    return '"' + field.toUtf8().replace('"', "\"\"") + '"';
+        line += field;
+    else
+        line += u'"' + QString(field).replace(u'"', QStringLiteral("\"\"")) + u'"';
 }
 
 } // namespace
@@ -27,15 +28,15 @@ QByteArray quoted(const QString& field)
 QByteArray csvLine(const QStringList& fields)
 {
     constexpr qsizetype usualLength = 128;
-    QByteArray line;
+    QString line;
     line.reserve(usualLength);
     for (const QString& field : fields) {
         if (&field != &fields.front())
-            line += ',';
-        line += quoted(field);
+            line += u',';
+        append(line, field);
     }
-    line += '\n';
-    return line;
+    line += u'\n';
+    return line.toUtf8();
 }
 
 QByteArray csvText(const std::vector<QStringList>& rows)

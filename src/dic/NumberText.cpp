@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QList>
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 
 namespace
@@ -68,5 +70,12 @@ std::optional<tNumber> readTerms(QStringView text, unsigned nodeId)
 
 QString hexadecimalText(quint64 number, int digits)
 {
-    return QStringLiteral("0x") + QString::number(number, 16).toUpper().rightJustified(digits, u'0');
+    constexpr int prefix = 2;
+    constexpr int bitsOfDigit = 4;
+    const int needed = (static_cast<int>(std::bit_width(number)) + bitsOfDigit - 1) / bitsOfDigit;
+    QString text(prefix + std::max({ digits, needed, 1 }), u'0');
+    text[1] = u'x';
+    for (qsizetype place = text.size() - 1; number != 0; --place, number >>= bitsOfDigit)
+        text[place] = u"0123456789ABCDEF"[number & 0xF];
+    return text;
 }

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void signAndFormAreKept();
     void termsAreAddedUp_data();
     void termsAreAddedUp();
+    void hexadecimalNumbersHaveAllTheirDigits();
 };
 
 void TestNumberText::numbersAreDecimalHexadecimalOrOctal_data()
@@ -103,6 +104,17 @@ void TestNumberText::termsAreAddedUp()
     QCOMPARE(number.has_value(), accepted);
     if (accepted)
         QCOMPARE(number->bits, bits);
+}
+
+void TestNumberText::hexadecimalNumbersHaveAllTheirDigits()
+{
+    QCOMPARE(hexadecimalText(0, 1), "0x0");
+    QCOMPARE(hexadecimalText(0, 4), "0x0000");
+    QCOMPARE(hexadecimalText(0x9AF, 1), "0x9AF");
+    QCOMPARE(hexadecimalText(0x10, 1), "0x10");
+    QCOMPARE(hexadecimalText(0x10, 8), "0x00000010");
+    QCOMPARE(hexadecimalText(0xFEDCBA9876543210, 16), "0xFEDCBA9876543210");
+    QCOMPARE(hexadecimalText(~quint64{ 0 }, 2), "0xFFFFFFFFFFFFFFFF");
 }
 
 QTEST_GUILESS_MAIN(TestNumberText)
