@@ -13,7 +13,6 @@ namespace
 {
 
 const QString sheet = VELMORA_SHARE "/velmora-demo.eds";
-constexpr int storingTimeout = 3000; // milliseconds: a device may take longer for storing than for anything else
 const QString begun = "node 5 is in pre-operational while its PDO parameters are written\n";
 
 } // namespace
@@ -72,8 +71,7 @@ private:
 void TestCliRestoreOnVcan::initTestCase()
 {
     QVERIFY2(CRawCan::problem().isEmpty(), CRawCan::problem());
-    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006", "--fault",
-                                     "delay=" + QString::number(storingTimeout + 1000) + "@1010" },
+    m_simulator.emplace(QStringList{ "--can", "vcan0", "--node", "7=" + sheet, "--fault", "silence@2006" },
                         CSimulatorProcess::silent);
     QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     m_bus.emplace();
@@ -219,12 +217,18 @@ void TestCliRestoreOnVcan::silenceSavesNothing()
     QVERIFY(!QFile::exists(path("silent.csv")));
 }
 
-// The last one: the simulator keeps what it has stored.
+// A device may take longer for storing than for anything else. The last test, since it starts another simulator.
 void TestCliRestoreOnVcan::storingMayTakeLong()
 {
+    constexpr int timeout = 3000; // milliseconds
+    m_simulator.reset();
+    m_simulator.emplace(
+        QStringList{ "--can", "vcan0", "--fault", "delay=" + QString::number(timeout + 1000) + "@1010" },
+        CSimulatorProcess::silent);
+    QVERIFY2(m_simulator->hasLogged("velmora-sim: CAN on vcan0"), m_simulator->log());
     prepare("0");
-    CCliRun process({ "restore", "-i", "vcan0", "--timeout", QString::number(storingTimeout), "-n", "5",
-                      path("saved.csv"), "--store", "--no-start" });
+    CCliRun process({ "restore", "-i", "vcan0", "--timeout", QString::number(timeout), "-n", "5", path("saved.csv"),
+                      "--store", "--no-start" });
     const QString shown = process.outcome();
     QVERIFY2(shown.contains("-- 0\n") && shown.contains("node 5 has stored its parameters\n"), qPrintable(shown));
 }
