@@ -27,6 +27,7 @@ struct CCANopenAccess::tLibrary {
     std::int32_t (*read32)(BYTE node, WORD index, BYTE subindex, std::uint32_t* value);
     std::int32_t (*timeout)(WORD timeout, WORD* previous);
     int (*lastAnswer)();
+    bool (*lastRefusal)(std::uint32_t* number);
     std::int32_t (*lineTimeout)(std::int32_t milliseconds, std::int32_t* previous);
     std::int32_t (*startNode)(BYTE node);
     std::int32_t (*stopNode)(BYTE node);
@@ -141,14 +142,14 @@ constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
     { librarySocketCAN, initMaster, cop_exit, cop_reset,
       sdo_write, sdo_read,
       sdo_write_8bit, sdo_write_16bit, sdo_write_32bit, sdo_read_8bit, sdo_read_16bit, sdo_read_32bit, setMasterTimeout,
-      masterAnswer, setMasterLineTimeout,
+      masterAnswer, sdo_last_abort, setMasterLineTimeout,
       nmt_start_remote_node, nmt_stop_remote_node, nmt_enter_preoperational, nmt_reset_node, nmt_reset_communication,
       transmitByMaster, requestByMaster, readMasterQueue, cop_queue_clear,
       masterHardware, masterSoftware, cop_version },
     { libraryGateway, initGateway, top_exit, top_reset,
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
-      top_last_answer, setGatewayLineTimeout,
+      top_last_answer, top_last_error, setGatewayLineTimeout,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
       top_transmit, top_request, top_queue_read, top_queue_clear,
       top_hardware, top_software, top_version },
@@ -264,6 +265,13 @@ CCANopenAccess::TAnswer CCANopenAccess::lastAnswer() const
 {
     const tLibrary* library = libraryOf(m_library);
     return library != nullptr ? static_cast<TAnswer>(library->lastAnswer()) : answerNone;
+}
+
+std::optional<std::uint32_t> CCANopenAccess::lastRefusal() const
+{
+    const tLibrary* library = libraryOf(m_library);
+    std::uint32_t number = 0;
+    return library != nullptr && library->lastRefusal(&number) ? std::optional(number) : std::nullopt;
 }
 
 bool CCANopenAccess::setLineTimeout(std::int32_t milliseconds, std::int32_t* previous)

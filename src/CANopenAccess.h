@@ -1,5 +1,5 @@
 // The object through which the program reaches a CANopen network: binds one of the device-access libraries, forwards
-// every operation to it and keeps the result of the last one.
+// every operation to it and keeps the result of the last one. One class, although long: the operations belong together.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -8,6 +8,7 @@
 #include "tcp/tcp_open.h"
 
 #include <cstdint>
+#include <optional>
 #include <type_traits>
 
 /// Numbers of the device-access libraries.
@@ -72,6 +73,10 @@ public:
     /// `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerOdd`: `read` made
     /// a value of something that is none. `answerNone` without a bound library.
     TAnswer lastAnswer() const;
+    /// The number with which a node or a gateway refused the last SDO transfer, with a gateway also another operation; none
+    /// when it was not refused. It is the abort code of the node or, below ABORT_LOWEST, the gateway's error. Some
+    /// numbers are hidden by the results, which are as described above: 0 and others read as success or as other errors.
+    std::optional<std::uint32_t> lastRefusal() const;
     /// Sets how long the client of a gateway waits for each line, in milliseconds, 66000 at first, for the whole
     /// process. Fails with ERR_NOT_SUPPORTED with the SocketCAN master. `previous` may be null.
     bool setLineTimeout(std::int32_t milliseconds, std::int32_t* previous);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "network/Network.h"
 
+#include "access/ErrorTexts.h"
 #include "access/InterfaceText.h"
 #include "base/NodeId.h"
 #include "console/Interrupt.h"
@@ -46,7 +47,7 @@ QString numbered(const char* text, int error)
 }
 
 // What went wrong without an abort code of the device.
-QString networkText(const CCANopenAccess& access, bool isGateway)
+QString networkText(const CCANopenAccess& access)
 {
     const int error = access.getLastError();
     if (access.lastAnswer() == CCANopenAccess::answerNone)
@@ -56,8 +57,6 @@ QString networkText(const CCANopenAccess& access, bool isGateway)
         return QStringLiteral("the answer of the gateway is cut");
     if (access.lastAnswer() == CCANopenAccess::answerOdd)
         return QStringLiteral("the gateway answers something that is no value");
-    if (isGateway && error <= gatewayError)
-        return gatewayText(gatewayError - error);
     return numbered(access.getErrorText(error), error);
 }
 
@@ -159,7 +158,7 @@ void CNetwork::begin()
 // Why a transfer with a node failed; none when it is done.
 std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
 {
-    auto failure = failureOf(done);
+    auto failure = failureOf(done, operationTransfer);
     if (failure && failure->status == exitNetwork)
         m_late.insert(node);
     constexpr int watchEvery = 32;
@@ -168,21 +167,36 @@ std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
     return failure;
 }
 
-std::optional<tFailure> CNetwork::failureOf(bool done) const
+std::optional<tFailure> CNetwork::failureOf(bool done, tOperation operation) const
 {
-    if (done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
+    const auto refused = refusalOf(operation);
+    if (refused && refused->status == exitAborted)
+        return refused;
+    if (!refused && done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
         return std::nullopt;
-    if (m_access.isSDOAborted() && !done) {
-        const auto code = static_cast<std::uint32_t>(m_access.getLastAbort());
-        return tFailure{ exitAborted, code,
-                         QStringLiteral("aborted by the device: 0x%1 (%2)")
-                             .arg(QString::number(code, 16).toUpper(), 8, QLatin1Char('0'))
-                             .arg(QString::fromLatin1(m_access.getAbortText(code))) };
-    }
     endWhenInterrupted();
-    const bool silent = m_access.lastAnswer() == CCANopenAccess::answerNone ||
-                        m_access.getLastError() == gatewayError - gatewayDeviceTimeout;
-    return tFailure{ exitNetwork, 0, networkText(m_access, m_isGateway), silent };
+    if (refused)
+        return refused;
+    const bool silent = m_access.lastAnswer() == CCANopenAccess::answerNone;
+    return tFailure{ exitNetwork, 0, networkText(m_access), silent };
+}
+
+// What the device or the gateway says in place of doing it. The result of the operation does not tell all of it.
+std::optional<tFailure> CNetwork::refusalOf(tOperation operation) const
+{
+    if (operation != operationTransfer && !m_isGateway)
+        return std::nullopt; // the last transfer was another operation
+    const auto number = m_access.lastRefusal();
+    if (!number)
+        return std::nullopt;
+    if (m_isGateway && (operation != operationTransfer || *number < ABORT_LOWEST)) {
+        const auto error = static_cast<int>(*number);
+        return tFailure{ exitNetwork, 0, gatewayText(error), error == gatewayDeviceTimeout };
+    }
+    return tFailure{ exitAborted, *number,
+                     QStringLiteral("aborted by the device: 0x%1 (%2)")
+                         .arg(QString::number(*number, 16).toUpper(), 8, QLatin1Char('0'))
+                         .arg(QLatin1String(errorTexts::ofAbort(*number))) };
 }
 
 std::optional<tCanMessage> CNetwork::takeMessage()

@@ -80,7 +80,7 @@ public:
     std::optional<tFailure> run(Operation operation)
     {
         begin();
-        return failureOf(operation(m_access));
+        return failureOf(operation(m_access), operationOther);
     }
 
     /// The facade itself, for messages that are no transfers.
@@ -101,8 +101,11 @@ public:
 private:
     static constexpr short longestValue = std::numeric_limits<short>::max();
 
+    enum tOperation { operationTransfer, operationOther };
+
     static void begin();
-    std::optional<tFailure> failureOf(bool done) const;
+    std::optional<tFailure> failureOf(bool done, tOperation operation) const;
+    std::optional<tFailure> refusalOf(tOperation operation) const;
     std::optional<tFailure> transferFailure(bool done, BYTE node);
     void open(const tNetworkOptions& options);
     void setTimeouts(const tNetworkOptions& options);

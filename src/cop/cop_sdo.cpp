@@ -33,6 +33,8 @@ static constexpr uint32_t sdo_answer_cob_id = 0x580;  // plus the node-id
 
 static WORD cop_timeout = 500;  // milliseconds, for each awaited answer
 static BYTE sdo_multiplexor[3]; // index and sub-index of the transfer, as in bytes 1 to 3 of its messages
+static bool sdo_aborted;        // the node has aborted the transfer
+static uint32_t sdo_abort_code; // with this code
 
 /// The answer that one phase of a transfer expects.
 struct sdo_phase {
@@ -121,8 +123,10 @@ static bool sdo_in_time()
 static bool sdo_accept(const sdo_phase& phase, BYTE toggle)
 {
     if ((cop_buffer[0] & phase.abort_mask) == sdo_abort) {
+        sdo_aborted = true;
+        sdo_abort_code = sdo_get_le(cop_buffer + 4, 4);
         // Kept: the abort code as it is; a node that sends 0 or a code above 0x7FFFFFFF gives 0 or a negative result.
-        cop_error = static_cast<int32_t>(sdo_get_le(cop_buffer + 4, 4));
+        cop_error = static_cast<int32_t>(sdo_abort_code);
         return false;
     }
     if ((cop_buffer[0] & phase.reply_mask) != phase.reply)
@@ -243,9 +247,10 @@ static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& r
     return cop_error;
 }
 
-/// Checks the arguments of a transfer; `complete` means that no pointer is null. @return `cop_error`, which it sets
+/// Checks the arguments of a transfer that begins; `complete` means that no pointer is null. @return `cop_error`, which it sets
 static int32_t sdo_check(BYTE node, bool complete)
 {
+    sdo_aborted = false;
     if (node == 0 || node > highestNodeId)
         return cop_error = ERR_NODE_ID;
     return cop_error = complete ? ERR_NO_ERROR : ERR_FATAL;
@@ -275,6 +280,13 @@ int32_t sdo_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data
     if (sdo_receive(node, index, subindex, received) == ERR_NO_ERROR)
         *length = static_cast<short>(std::min<int64_t>(received.count, received.room));
     return cop_error;
+}
+
+bool sdo_last_abort(uint32_t* code)
+{
+    if (sdo_aborted && code != nullptr)
+        *code = sdo_abort_code;
+    return sdo_aborted;
 }
 
 WORD sdo_timeout(WORD milliseconds)
@@ -324,8 +336,10 @@ int32_t sdo_read_8bit(BYTE node, WORD index, BYTE subindex, uint8_t* value)
 
 int32_t sdo_read_16bit(BYTE node, WORD index, BYTE subindex, uint16_t* value)
 {
-    if (value == nullptr)
+    if (value == nullptr) {
+        sdo_aborted = false;
         return cop_error = ERR_FATAL;
+    }
     BYTE data[2] = {};
     if (sdo_read_exactly(node, index, subindex, data, 2) == ERR_NO_ERROR)
         *value = static_cast<uint16_t>(sdo_get_le(data, 2));
@@ -334,8 +348,10 @@ int32_t sdo_read_16bit(BYTE node, WORD index, BYTE subindex, uint16_t* value)
 
 int32_t sdo_read_32bit(BYTE node, WORD index, BYTE subindex, uint32_t* value)
 {
-    if (value == nullptr)
+    if (value == nullptr) {
+        sdo_aborted = false;
         return cop_error = ERR_FATAL;
+    }
     BYTE data[4] = {};
     if (sdo_read_exactly(node, index, subindex, data, 4) == ERR_NO_ERROR)
         *value = sdo_get_le(data, 4);

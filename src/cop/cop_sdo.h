@@ -26,6 +26,10 @@ int32_t sdo_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data
 /// Sets the SDO time-out in milliseconds, 500 at first. @return the previous one
 WORD sdo_timeout(WORD milliseconds);
 
+/// Whether the node aborted the last transfer, also where the result does not tell: an abort code of 0 reads as success,
+/// one above 0x7FFFFFFF as an error. `code`, which may be null, is then its code and otherwise unchanged.
+bool sdo_last_abort(uint32_t* code);
+
 /// Values of 8, 16 and 32 bits, least significant byte first.
 int32_t sdo_write_8bit(BYTE node, WORD index, BYTE subindex, uint8_t value);
 int32_t sdo_write_16bit(BYTE node, WORD index, BYTE subindex, uint16_t value);

@@ -13,7 +13,7 @@
 //   rtr      = length { byte }
 
 /// Error numbers from here on are abort codes of a device, smaller ones are errors of the gateway.
-static constexpr int32_t tcp_eval_first_abort = 0x05000000;
+static constexpr auto tcp_eval_first_abort = int32_t{ ABORT_LOWEST };
 static constexpr int32_t tcp_eval_gateway_error = -600;
 static constexpr short tcp_eval_data_size = 8;
 
@@ -58,6 +58,18 @@ static int32_t tcp_eval_sdo_error(int word, const char* line, uint32_t* cursor, 
     if (abort != nullptr)
         *abort = static_cast<uint32_t>(number);
     return ERR_SDO_ABORTED;
+}
+
+bool tcp_eval_is_error(const char* line, uint32_t* number)
+{
+    uint32_t cursor = 0;
+    int32_t value = 0;
+    if (!tcp_eval_head(line, &cursor) || lookahead(line, &cursor) == -1 ||
+        !tcp_eval_error_number(token(line, &cursor), line, &cursor, &value))
+        return false;
+    if (number != nullptr)
+        *number = static_cast<uint32_t>(value);
+    return true;
 }
 
 static bool tcp_eval_is_digit(int first)

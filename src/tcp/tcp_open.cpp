@@ -350,6 +350,12 @@ int top_last_answer()
     return top_answered;
 }
 
+bool top_last_error(uint32_t* number)
+{
+    const bool whole = top_answered == top_answer_whole || top_answered == top_answer_odd;
+    return whole && tcp_eval_is_error(top_buffer, number);
+}
+
 int32_t top_line_timeout(int32_t milliseconds)
 {
     return std::exchange(top_line_milliseconds, std::max(milliseconds, 1));

@@ -14,6 +14,9 @@ private Q_SLOTS:
     void withoutALibraryThereIsNone();
     void gatewayThatHangsUpHasNotAnswered();
     void masterTellsATimeOut();
+    void refusalOfANodeIsToldWithAllItsBits_data();
+    void refusalOfANodeIsToldWithAllItsBits();
+    void refusalOfAGatewayIsTold();
     void lineTimeoutIsThatOfTheGatewayClient();
 };
 
@@ -21,6 +24,7 @@ void TestCANopenAccessAnswer::withoutALibraryThereIsNone()
 {
     CCANopenAccess access;
     QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+    QCOMPARE(access.lastRefusal(), std::nullopt);
     QVERIFY(!access.setLineTimeout(1000, nullptr));
     QCOMPARE(access.getLastError(), ERR_NOT_INITIALIZED);
 }
@@ -53,6 +57,44 @@ void TestCANopenAccessAnswer::masterTellsATimeOut()
     QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
     QVERIFY(!access.setLineTimeout(1000, nullptr));
     QCOMPARE(access.getLastError(), ERR_NOT_SUPPORTED);
+}
+
+void TestCANopenAccessAnswer::refusalOfANodeIsToldWithAllItsBits_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<std::uint32_t>("code");
+    QTest::newRow("usual") << QByteArray("00 00 02 06") << 0x06020000U;
+    QTest::newRow("reads as success") << QByteArray("00 00 00 00") << 0U;
+    QTest::newRow("reads as a time-out") << QByteArray("CE FF FF FF") << 0xFFFFFFCEU;
+}
+
+void TestCANopenAccessAnswer::refusalOfANodeIsToldWithAllItsBits()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(std::uint32_t, code);
+    CFakeBus bus;
+    CCANopenAccess access;
+    QVERIFY(access.initialize(librarySocketCAN, -1, &bus.param, 3));
+    bus.expect(0x605, "2F 00 20 01 07 00 00 00").answer(0x585, "80 00 20 01 " + bytes);
+    access.writeUnsigned8(5, 0x2000, 1, 7);
+    QCOMPARE(access.lastRefusal(), std::optional(code));
+    bus.expect(0x605, "2F 00 20 01 07 00 00 00").answer(0x585, "60 00 20 01 00 00 00 00");
+    QVERIFY(access.writeUnsigned8(5, 0x2000, 1, 7));
+    QCOMPARE(access.lastRefusal(), std::nullopt);
+}
+
+void TestCANopenAccessAnswer::refusalOfAGatewayIsTold()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] 5 start\r\n", "[#] Error: -600\r\n");
+    gateway.expect("[#] 5 start\r\n", "[#] OK\r\n");
+    CCANopenAccess access;
+    _top_param parameter = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
+    QVERIFY(access.initialize(libraryGateway, 0, &parameter, 0));
+    QVERIFY(access.startRemoteNode(5)); // as the result has it
+    QCOMPARE(access.lastRefusal(), std::optional(0xFFFFFDA8U));
+    QVERIFY(access.startRemoteNode(5));
+    QCOMPARE(access.lastRefusal(), std::nullopt);
 }
 
 void TestCANopenAccessAnswer::lineTimeoutIsThatOfTheGatewayClient()

@@ -56,6 +56,8 @@ void TestCliNmt::commandThatIsNotAnsweredFails_data()
     QTest::newRow("another number") << QByteArray("[#+1] OK\r\n") << false << "no answer";
     QTest::newRow("error") << QByteArray("[#] ERROR: 107\r\n") << false
                            << "the gateway answers error 107 (no such node)";
+    QTest::newRow("error that reads as success")
+        << QByteArray("[#] ERROR: -600\r\n") << false << "the gateway answers error -600";
     QTest::newRow("value") << QByteArray("[#] 5\r\n") << false << "Format error. (error -70)";
 }
 

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void jsonHoldsEveryCharacter();
     void whatIsNoValueIsAnError_data();
     void whatIsNoValueIsAnError();
+    void abortOfAnyCodeIsAnAbort_data();
+    void abortOfAnyCodeIsAnAbort();
     void silenceEndsTheCommand();
     void sizeOtherThanThatOfTheSheetIsTold();
     void wrongUsageEndsWithStatus2_data();
@@ -132,6 +134,8 @@ void TestCliRead::whatIsNoValueIsAnError_data()
     row("value and more", "[#] tfAAAA== x\r\n", "the gateway answers something that is no value");
     row("error", "[#] ERROR: 101\r\n", "the gateway answers error 101 (it does not understand the command)");
     row("error of its own", "[#] Error: 900\r\n", "the gateway answers error 900");
+    row("error 0", "[#] Error: 0\r\n", "the gateway answers error 0");
+    row("error in short", "[#] e:5\r\n", "the gateway answers error 5");
 }
 
 void TestCliRead::whatIsNoValueIsAnError()
@@ -144,6 +148,29 @@ void TestCliRead::whatIsNoValueIsAnError()
                    { answer.toStdString(), hangsUp ? tGatewayAnswer::hangUp : tGatewayAnswer::together });
     QCOMPARE(shownBy({ "read", "-i", interfaceOf(gateway), "-n", "5", "--type", "u32", "1018:1", "1018:2" }),
              shown(3, "", error));
+    QCOMPARE(difference(gateway), QByteArray());
+}
+
+void TestCliRead::abortOfAnyCodeIsAnAbort_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("0x06070010") << "0x06070010 (Data type does not match, length of service parameter does not match)";
+    for (const char* code : { "0x80000000", "0xFFFFFFFF", "0xFFFFFDA8", "0xFFFFFDA4" })
+        QTest::newRow(code) << QString("%1 (Unknown SDO abort code.)").arg(code);
+}
+
+void TestCliRead::abortOfAnyCodeIsAnAbort()
+{
+    QFETCH(QString, text);
+    CFakeGateway gateway;
+    const std::string answer = std::string("[#] ERROR: ") + QTest::currentDataTag() + "\r\n";
+    gateway.expect(readOf("0x1017", "0x0"), answer);
+    gateway.expect("[#] 5 write 0x1017 0x0 u16 0x1\r\n", answer);
+    const QString error = "velmora-cli: 1017: aborted by the device: " + text + '\n';
+    const QStringList arguments{ "-i", interfaceOf(gateway), "-n", "5", "--type", "u16", "1017" };
+    QCOMPARE(shownBy(QStringList{ "read" } + arguments), shown(4, "", error));
+    QCOMPARE(shownBy(QStringList{ "write" } + arguments + QStringList{ "1" }),
+             shown(4, "", error + "velmora-cli: 0 of 1 values were written, not 1017\n"));
     QCOMPARE(difference(gateway), QByteArray());
 }
 

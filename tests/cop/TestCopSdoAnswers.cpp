@@ -4,6 +4,9 @@
 
 #include <QtTest>
 
+#include <cstring>
+#include <functional>
+
 class TestCopSdoAnswers : public QObject
 {
     Q_OBJECT
@@ -15,6 +18,7 @@ private Q_SLOTS:
     void firstByteDecides();
     void abortCodeIsTheResult_data();
     void abortCodeIsTheResult();
+    void abortIsToldOfTheLastTransferOnly();
     void everyBitOfTheMultiplexorIsCompared_data() { addSdoPhases(); }
     void everyBitOfTheMultiplexorIsCompared();
     void answersAboutOtherObjectsArePassedOver_data() { addSdoPhases(true); }
@@ -103,6 +107,33 @@ void TestCopSdoAnswers::abortCodeIsTheResult()
     else
         QCOMPARE(end, result);
     QVERIFY(bus.finished()); // no abort is sent
+    uint32_t told = 0;
+    QVERIFY(sdo_last_abort(&told)); // also where the result hides it
+    uint32_t sent = 0;
+    memcpy(&sent, QByteArray::fromHex(code).constData(), sizeof sent);
+    QCOMPARE(told, sent);
+}
+
+void TestCopSdoAnswers::abortIsToldOfTheLastTransferOnly()
+{
+    uint8_t byte = 0;
+    uint16_t word = 0;
+    const std::function<int32_t()> others[] = {
+        [&] { return sdo_read_8bit(5, 0x2008, 1, &byte); }, // nobody answers
+        [&] { return sdo_read_8bit(0, 0x2008, 1, &byte); }, // a wrong node-id
+        [&] { return sdo_read_16bit(5, 0x2008, 1, nullptr); }, // null pointers
+        [&] { return sdo_read_32bit(5, 0x2008, 1, nullptr); }, [&] { return sdo_write(5, 0x2008, 1, 1, nullptr); },
+    };
+    for (const auto& other : others) {
+        CSdoBus bus;
+        bus.talk("40 08 20 01 00 00 00 00", "80 08 20 01 00 00 00 00");
+        QCOMPARE(sdo_read_16bit(5, 0x2008, 1, &word), -60); // no error of its own
+        QVERIFY(sdo_last_abort(nullptr));
+        QVERIFY(other() < 0);
+        uint32_t code = 1234;
+        QVERIFY(!sdo_last_abort(&code));
+        QCOMPARE(code, 1234U);
+    }
 }
 
 // Segments carry no index: there the same bytes are data or unused.

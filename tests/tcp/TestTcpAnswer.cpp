@@ -29,6 +29,11 @@ private Q_SLOTS:
     void answerIsWhole();
     void valueThatIsNoneIsOdd_data();
     void valueThatIsNoneIsOdd();
+    void errorIsToldWithAllItsBits_data();
+    void errorIsToldWithAllItsBits();
+    void errorOfADomainReadIsTold();
+    void whatIsNoWholeErrorIsNotTold_data();
+    void whatIsNoWholeErrorIsNotTold();
     void hangUpIsNoAnswer();
     void lineOfAnotherNumberIsNoAnswer();
     void silenceIsNoAnswer();
@@ -77,6 +82,73 @@ void TestTcpAnswer::valueThatIsNoneIsOdd()
     short length = 0;
     QCOMPARE(top_read(5, 0x1017, 0, &length, data, sizeof data), 0);
     QCOMPARE(top_last_answer(), how);
+}
+
+void TestTcpAnswer::errorIsToldWithAllItsBits_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<uint32_t>("number");
+    QTest::addColumn<int>("result"); // which does not tell all of them
+    const auto row = [](const char* answer, uint32_t number, int result) {
+        QTest::newRow(answer) << QByteArray(answer) << number << result;
+    };
+    row("Error: 103", 103, -703);
+    row("e:0", 0, -600);
+    row("ERROR: 0x06020000", 0x06020000, 0x06020000);
+    row("ERROR: 0xFFFFFFFF", 0xFFFFFFFF, -599);
+    row("ERROR: 0xFFFFFDA8", 0xFFFFFDA8, 0);
+    row("ERROR: -600", 0xFFFFFDA8, 0);
+    row("ERROR: 0xFFFFFDA4", 0xFFFFFDA4, 0);
+    row("ERROR: 0x80000000", 0x80000000, 0x7FFFFDA8);
+}
+
+void TestTcpAnswer::errorIsToldWithAllItsBits()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(uint32_t, number);
+    CGatewaySession gateway;
+    gateway.expect("[#] 5 write 0x2000 0x0 u8 0x1\r\n", "[#] " + answer.toStdString() + "\r\n");
+    QTEST(top_write_8bit(5, 0x2000, 0, 1), "result");
+    uint32_t told = 0;
+    QVERIFY(top_last_error(&told));
+    QCOMPARE(told, number);
+    QVERIFY(top_last_error(nullptr));
+}
+
+// The evaluator of domains reads "e:5" as data.
+void TestTcpAnswer::errorOfADomainReadIsTold()
+{
+    CGatewaySession gateway;
+    gateway.expect("[#] 5 read 0x1017 0x0 d\r\n", "[#] e:5\r\n");
+    BYTE data[16];
+    short length = 0;
+    QCOMPARE(top_read(5, 0x1017, 0, &length, data, sizeof data), 0);
+    uint32_t told = 0;
+    QVERIFY(top_last_error(&told));
+    QCOMPARE(told, 5U);
+}
+
+void TestTcpAnswer::whatIsNoWholeErrorIsNotTold_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("hangsUp");
+    for (const char* answer :
+         { "[#] 10\r\n", "[#] OK\r\n", "[#] Error\r\n", "[#] Error: x\r\n", "[#]\r\n", "[#] Error: 0x100000000\r\n" })
+        QTest::newRow(answer) << QByteArray(answer) << false;
+    QTest::newRow("cut") << QByteArray("[#] Error: 10") << true;
+    QTest::newRow("another number") << QByteArray("[#+1] Error: 103\r\n") << true;
+}
+
+void TestTcpAnswer::whatIsNoWholeErrorIsNotTold()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, hangsUp);
+    CGatewaySession gateway;
+    gateway.expect(readCommand, { answer.toStdString(), hangsUp ? tGatewayAnswer::hangUp : tGatewayAnswer::together });
+    readHeartbeat();
+    uint32_t told = 1234;
+    QVERIFY(!top_last_error(&told));
+    QCOMPARE(told, 1234U);
 }
 
 void TestTcpAnswer::hangUpIsNoAnswer()

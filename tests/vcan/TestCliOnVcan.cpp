@@ -45,6 +45,8 @@ private Q_SLOTS:
     void emptyValueIsRefused();
     void silenceIsNoAnswer();
     void abortOfTheDevice();
+    void abortOfAnyCodeIsAnAbort_data();
+    void abortOfAnyCodeIsAnAbort();
     void nmtCommands_data();
     void nmtCommands();
     void otherClientIsNoticed();
@@ -165,6 +167,26 @@ void TestCliOnVcan::abortOfTheDevice()
              shown(4, "",
                    "velmora-cli: 5FFF: aborted by the device: 0x06020000 (Object does not exist in the object "
                    "dictionary.)\n"));
+}
+
+void TestCliOnVcan::abortOfAnyCodeIsAnAbort_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::newRow("reads as success") << "0x00000000";
+    QTest::newRow("reads as a time-out") << "0xFFFFFFCE";
+    QTest::newRow("reads as another error") << "0xFFFFFFFF";
+}
+
+void TestCliOnVcan::abortOfAnyCodeIsAnAbort()
+{
+    QFETCH(QString, code);
+    const auto simulator = start({ "--fault", "abort=" + code + "@2005", "--fault", "abort=" + code + "@2008" });
+    const QString error = "velmora-cli: %1: aborted by the device: " + code + " (Unknown SDO abort code.)\n";
+    QCOMPARE(shownBy(command("read", { "-n", "5", "-s", sheet, "2005", "2008", "1017" })),
+             shown(4, "0x03E8\n", error.arg("2005") + error.arg("2008")));
+    QCOMPARE(shownBy(command("write", { "-n", "5", "-s", sheet, "2008", "Hall 14" })),
+             shown(4, "", error.arg("2008") + "velmora-cli: 0 of 1 values were written, not 2008\n"));
+    QCOMPARE(shownBy(command("nmt", { "start", "5" })), shown(0, "", ""));
 }
 
 void TestCliOnVcan::nmtCommands_data()
