@@ -52,6 +52,12 @@ constexpr tTypeRow typeRows[] = {
     { tEntryType::typeUnsigned64, { kindUnsigned, 8 } },
 };
 
+std::optional<QByteArray> charactersOf(const QString& text)
+{
+    const QByteArray characters = text.toLatin1();
+    return QString::fromLatin1(characters) == text ? std::optional(characters) : std::nullopt;
+}
+
 // octets = pairs of hexadecimal digits, blanks anywhere
 std::optional<QByteArray> octetsFromText(const QString& text)
 {
@@ -225,9 +231,11 @@ std::optional<QByteArray> valueFromText(const QString& text, tValueType type, un
         return std::nullopt;
     switch (type.kind) {
     case kindText:
-        return QString::fromLatin1(text.toLatin1()) == text ? std::optional(text.toLatin1()) : std::nullopt;
-    case kindOctets:
-        return octetsFromText(text).value_or(text.toLatin1());
+        return charactersOf(text);
+    case kindOctets: {
+        auto octets = octetsFromText(text);
+        return octets ? octets : charactersOf(text);
+    }
     case kindDate:
     case kindTimeOfDay:
         return momentFromText(text, type);

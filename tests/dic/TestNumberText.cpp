@@ -32,6 +32,8 @@ void TestNumberText::numbersAreDecimalHexadecimalOrOctal_data()
              { " 10\t", true, 10 },
              { "+7", true, 7 },
              { "-1", true, ~quint64{ 0 } },
+             { "-0", true, 0 },
+             { "-00", true, 0 },
              { "0x1F", true, 31 },
              { "0X1f", true, 31 },
              { "017", true, 15 },
@@ -71,6 +73,7 @@ void TestNumberText::signAndFormAreKept()
 {
     QVERIFY(readNumber(u"-5")->negative);
     QVERIFY(!readNumber(u"5")->negative);
+    QVERIFY(!readNumber(u"-0")->negative); // 0, of unsigned types, too
     QVERIFY(readNumber(u"0x5")->pattern);
     QVERIFY(readNumber(u"05")->pattern);
     QVERIFY(!readNumber(u"5")->pattern);

@@ -119,6 +119,7 @@ void TestValueTypes::limitsOutsideOfTheTypeLimitNothing_data()
     QTest::newRow("255") << 5 << hex("FF");
     QTest::newRow("256") << 5 << QByteArray();
     QTest::newRow("-1") << 5 << QByteArray();
+    QTest::newRow("-0") << 5 << hex("00");
     QTest::newRow("-128") << 2 << hex("80");
     QTest::newRow("-129") << 2 << QByteArray();
     QTest::newRow("127") << 2 << hex("7F");
@@ -235,7 +236,8 @@ void TestValueTypes::wrongTextsAreNoValues_data()
     QTest::newRow("0") << 12;
     QTest::newRow("") << 9;
     QTest::newRow("") << 7;
-    QTest::newRow("\u20AC") << 9;
+    for (const int dataType : { 9, 10, 15 }) // Latin-1 has no such character
+        QTest::newRow("\u20AC") << dataType;
 }
 
 void TestValueTypes::wrongTextsAreNoValues()
