@@ -47,6 +47,8 @@ std::optional<QByteArray> raw(bool isValue, const Value& value)
 template <typename Value, bool (*convert)(const char*, Value*)>
 std::optional<QByteArray> converted(const QString& text)
 {
+    if (!readNumber(text)) // the window takes "0x" and "+ " for 0
+        return std::nullopt;
     Value value{};
     const QByteArray characters = text.toLatin1();
     return raw(convert(characters.constData(), &value), value);
@@ -82,10 +84,22 @@ std::optional<QByteArray> bytesOfOctets(const QString& text)
     return bytes;
 }
 
-std::optional<QByteArray> bytesOfBoolean(const QString& text)
+std::optional<QByteArray> bytesOfInteger(const QString& text, tValueType layout)
 {
-    const auto bytes = valueFromText(text, valueType(entry::typeBoolean), 0);
-    return bytes && static_cast<unsigned char>(bytes->front()) <= 1 ? bytes : std::nullopt;
+    const auto number = readNumber(text);
+    const bool hasSign = text.contains(u'-') && layout.kind != kindSigned; // "-0", as with the types of the window
+    const quint64 most = layout.kind == kindBoolean ? 1 : ~quint64{ 0 };
+    if (!number || hasSign || !fits(*number, layout) || number->bits > most)
+        return std::nullopt;
+    return littleEndian(number->bits, layout.width);
+}
+
+// "010" would be the bit pattern of an octal number.
+std::optional<QByteArray> bytesOfReal(const QString& text, tValueType layout)
+{
+    const auto number = readNumber(text);
+    const bool octal = number && number->pattern && !text.contains(u'x', Qt::CaseInsensitive);
+    return octal ? std::nullopt : valueFromText(text, layout, 0);
 }
 
 QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)
@@ -123,30 +137,65 @@ QString timeOfDayText(const QByteArray& bytes)
 {
     constexpr int firstDayOf2038 = 19724;
     constexpr std::uint32_t millisecondsPerDay = 86400000;
+    constexpr int digits = 3; // of the milliseconds, which the window leaves out
     const auto moment = momentOf<SDO_t_TIME_OF_DAY>(bytes);
     if (moment.member.days >= firstDayOf2038 || moment.member.msec >= millisecondsPerDay)
         return QString();
     QString text;
     types::timeOfDay2ascii(moment, text);
-    return text;
+    return text.chopped(digits) + QString::number(moment.member.msec % 1000).rightJustified(digits, u'0');
 }
 
-// No bytes for a moment that the type cannot hold, such as one of 1983 or 2126: it would be another one.
+QString momentText(int type, const QByteArray& bytes)
+{
+    return type == entry::typeDate ? dateText(bytes) : timeOfDayText(bytes);
+}
+
+// No bytes for a moment that the type cannot hold, such as one of 1983 or 2126, or an hour that summer time skips: they
+// would be another one.
 std::optional<QByteArray> bytesOfMoment(int type, const QString& text)
 {
-    constexpr qsizetype toSeconds = 19; // "2026-01-31 12:00:00"
-    auto bytes = valueFromText(text, valueType(type), 0);
-    if (!bytes || !text.contains(u'-'))
-        return bytes;
-    const QString shown = type == entry::typeDate ? dateText(*bytes) : timeOfDayText(*bytes);
-    return shown.left(toSeconds) == text.trimmed().left(toSeconds) ? bytes : std::nullopt;
+    const auto octets = bytesOfOctets(text);
+    if (octets && octets->size() == valueType(type).width)
+        return octets;
+    if (!text.contains(u'-'))
+        return std::nullopt;
+    const auto bytes = valueFromText(text, valueType(type), 0);
+    return bytes && momentText(type, *bytes) == text ? bytes : std::nullopt;
+}
+
+QByteArray withoutDayOfWeek(int type, QByteArray bytes)
+{
+    constexpr int place = 4;
+    constexpr int dayOfMonth = 0x1F;
+    if (type == entry::typeDate)
+        bytes[place] = static_cast<char>(bytes[place] & dayOfMonth);
+    return bytes;
+}
+
+// A moment that reads as these bytes: none where the text does not tell all of it, such as the mark of summer time. The
+// day of the week follows from the date.
+QString exactMomentText(int type, const QByteArray& bytes)
+{
+    const QString text = momentText(type, bytes);
+    const auto again = bytesOfMoment(type, text);
+    return again && withoutDayOfWeek(type, *again) == withoutDayOfWeek(type, bytes) ? text : QString();
+}
+
+bool isMoment(int type)
+{
+    return type == entry::typeDate || type == entry::typeTimeOfDay;
 }
 
 QString integerText(int dataType, tValueType type, const QByteArray& bytes, TDisplayMode mode)
 {
     const auto bits = static_cast<std::uint32_t>(numberOf(bytes, type));
-    const QString text = valueFormats::integer(dataType, valueFormats::sent, bits, mode);
-    return text.isEmpty() ? wideInteger(type, bytes, mode) : text;
+    QString text = valueFormats::integer(dataType, valueFormats::sent, bits, mode);
+    if (text.isEmpty())
+        text = wideInteger(type, bytes, mode);
+    // With all its digits an octal number has no 0 at its head, by which it is known: "100" is no 64.
+    const bool needsZero = mode == valueFormats::modeOct && !text.startsWith(u'0');
+    return needsZero ? u'0' + text : text;
 }
 
 } // namespace
@@ -177,13 +226,13 @@ std::optional<QByteArray> typedValue::bytesOf(int type, const QString& text)
         return row->read(text);
     if (type == entry::typeVisibleString)
         return text.toLatin1();
-    if (type == entry::typeBoolean)
-        return bytesOfBoolean(text);
     const tValueType layout = valueType(type);
-    if (isNumeric(layout) || layout.kind == kindReal)
-        return isRelative(text) ? std::nullopt : valueFromText(text, layout, 0);
+    if (isNumeric(layout))
+        return bytesOfInteger(text, layout);
+    if (layout.kind == kindReal)
+        return bytesOfReal(text, layout);
     // Not as the window: of a date it sends a part of the milliseconds only, and a time of the summer an hour late.
-    if (type == entry::typeDate || type == entry::typeTimeOfDay)
+    if (isMoment(type))
         return bytesOfMoment(type, text);
     const auto bytes = bytesOfOctets(text);
     return bytes && !sizeDiffers(type, bytes->size()) ? bytes : std::nullopt;
@@ -207,15 +256,14 @@ QString typedValue::exactTextOf(int type, const QByteArray& bytes, TDisplayMode 
             text = textFromValue(bytes, layout).value_or(QString());
         else if (isNumeric(layout))
             text = integerText(type, layout, bytes, mode);
-        else if (mode == valueFormats::modeDec && type == entry::typeDate)
-            text = dateText(bytes);
-        else if (mode == valueFormats::modeDec && type == entry::typeTimeOfDay)
-            text = timeOfDayText(bytes);
+        else if (mode == valueFormats::modeDec && isMoment(type))
+            text = exactMomentText(type, bytes);
     }
     if (!text.isEmpty())
         return text;
+    // Not in another mode: bytes are read as hexadecimal ones.
     return valueFormats::bytes(reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<int>(bytes.size()),
-                               mode)
+                               valueFormats::modeHex)
         .trimmed();
 }
 
