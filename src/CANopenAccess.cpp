@@ -29,6 +29,7 @@ struct CCANopenAccess::tLibrary {
     int (*lastAnswer)();
     bool (*lastRefusal)(std::uint32_t* number);
     std::int32_t (*lineTimeout)(std::int32_t milliseconds, std::int32_t* previous);
+    std::int32_t (*endWhen)(bool (*ended)());
     std::int32_t (*startNode)(BYTE node);
     std::int32_t (*stopNode)(BYTE node);
     std::int32_t (*enterPreOperational)(BYTE node);
@@ -83,6 +84,17 @@ int masterAnswer()
 }
 
 std::int32_t setMasterLineTimeout(std::int32_t, std::int32_t*)
+{
+    return ERR_NOT_SUPPORTED;
+}
+
+std::int32_t endMasterTransfersWhen(bool (*ended)())
+{
+    sdo_end_when(ended);
+    return ERR_NO_ERROR;
+}
+
+std::int32_t endGatewayTransfersWhen(bool (*)())
 {
     return ERR_NOT_SUPPORTED;
 }
@@ -142,14 +154,14 @@ constexpr CCANopenAccess::tLibrary CCANopenAccess::libraries[] = {
     { librarySocketCAN, initMaster, cop_exit, cop_reset,
       sdo_write, sdo_read,
       sdo_write_8bit, sdo_write_16bit, sdo_write_32bit, sdo_read_8bit, sdo_read_16bit, sdo_read_32bit, setMasterTimeout,
-      masterAnswer, sdo_last_abort, setMasterLineTimeout,
+      masterAnswer, sdo_last_abort, setMasterLineTimeout, endMasterTransfersWhen,
       nmt_start_remote_node, nmt_stop_remote_node, nmt_enter_preoperational, nmt_reset_node, nmt_reset_communication,
       transmitByMaster, requestByMaster, readMasterQueue, cop_queue_clear,
       masterHardware, masterSoftware, cop_version },
     { libraryGateway, initGateway, top_exit, top_reset,
       top_write, top_read,
       top_write_8bit, top_write_16bit, top_write_32bit, top_read_8bit, top_read_16bit, top_read_32bit, top_timeout,
-      top_last_answer, top_last_error, setGatewayLineTimeout,
+      top_last_answer, top_last_error, setGatewayLineTimeout, endGatewayTransfersWhen,
       top_start_remote_node, top_stop_remote_node, top_enter_preoperational, top_reset_node, top_reset_communication,
       top_transmit, top_request, top_queue_read, top_queue_clear,
       top_hardware, top_software, top_version },
@@ -277,6 +289,11 @@ std::optional<std::uint32_t> CCANopenAccess::lastRefusal() const
 bool CCANopenAccess::setLineTimeout(std::int32_t milliseconds, std::int32_t* previous)
 {
     return storeResult(call(&tLibrary::lineTimeout, milliseconds, previous));
+}
+
+bool CCANopenAccess::endTransfersWhen(bool (*ended)())
+{
+    return storeResult(call(&tLibrary::endWhen, ended));
 }
 
 bool CCANopenAccess::startRemoteNode(BYTE node)

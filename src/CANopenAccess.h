@@ -81,6 +81,11 @@ public:
     /// process. Fails with ERR_NOT_SUPPORTED with the SocketCAN master. `previous` may be null.
     bool setLineTimeout(std::int32_t milliseconds, std::int32_t* previous);
 
+    /// Has `ended` asked while an SDO transfer of the SocketCAN master waits for an answer: when it returns true, the
+    /// transfer ends as after a time-out. Null, as at first: nobody is asked. For the whole process. Fails with
+    /// ERR_NOT_SUPPORTED with a gateway, where a signal ends a wait.
+    bool endTransfersWhen(bool (*ended)());
+
     /// Network management of one node.
     bool startRemoteNode(BYTE node);
     bool stopRemoteNode(BYTE node);

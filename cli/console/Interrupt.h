@@ -11,7 +11,7 @@ void endAtInterrupts();
 
 /// From now on, SIGINT and SIGTERM end waiting system calls and are only noted. The signal is repeated to the process
 /// every second until it ends, so that a wait that begins just after the first one ends, too. Some waits do not end by a
-/// signal, such as those for answers on CAN: the program ends at once when another one comes after a second, and after
+/// signal, such as those for a file system: the program ends at once when another one comes after a second, and after
 /// three seconds.
 void noteInterrupts();
 

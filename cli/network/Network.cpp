@@ -67,6 +67,7 @@ CNetwork::CNetwork(const tNetworkOptions& options, CConsole& console) : m_consol
     noteInterrupts();
     open(options);
     setTimeouts(options);
+    m_access.endTransfersWhen(isInterrupted);
 }
 
 CNetwork::~CNetwork()

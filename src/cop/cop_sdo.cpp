@@ -32,6 +32,7 @@ static constexpr uint32_t sdo_request_cob_id = 0x600; // plus the node-id
 static constexpr uint32_t sdo_answer_cob_id = 0x580;  // plus the node-id
 
 static WORD cop_timeout = 500;  // milliseconds, for each awaited answer
+static bool (*sdo_ended)();     // whether to end a wait early; may be null
 static BYTE sdo_multiplexor[3]; // index and sub-index of the transfer, as in bytes 1 to 3 of its messages
 static bool sdo_aborted;        // the node has aborted the transfer
 static uint32_t sdo_abort_code; // with this code
@@ -113,10 +114,11 @@ static bool sdo_fail(uint32_t abort_code, int32_t error)
     return false;
 }
 
-/// True while the time has not passed; otherwise aborts the transfer.
+/// True while the time has not passed, and nobody wants the wait to end; otherwise aborts the transfer.
 static bool sdo_in_time()
 {
-    return can_is_timeout() == 0 || sdo_fail(ABORT_TIMEOUT, ERR_TIMEOUT);
+    const bool ended = can_is_timeout() != 0 || (sdo_ended != nullptr && sdo_ended());
+    return !ended || sdo_fail(ABORT_TIMEOUT, ERR_TIMEOUT);
 }
 
 /// Checks an answer. @return true when it is the expected one; false when the transfer has ended
@@ -294,6 +296,11 @@ WORD sdo_timeout(WORD milliseconds)
     const WORD previous = cop_timeout;
     cop_timeout = milliseconds;
     return previous;
+}
+
+void sdo_end_when(bool (*ended)())
+{
+    sdo_ended = ended;
 }
 
 static int32_t sdo_write_number(BYTE node, WORD index, BYTE subindex, short size, uint32_t value)

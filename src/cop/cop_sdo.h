@@ -26,6 +26,10 @@ int32_t sdo_read(BYTE node, WORD index, BYTE subindex, short* length, BYTE* data
 /// Sets the SDO time-out in milliseconds, 500 at first. @return the previous one
 WORD sdo_timeout(WORD milliseconds);
 
+/// Has `ended` asked again and again while an answer is awaited: when it returns true, the transfer ends as after a
+/// time-out. Null, as at first: nobody is asked.
+void sdo_end_when(bool (*ended)());
+
 /// Whether the node aborted the last transfer, also where the result does not tell: an abort code of 0 reads as success,
 /// one above 0x7FFFFFFF as an error. `code`, which may be null, is then its code and otherwise unchanged.
 bool sdo_last_abort(uint32_t* code);

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void refusalOfANodeIsToldWithAllItsBits_data();
     void refusalOfANodeIsToldWithAllItsBits();
     void refusalOfAGatewayIsTold();
+    void transferOfTheMasterEndsWhenAsked();
+    void transferOfAGatewayDoesNot();
     void lineTimeoutIsThatOfTheGatewayClient();
 };
 
@@ -95,6 +97,30 @@ void TestCANopenAccessAnswer::refusalOfAGatewayIsTold()
     QCOMPARE(access.lastRefusal(), std::optional(0xFFFFFDA8U));
     QVERIFY(access.startRemoteNode(5));
     QCOMPARE(access.lastRefusal(), std::nullopt);
+}
+
+void TestCANopenAccessAnswer::transferOfTheMasterEndsWhenAsked()
+{
+    CCANopenAccess access;
+    QVERIFY(!access.endTransfersWhen(nullptr));
+    QCOMPARE(access.getLastError(), ERR_NOT_INITIALIZED);
+    CFakeBus bus;
+    QVERIFY(access.initialize(librarySocketCAN, -1, &bus.param, 3));
+    QVERIFY(access.endTransfersWhen([] { return true; }));
+    QVERIFY(!access.writeUnsigned8(5, 0x2000, 1, 7));
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+    QVERIFY(bus.milliseconds() < 500);
+    QVERIFY(access.endTransfersWhen(nullptr));
+}
+
+void TestCANopenAccessAnswer::transferOfAGatewayDoesNot()
+{
+    CFakeGateway gateway;
+    CCANopenAccess access;
+    _top_param parameter = { CFakeGateway::address, gateway.port(), { 1, 1, 255 } };
+    QVERIFY(access.initialize(libraryGateway, 0, &parameter, 0));
+    QVERIFY(!access.endTransfersWhen(nullptr));
+    QCOMPARE(access.getLastError(), ERR_NOT_SUPPORTED);
 }
 
 void TestCANopenAccessAnswer::lineTimeoutIsThatOfTheGatewayClient()

@@ -17,6 +17,8 @@ private Q_SLOTS:
     void timeStartsWhenTheRequestIsSent();
     void silenceEndsWithAnAbort_data();
     void silenceEndsWithAnAbort();
+    void waitEndsWhenAsked_data() { addSdoPhases(); }
+    void waitEndsWhenAsked();
     void eachAnswerHasTheWholeTime_data();
     void eachAnswerHasTheWholeTime();
     void goodAnswerAsTheTimeRunsOut_data() { addSdoPhases(); }
@@ -101,6 +103,26 @@ void TestCopSdoTiming::silenceEndsWithAnAbort()
     QVERIFY(bus.milliseconds() >= milliseconds);
     QVERIFY(bus.milliseconds() <=
             milliseconds + (milliseconds > 500 ? 20 : 1)); // plus the clock steps of earlier exchanges
+}
+
+// Asked for as soon as the request of the phase is sent.
+void TestCopSdoTiming::waitEndsWhenAsked()
+{
+    const tSdoPhase& phase = fetchedPhase();
+    CPhaseBus bus(phase);
+    static CPhaseBus* watched;
+    static int requests;
+    watched = &bus;
+    requests = int(phase.place) + 1;
+    sdo_end_when([] { return watched->count(CFakeBus::Write) >= requests; });
+    bus.CSdoBus::talk("80 08 20 01 00 00 04 05");
+    QCOMPARE(phase.transfer.run(), QString("-50"));
+    QVERIFY(bus.finished());
+    QVERIFY(bus.milliseconds() < 10);
+    sdo_end_when(nullptr);
+    bus.talkAll();
+    QCOMPARE(phase.transfer.run(), QString(phase.transfer.success));
+    QVERIFY(bus.finished());
 }
 
 void TestCopSdoTiming::eachAnswerHasTheWholeTime_data()

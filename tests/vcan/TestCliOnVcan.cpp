@@ -51,6 +51,7 @@ private Q_SLOTS:
     void nmtCommands();
     void otherClientIsNoticed();
     void interruptEndsALongWait();
+    void interruptTellsWhatWasWritten();
     void interruptEndsASeries();
 
 private:
@@ -226,18 +227,33 @@ void TestCliOnVcan::otherClientIsNoticed()
     QCOMPARE(run.error(), otherClient + "velmora-cli: interrupted: after reading number 1\n");
 }
 
-// No signal ends the wait for an answer on CAN.
+// The device is told that nobody waits any more.
 void TestCliOnVcan::interruptEndsALongWait()
 {
     const auto simulator = start({ "--fault", "silence@2005" });
     const CRawCan bus;
-    CCliRun run(command("read", { "-n", "5", "--timeout", "65535", "2005" }));
+    CCliRun run(command("read", { "-n", "5", "--timeout", "65535", "-s", sheet, "1017", "2005", "1018:1" }));
     QVERIFY(bus.waitFor("605#4005200000000000"));
     QElapsedTimer timer;
     timer.start();
     run.interrupt();
-    QCOMPARE(shown(run), shown(130, "", "velmora-cli: interrupted in the midst of an operation\n"));
+    QCOMPARE(shown(run), shown(130, "0x03E8\n", "velmora-cli: interrupted: 1 of 3 parameters were read\n"));
     QVERIFY(timer.elapsed() < 60000);
+    QVERIFY(bus.waitFor("605#8005200000000405"));
+}
+
+void TestCliOnVcan::interruptTellsWhatWasWritten()
+{
+    const auto simulator = start({ "--fault", "stall=3@2008" }); // the second segment is not answered
+    const CRawCan bus;
+    CCliRun run(command("write", { "-n", "5", "--timeout", "65535", "-s", sheet, "1017", "250", "2008", "Hall 14, left",
+                                   "2005", "1" }));
+    QVERIFY(bus.waitFor("605#132C206C65667400"));
+    run.interrupt();
+    QCOMPARE(shown(run),
+             shown(130, "0x00FA\n",
+                   "velmora-cli: interrupted: 1 of 3 values were written, not 2008, 2005; the first of these "
+                   "may have been\n"));
 }
 
 void TestCliOnVcan::interruptEndsASeries()
