@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <exception>
+#include <new>
 #include <sstream>
 
 namespace
@@ -19,6 +21,17 @@ const char footer[] =
     "'velmora-cli COMMAND --help' explains a command. Exit statuses: 0 done, 1 a difference or a "
     "finding,\n2 wrong usage or a file that cannot be read, 3 no interface or no answer, 4 the device "
     "aborted, 130 Ctrl-C.";
+
+// `first`: the first argument, null without any.
+QString problemOf(const CLI::ParseError& error, const CLI::App& app, const char* first)
+{
+    if (!app.get_subcommands().empty())
+        return QString::fromLocal8Bit(error.what());
+    if (first == nullptr)
+        return QStringLiteral("a command is missing");
+    return QLatin1String(*first == '-' ? "a command comes first, not " : "no such command: ") +
+           QString::fromLocal8Bit(first);
+}
 
 // Reads the arguments. @return the exit status when there is nothing to run, else -1
 int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)
@@ -39,7 +52,7 @@ int readArguments(int argc, char* argv[], tCommand& command, CConsole& console)
         console.write(QByteArray::fromStdString(text.str()));
         return exitDone;
     } catch (const CLI::ParseError& error) {
-        console.message(QString::fromLocal8Bit(error.what()));
+        console.message(problemOf(error, app, argv[1]));
         const auto chosen = app.get_subcommands();
         const std::string hint = chosen.empty() ? std::string() : ' ' + chosen.front()->get_name();
         console.message(QStringLiteral("try 'velmora-cli%1 --help'").arg(QString::fromStdString(hint)));
@@ -76,8 +89,10 @@ int main(int argc, char* argv[])
     endAtInterrupts();
     try {
         return run(argc, argv);
-    } catch (...) { // nothing but memory can be missing here
+    } catch (const std::bad_alloc&) {
         std::fputs("velmora-cli: not enough memory\n", stderr);
-        return exitUsage;
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "velmora-cli: %s\n", exception.what());
     }
+    return exitUsage;
 }

@@ -46,6 +46,7 @@ struct CCANopenAccess::tLibrary {
 
 // The numbers of the gateway client are those of the facade.
 static_assert(int{ CCANopenAccess::answerNone } == top_answer_none &&
+              int{ CCANopenAccess::answerClosed } == top_answer_closed &&
               int{ CCANopenAccess::answerCut } == top_answer_cut &&
               int{ CCANopenAccess::answerOdd } == top_answer_odd &&
               int{ CCANopenAccess::answerWhole } == top_answer_whole);

@@ -69,8 +69,8 @@ public:
 
     /// How the last operation was answered. A gateway's silence is no error of the operation: who must not take it for
     /// a value asks here. With the SocketCAN master a time-out is `answerNone`, everything else `answerWhole`.
-    enum TAnswer { answerNone, answerCut, answerOdd, answerWhole };
-    /// `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerOdd`: `read` made
+    enum TAnswer { answerNone, answerClosed, answerCut, answerOdd, answerWhole };
+    /// `answerClosed`: the gateway has closed the connection before it. `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerOdd`: `read` made
     /// a value of something that is none. `answerNone` without a bound library.
     TAnswer lastAnswer() const;
     /// The number with which a node or a gateway refused the last SDO transfer, with a gateway also another operation; none

@@ -6,6 +6,7 @@
 #include "access/InterfaceText.h"
 #include "base/NodeId.h"
 #include "console/Interrupt.h"
+#include "network/InterfaceName.h"
 
 #include <algorithm>
 #include <array>
@@ -18,6 +19,7 @@ namespace
 constexpr BYTE usualBaudRate = 3; // 250 kbit/s, as the window has it; SocketCAN and gateways have their own
 constexpr int sendFailed = -793;
 constexpr int mostWaiting = 20000; // messages that the queue can hold, and some
+constexpr unsigned noNode = 0;     // for operations that are no transfers
 
 // What the numbers after "Error:" mean (CiA 309-3).
 struct tGatewayError {
@@ -41,33 +43,30 @@ QString gatewayText(int number)
     return row == std::end(gatewayErrors) ? text : QStringLiteral("%1 (%2)").arg(text, QLatin1String(row->text));
 }
 
-QString numbered(const char* text, int error)
-{
-    return QStringLiteral("%1 (error %2)").arg(QString::fromLatin1(text), QString::number(error));
-}
-
-// What went wrong without an abort code of the device.
-QString networkText(const CCANopenAccess& access)
-{
-    const int error = access.getLastError();
-    if (access.lastAnswer() == CCANopenAccess::answerNone)
-        return error == sendFailed ? QStringLiteral("the connection to the gateway is lost")
-                                   : QStringLiteral("no answer");
-    if (access.lastAnswer() == CCANopenAccess::answerCut)
-        return QStringLiteral("the answer of the gateway is cut");
-    if (access.lastAnswer() == CCANopenAccess::answerOdd)
-        return QStringLiteral("the gateway answers something that is no value");
-    return numbered(access.getErrorText(error), error);
-}
+struct tAnswerText {
+    CCANopenAccess::TAnswer answer;
+    const char* text;
+};
+constexpr tAnswerText answerTexts[] = {
+    { CCANopenAccess::answerNone, "the gateway does not answer" },
+    { CCANopenAccess::answerClosed, "the gateway has closed the connection" },
+    { CCANopenAccess::answerCut, "the answer of the gateway is cut" },
+    { CCANopenAccess::answerOdd, "the gateway answers something that is no value" },
+};
 
 } // namespace
 
-CNetwork::CNetwork(const tNetworkOptions& options, CConsole& console) : m_console(console)
+CNetwork::CNetwork(const tNetworkOptions& options, CConsole& console)
+    : m_console(console), m_sdoTimeout(options.sdoTimeout.value_or(usualSdoTimeout))
 {
     noteInterrupts();
-    open(options);
-    setTimeouts(options);
-    m_access.endTransfersWhen(isInterrupted);
+    const auto connect = [&] {
+        open(options);
+        setTimeouts(options);
+    };
+    tellWhenInterrupted(connect, [] { return QStringLiteral("nothing was sent to a device"); });
+    if (!m_isGateway)
+        m_access.endTransfersWhen(isInterrupted);
 }
 
 CNetwork::~CNetwork()
@@ -77,6 +76,11 @@ CNetwork::~CNetwork()
 
 void CNetwork::open(const tNetworkOptions& options)
 {
+    if (!isInterfaceName(options.interface))
+        throw tEnd{ exitUsage,
+                    QStringLiteral("\"%1\" is no interface: a CAN interface is a name such as can0; a gateway is "
+                                   "localhost:60000, or an address and a port such as 192.168.1.10:5000")
+                        .arg(options.interface) };
     const QByteArray name = options.interface.toLocal8Bit();
     tInterface interface = classifyInterface(name.constData());
     m_isGateway = interface.library == libraryGateway;
@@ -148,7 +152,8 @@ std::optional<tFailure> CNetwork::refusal(const QByteArray& bytes) const
 
 bool CNetwork::isLost() const
 {
-    return m_isGateway && m_access.getLastError() == sendFailed;
+    return m_isGateway &&
+           (m_access.getLastError() == sendFailed || m_access.lastAnswer() == CCANopenAccess::answerClosed);
 }
 
 void CNetwork::begin()
@@ -159,7 +164,7 @@ void CNetwork::begin()
 // Why a transfer with a node failed; none when it is done.
 std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
 {
-    auto failure = failureOf(done, operationTransfer);
+    auto failure = failureOf(done, node);
     if (failure && failure->status == exitNetwork)
         m_late.insert(node);
     constexpr int watchEvery = 32;
@@ -168,29 +173,31 @@ std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
     return failure;
 }
 
-std::optional<tFailure> CNetwork::failureOf(bool done, tOperation operation) const
+std::optional<tFailure> CNetwork::failureOf(bool done, unsigned node) const
 {
-    const auto refused = refusalOf(operation);
+    const auto refused = refusalBy(node);
     if (refused && refused->status == exitAborted)
         return refused;
-    if (!refused && done && (!m_isGateway || m_access.lastAnswer() == CCANopenAccess::answerWhole))
+    const auto answer = m_access.lastAnswer();
+    if (!refused && done && (!m_isGateway || answer == CCANopenAccess::answerWhole))
         return std::nullopt;
     endWhenInterrupted();
     if (refused)
         return refused;
-    const bool silent = m_access.lastAnswer() == CCANopenAccess::answerNone;
-    return tFailure{ exitNetwork, 0, networkText(m_access), silent };
+    const bool silent = answer == CCANopenAccess::answerNone || answer == CCANopenAccess::answerClosed;
+    return tFailure{ exitNetwork, 0, m_isGateway ? gatewayTrouble() : canTrouble(node), silent };
 }
 
 // What the device or the gateway says in place of doing it. The result of the operation does not tell all of it.
-std::optional<tFailure> CNetwork::refusalOf(tOperation operation) const
+std::optional<tFailure> CNetwork::refusalBy(unsigned node) const
 {
-    if (operation != operationTransfer && !m_isGateway)
+    const bool isTransfer = node != noNode;
+    if (!isTransfer && !m_isGateway)
         return std::nullopt; // the last transfer was another operation
     const auto number = m_access.lastRefusal();
     if (!number)
         return std::nullopt;
-    if (m_isGateway && (operation != operationTransfer || *number < ABORT_LOWEST)) {
+    if (m_isGateway && (!isTransfer || *number < ABORT_LOWEST)) {
         const auto error = static_cast<int>(*number);
         return tFailure{ exitNetwork, 0, gatewayText(error), error == gatewayDeviceTimeout };
     }
@@ -198,6 +205,30 @@ std::optional<tFailure> CNetwork::refusalOf(tOperation operation) const
                      QStringLiteral("aborted by the device: 0x%1 (%2)")
                          .arg(QString::number(*number, 16).toUpper(), 8, QLatin1Char('0'))
                          .arg(QLatin1String(errorTexts::ofAbort(*number))) };
+}
+
+QString CNetwork::gatewayTrouble() const
+{
+    if (m_access.getLastError() == sendFailed)
+        return QStringLiteral("the connection to the gateway is lost");
+    const auto* row =
+        std::find_if(std::begin(answerTexts), std::end(answerTexts),
+                     [answer = m_access.lastAnswer()](const tAnswerText& each) { return each.answer == answer; });
+    return row != std::end(answerTexts) ? QString::fromLatin1(row->text) : numberedError();
+}
+
+QString CNetwork::canTrouble(unsigned node) const
+{
+    return m_access.lastAnswer() == CCANopenAccess::answerNone
+               ? QStringLiteral("no answer of node %1 within %2 ms").arg(node).arg(m_sdoTimeout)
+               : numberedError();
+}
+
+QString CNetwork::numberedError() const
+{
+    const int error = m_access.getLastError();
+    return QStringLiteral("%1 (error %2)")
+        .arg(QString::fromLatin1(m_access.getErrorText(error)), QString::number(error));
 }
 
 std::optional<tCanMessage> CNetwork::takeMessage()

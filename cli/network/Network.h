@@ -26,7 +26,7 @@ struct tNetworkOptions {
 struct tFailure {
     tExitStatus status;      ///< `exitNetwork`, `exitAborted` or `exitUsage`
     std::uint32_t abortCode; ///< of the device; 0 unless it aborted the transfer
-    QString text;            ///< "aborted by the device: 0x06010001 (...)", "no answer"
+    QString text;            ///< "aborted by the device: 0x06010001 (...)", "the gateway does not answer"
     bool silent = false;     ///< nobody has answered: further attempts would wait as long
 };
 
@@ -35,6 +35,8 @@ struct tReadResult {
     QByteArray bytes;
     std::optional<tFailure> failure;
 };
+
+inline constexpr int usualSdoTimeout = 500; ///< milliseconds, on CAN
 
 inline constexpr unsigned sdoAnswerCobId = 0x580;  ///< plus the node-id
 inline constexpr unsigned sdoRequestCobId = 0x600; ///< plus the node-id
@@ -80,7 +82,7 @@ public:
     std::optional<tFailure> run(Operation operation)
     {
         begin();
-        return failureOf(operation(m_access), operationOther);
+        return failureOf(operation(m_access), 0);
     }
 
     /// The facade itself, for messages that are no transfers.
@@ -101,17 +103,20 @@ public:
 private:
     static constexpr short longestValue = std::numeric_limits<short>::max();
 
-    enum tOperation { operationTransfer, operationOther };
-
     static void begin();
-    std::optional<tFailure> failureOf(bool done, tOperation operation) const;
-    std::optional<tFailure> refusalOf(tOperation operation) const;
+    // `node`: that of a transfer, 0 for other operations.
+    std::optional<tFailure> failureOf(bool done, unsigned node) const;
+    std::optional<tFailure> refusalBy(unsigned node) const;
+    QString gatewayTrouble() const;
+    QString canTrouble(unsigned node) const;
+    QString numberedError() const;
     std::optional<tFailure> transferFailure(bool done, BYTE node);
     void open(const tNetworkOptions& options);
     void setTimeouts(const tNetworkOptions& options);
 
     CConsole& m_console;
     CCANopenAccess m_access;
+    const int m_sdoTimeout; // in milliseconds, on CAN
     bool m_isGateway = false;
     std::set<unsigned> m_late; // nodes whose answers may still come
     int m_transfers = 0;

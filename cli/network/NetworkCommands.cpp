@@ -39,12 +39,16 @@ int sendNmt(const tNetworkOptions& options, const QString& word, int node, CCons
         throw tEnd{ exitUsage, QStringLiteral("no NMT command: %1").arg(word) };
     CNetwork network(options, console);
     std::optional<tFailure> failure;
-    tellWhenInterrupted(
-        [&] {
-            failure =
-                network.run([&](CCANopenAccess& access) { return (access.*row->command)(static_cast<BYTE>(node)); });
-        },
-        [] { return QStringLiteral("the command was sent, but not answered"); });
+    bool isSent = false;
+    const auto send = [&](CCANopenAccess& access) {
+        isSent = true;
+        return (access.*row->command)(static_cast<BYTE>(node));
+    };
+    tellWhenInterrupted([&] { failure = network.run(send); },
+                        [&] {
+                            return isSent ? QStringLiteral("the command was sent, but not answered")
+                                          : QStringLiteral("nothing was sent to a device");
+                        });
     if (!failure)
         return exitDone;
     console.message(failure->text);

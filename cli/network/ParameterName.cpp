@@ -8,6 +8,7 @@
 
 #include "console/ExitStatus.h"
 #include "dic/CANopen.h"
+#include "network/NearParameters.h"
 #include "sheets/EntryText.h"
 
 #include <QRegularExpression>
@@ -69,6 +70,23 @@ std::optional<tParameterName> numberedParameter(const QString& text, const CCANo
     return tParameterName{ index, subIndex, entryOf(sheet, index, subIndex) };
 }
 
+bool hasSeveralEntries(const tObject& object)
+{
+    return std::any_of(object.m_objectEntryArray.cbegin(), object.m_objectEntryArray.cend(),
+                       [](const auto& entry) { return entry->getSubindex() != 0; });
+}
+
+// The name of an object alone stands for its only entry.
+void refuseSeveralEntries(const QString& text, const CCANopen& sheet)
+{
+    for (const auto& object : sheet.m_objectArray)
+        if (text == object->getName() && hasSeveralEntries(*object))
+            throw tEnd{
+                exitUsage,
+                QStringLiteral("\"%1\" has several entries: write %2").arg(text, quotedNames(entryNames(*object)))
+            };
+}
+
 // For a text that is the number of one parameter and the name of others.
 void refuseOtherNames(const QString& text, const tParameterName& number, const QList<tParameterName>& names)
 {
@@ -88,12 +106,17 @@ tParameterName readParameterName(const QString& text, const CCANopen* sheet)
             refuseOtherNames(text, *number, names);
         return *number;
     }
-    if (names.size() == 1)
+    if (names.size() == 1) {
+        refuseSeveralEntries(text, *sheet);
         return names.first();
+    }
     if (names.size() > 1)
         throw tEnd{ exitUsage,
                     QStringLiteral("\"%1\" is the name of several parameters: %2").arg(text, listed(names)) };
-    throw tEnd{ exitUsage, QStringLiteral("\"%1\" is no parameter such as 1018:1 or 0x1018sub1%2")
-                               .arg(text, sheet != nullptr ? QStringLiteral(", and no name in the data sheet")
-                                                           : QStringLiteral("; names need a data sheet (-s)")) };
+    const QString why = sheet == nullptr ? QStringLiteral("; names need a data sheet (-s)")
+                                         : QStringLiteral(", and no name in the data sheet");
+    const QStringList near = sheet == nullptr ? QStringList() : nearNames(text, *sheet);
+    throw tEnd{ exitUsage,
+                QStringLiteral("\"%1\" is no parameter such as 1018:1 or 0x1018sub1%2%3")
+                    .arg(text, why, near.isEmpty() ? QString() : QStringLiteral("; near is ") + quotedNames(near)) };
 }

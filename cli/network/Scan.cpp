@@ -16,7 +16,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds pace{ 2 };           // from one request to the next: at 125 kbit/s there is room for the answers
 constexpr milliseconds longestBusy{ 2000 }; // for which a request may find no room in the interface
-constexpr milliseconds sdoTimeout{ 500 };
 constexpr WORD deviceType = 0x1000;
 
 struct tField {
@@ -83,7 +82,7 @@ int CScan::runOnCan()
         takeAnswers();
     }
     m_console.progress(QStringLiteral("waiting for answers"));
-    const milliseconds rest = m_options.sdoTimeout ? milliseconds(*m_options.sdoTimeout) : sdoTimeout;
+    const milliseconds rest(m_options.sdoTimeout.value_or(usualSdoTimeout));
     for (milliseconds waited{ 0 }; waited < rest; waited += pace) {
         m_wait(pace);
         takeAnswers();

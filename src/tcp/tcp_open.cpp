@@ -34,6 +34,7 @@ static long top_sequence = 1;                 // number of the next command; nev
 static char top_buffer[top_line_size];        // the command, overwritten by the answer
 static int32_t top_line_milliseconds = 66000; // for which a line is awaited
 static top_answer top_answered = top_answer_none;
+static bool top_closed = false; // the peer closed the connection while the last line was awaited
 static _top_settings top_settings = top_default_settings; // stored, but no command carries them
 
 /// Starts a command in the line buffer: the next sequence number in brackets, a blank, then the text.
@@ -91,6 +92,7 @@ static int64_t top_milliseconds()
 /// @return the number of characters stored, CR LF included, fewer when the peer closes; 0 after a time-out
 static int top_readline(int socket, char* buffer, int size)
 {
+    top_closed = false;
     int count = 0;
     char byte = '\0';
     timeval rest = { top_line_milliseconds / 1000, top_line_milliseconds % 1000 * 1000L };
@@ -101,8 +103,10 @@ static int top_readline(int socket, char* buffer, int size)
 
     while (select(socket + 1, &readable, nullptr, nullptr, &rest) > 0) {
         const ssize_t received = recv(socket, &byte, 1, 0);
-        if (received == 0)
+        if (received == 0) {
+            top_closed = true;
             return count;
+        }
         // With a permanent error the socket stays readable, so that `select` alone would never report the time-out.
         if (received < 0 && rest.tv_sec == 0 && rest.tv_usec == 0)
             return 0;
@@ -127,7 +131,7 @@ static top_answer top_await(long sequence)
         if (top_sequence_of(top_buffer) == sequence)
             return top_buffer[count - 1] == '\n' ? top_answer_whole : top_answer_cut;
     }
-    return top_answer_none;
+    return top_closed ? top_answer_closed : top_answer_none;
 }
 
 /// Sends the command in the line buffer, waits for its answer and evaluates it with `evaluator(line, out..., &abort)`,

@@ -82,10 +82,11 @@ int32_t top_queue_status(BYTE* low, BYTE* high);
 
 /// How the last command was answered, for callers that must not take silence for a value.
 enum top_answer {
-    top_answer_none, ///< no line with its number has come in time, or the command could not be sent
-    top_answer_cut,  ///< such a line did not end within 1023 characters, or the connection closed within it
-    top_answer_odd,  ///< such a line is no value in base64, where `top_read` took one from it
-    top_answer_whole ///< such a line has come up to its line feed
+    top_answer_none,   ///< no line with its number has come in time, or the command could not be sent
+    top_answer_closed, ///< the connection was closed before such a line
+    top_answer_cut,    ///< such a line did not end within 1023 characters, or the connection closed within it
+    top_answer_odd,    ///< such a line is no value in base64, where `top_read` took one from it
+    top_answer_whole   ///< such a line has come up to its line feed
 };
 int top_last_answer();
 

@@ -43,7 +43,7 @@ void TestCANopenAccessAnswer::gatewayThatHangsUpHasNotAnswered()
     QVERIFY(access.readUnsigned16(5, 0x1017, 0, &value));
     QCOMPARE(access.lastAnswer(), CCANopenAccess::answerWhole);
     QVERIFY(access.readUnsigned16(5, 0x1017, 0, &value));
-    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerClosed);
 }
 
 void TestCANopenAccessAnswer::masterTellsATimeOut()

@@ -194,7 +194,8 @@ void TestCliDump::withoutAnAnswerNothingIsSaved()
     CCliRun run(dump(simulator.interface(), demoSheet, { "-o", path("saved.csv"), "--gateway-timeout", "500" }));
     const QString entries = run.outcome().section(" of ", 1, 1).section(' ', 0, 0);
     QVERIFY(entries.toInt() > 100);
-    QCOMPARE(run.outcome(), "-- 3\n1001: no answer; 1 of " + entries + " entries were read; nothing was saved\n");
+    QCOMPARE(run.outcome(),
+             "-- 3\n1001: the gateway does not answer; 1 of " + entries + " entries were read; nothing was saved\n");
     QVERIFY(!QFileInfo::exists(path("saved.csv")));
 
     // A node that is not there.
@@ -289,8 +290,8 @@ void TestCliDump::wrongAnswersAreNoValues_data()
 {
     QTest::addColumn<QString>("message");
     const QString end = "; 0 of 4 entries were read; nothing was saved";
-    QTest::newRow("drop") << "no answer" + end;
-    QTest::newRow("sequence") << "no answer" + end;
+    QTest::newRow("drop") << "the gateway has closed the connection" + end;
+    QTest::newRow("sequence") << "the gateway does not answer" + end;
     QTest::newRow("overlong") << "the answer of the gateway is cut";
     QTest::newRow("error=101") << "the gateway answers error 101 (it does not understand the command)";
 }

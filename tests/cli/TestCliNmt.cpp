@@ -13,6 +13,7 @@ private Q_SLOTS:
     void eachWordIsACommand();
     void commandThatIsNotAnsweredFails_data();
     void commandThatIsNotAnsweredFails();
+    void interruptTellsWhetherItWasSent();
     void wrongUsageSendsNothing_data();
     void wrongUsageSendsNothing();
 };
@@ -51,9 +52,9 @@ void TestCliNmt::commandThatIsNotAnsweredFails_data()
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<bool>("hangsUp");
     QTest::addColumn<QString>("error");
-    QTest::newRow("hang-up") << QByteArray() << true << "no answer";
-    QTest::newRow("silence") << QByteArray() << false << "no answer";
-    QTest::newRow("another number") << QByteArray("[#+1] OK\r\n") << false << "no answer";
+    QTest::newRow("hang-up") << QByteArray() << true << "the gateway has closed the connection";
+    QTest::newRow("silence") << QByteArray() << false << "the gateway does not answer";
+    QTest::newRow("another number") << QByteArray("[#+1] OK\r\n") << false << "the gateway does not answer";
     QTest::newRow("error") << QByteArray("[#] ERROR: 107\r\n") << false
                            << "the gateway answers error 107 (no such node)";
     QTest::newRow("error that reads as success")
@@ -72,6 +73,23 @@ void TestCliNmt::commandThatIsNotAnsweredFails()
     QCOMPARE(shownBy({ "nmt", "-i", interfaceOf(gateway), "--gateway-timeout", "200", "start", "5" }),
              shown(3, "", "velmora-cli: " + error + "\n"));
     QCOMPARE(difference(gateway), QByteArray());
+}
+
+void TestCliNmt::interruptTellsWhetherItWasSent()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] set sdo_timeout 100\r\n", "");
+    CCliRun before({ "nmt", "-i", interfaceOf(gateway), "--timeout", "100", "start", "5" });
+    QTRY_VERIFY_WITH_TIMEOUT(!gateway.received().empty(), patience);
+    before.interrupt();
+    QCOMPARE(shown(before), shown(130, "", "velmora-cli: interrupted: nothing was sent to a device\n"));
+    QCOMPARE(difference(gateway), QByteArray());
+    CFakeGateway other;
+    other.expect("[#] 5 start\r\n", "");
+    CCliRun after({ "nmt", "-i", interfaceOf(other), "start", "5" });
+    QTRY_VERIFY_WITH_TIMEOUT(!other.received().empty(), patience);
+    after.interrupt();
+    QCOMPARE(shown(after), shown(130, "", "velmora-cli: interrupted: the command was sent, but not answered\n"));
 }
 
 void TestCliNmt::wrongUsageSendsNothing_data()

@@ -41,6 +41,8 @@ private Q_SLOTS:
     void wrongUsageEndsWithStatus2_data();
     void wrongUsageEndsWithStatus2();
     void withoutAnInterfaceTheStatusIs3();
+    void whatIsNoInterfaceIsWrongUsage_data();
+    void whatIsNoInterfaceIsWrongUsage();
     void sdoTimeoutIsToldToTheGateway();
     void controlCharactersDoNotReachTheTerminal();
     void nobodyReadingIsNoError();
@@ -124,8 +126,9 @@ void TestCliRead::whatIsNoValueIsAnError_data()
     const auto row = [](const char* name, const QByteArray& answer, const char* error, bool hangsUp = false) {
         QTest::newRow(name) << answer << hangsUp << QString("velmora-cli: 1018:1: %1\n").arg(error);
     };
-    row("hang-up", "", "no answer", true);
-    row("answer of another number, then hang-up", "[#-1] tfAAAA==\r\n[#+1] tfAAAA==\r\n", "no answer", true);
+    row("hang-up", "", "the gateway has closed the connection", true);
+    row("answer of another number, then hang-up", "[#-1] tfAAAA==\r\n[#+1] tfAAAA==\r\n",
+        "the gateway has closed the connection", true);
     row("half an answer, then hang-up", "[#] tfAA", "the answer of the gateway is cut", true);
     row("longer than a line", "[#] " + QByteArray(1200, 'A') + "\r\n", "the answer of the gateway is cut");
     row("garbage", "[#] ?%&*~\r\n", "the gateway answers something that is no value");
@@ -181,7 +184,7 @@ void TestCliRead::silenceEndsTheCommand()
     gateway.expect(readOf("0x1018", "0x2"), "");
     QCOMPARE(shownBy({ "read", "-i", interfaceOf(gateway), "-n", "5", "--gateway-timeout", "200", "--type", "u32",
                        "1018:1", "1018:2", "1018:3" }),
-             shown(3, "0x04030201\n", "velmora-cli: 1018:2: no answer\n"));
+             shown(3, "0x04030201\n", "velmora-cli: 1018:2: the gateway does not answer\n"));
     QCOMPARE(difference(gateway), QByteArray());
 }
 
@@ -242,6 +245,24 @@ void TestCliRead::withoutAnInterfaceTheStatusIs3()
              shown(3, "", "velmora-cli: " + gateway + ": no gateway answers there\n"));
     QCOMPARE(shownBy({ "read", "-i", "nocan0", "-n", "5", "1000" }),
              shown(3, "", "velmora-cli: nocan0: there is no such CAN interface, or it cannot be used\n"));
+}
+
+void TestCliRead::whatIsNoInterfaceIsWrongUsage_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char* text : { "", "localhost:abc", "gateway.local:60000", "localhost:70000", "127.0.0.1" })
+        QTest::newRow(text) << QString(text);
+}
+
+void TestCliRead::whatIsNoInterfaceIsWrongUsage()
+{
+    QFETCH(QString, text);
+    QCOMPARE(
+        shownBy({ "read", "-i", text, "-n", "5", "1000" }),
+        shown(2, "",
+              "velmora-cli: \"" + text +
+                  "\" is no interface: a CAN interface is a name such as can0; a gateway is localhost:60000, or an "
+                  "address and a port such as 192.168.1.10:5000\n"));
 }
 
 void TestCliRead::sdoTimeoutIsToldToTheGateway()

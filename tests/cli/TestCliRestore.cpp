@@ -394,10 +394,10 @@ void TestCliRestore::silenceWhileReading()
 {
     m_device->setHook(answering("read 2001", ""));
     QCOMPARE(restore(threeLines, { "--gateway-timeout", "300", "--keep-going" }),
-             "-- 3\n2001: no answer; 1 of 3 entries were read; nothing was written\n");
+             "-- 3\n2001: the gateway does not answer; 1 of 3 entries were read; nothing was written\n");
     m_device->setHook(answering("read 1018:1", ""));
     QCOMPARE(restore(threeLines, { "--gateway-timeout", "300", "--force" }),
-             "-- 3\n1018:1: no answer; nothing was written\n");
+             "-- 3\n1018:1: the gateway does not answer; nothing was written\n");
     QCOMPARE(m_device->steps(), QStringList());
 }
 
@@ -405,7 +405,8 @@ void TestCliRestore::silenceWhileWriting()
 {
     m_device->setHook(answering("2001 = 12 00", ""));
     QCOMPARE(restore(threeLines, { "--gateway-timeout", "300", "--keep-going" }),
-             threePlanned + "-- 3\n2001: no answer; 1 of 3 values were written; not written: 2001, 2002\n");
+             threePlanned +
+                 "-- 3\n2001: the gateway does not answer; 1 of 3 values were written; not written: 2001, 2002\n");
     QCOMPARE(m_device->steps(), threeWritten.mid(0, 2));
 }
 

@@ -97,9 +97,9 @@ void TestCliScan::gatewayThatFailsIsNotAnEmptyNetwork_data()
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<bool>("hangsUp");
     QTest::addColumn<QString>("error");
-    QTest::newRow("silent") << QByteArray() << false << "no answer";
-    QTest::newRow("closes") << QByteArray() << true << "no answer";
-    QTest::newRow("another number") << QByteArray("[#-1] AQ==\r\n") << false << "no answer";
+    QTest::newRow("silent") << QByteArray() << false << "the gateway does not answer";
+    QTest::newRow("closes") << QByteArray() << true << "the gateway has closed the connection";
+    QTest::newRow("another number") << QByteArray("[#-1] AQ==\r\n") << false << "the gateway does not answer";
     QTest::newRow("does not know the command") << QByteArray("[#] ERROR: 100\r\n") << false
                                                << "the gateway answers error 100 (it does not support the command)";
     QTest::newRow("nonsense") << QByteArray("[#] OK\r\n") << false << "the gateway answers something that is no value";

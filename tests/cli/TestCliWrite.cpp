@@ -160,12 +160,12 @@ void TestCliWrite::silenceTellsThatItMayBeWritten()
 {
     CFakeGateway gateway;
     gateway.expect("[#] 5 write 0x2000 0x0 u8 0x1\r\n", "");
-    QCOMPARE(
-        shownBy({ "write", "-i", interfaceOf(gateway), "-n", "5", "--gateway-timeout", "200", "--type", "u8", "2000",
-                  "1" }),
-        shown(3, "",
-              "velmora-cli: 2000: no answer\nvelmora-cli: 0 of 1 values were written, not 2000; the first of these "
-              "may have been\n"));
+    QCOMPARE(shownBy({ "write", "-i", interfaceOf(gateway), "-n", "5", "--gateway-timeout", "200", "--type", "u8",
+                       "2000", "1" }),
+             shown(3, "",
+                   "velmora-cli: 2000: the gateway does not answer\nvelmora-cli: 0 of 1 values were written, not 2000; "
+                   "the first of these "
+                   "may have been\n"));
     QCOMPARE(difference(gateway), QByteArray());
 }
 
@@ -174,11 +174,11 @@ void TestCliWrite::hangUpTellsThatItMayBeWritten()
     CFakeGateway gateway;
     gateway.expect("[#] 5 write 0x2000 0x0 u8 0x1\r\n", "[#] OK\r\n");
     gateway.expect("[#] 5 write 0x2001 0x0 u8 0x1\r\n", { "[#-1] OK\r\n", tGatewayAnswer::hangUp });
-    QCOMPARE(
-        shownBy({ "write", "-i", interfaceOf(gateway), "-n", "5", "--type", "u8", "2000", "1", "2001", "1" }),
-        shown(3, "0x01\n",
-              "velmora-cli: 2001: no answer\nvelmora-cli: 1 of 2 values were written, not 2001; the first of these "
-              "may have been\n"));
+    QCOMPARE(shownBy({ "write", "-i", interfaceOf(gateway), "-n", "5", "--type", "u8", "2000", "1", "2001", "1" }),
+             shown(3, "0x01\n",
+                   "velmora-cli: 2001: the gateway has closed the connection\nvelmora-cli: 1 of 2 values were written, "
+                   "not 2001; the first of these "
+                   "may have been\n"));
 }
 
 void TestCliWrite::readOnlyEntryIsLeftToTheDevice()

@@ -36,6 +36,9 @@ private Q_SLOTS:
     void namesAreThoseOfTheSheet();
     void whatIsNoParameterEndsTheCommand_data();
     void whatIsNoParameterEndsTheCommand();
+    void nearNamesAreTold_data();
+    void nearNamesAreTold();
+    void anObjectOfSeveralEntriesIsNoParameter();
     void namesNeedASheet();
     void aNameOfSeveralIsRefused();
     void aNameThatIsANumberIsRefused();
@@ -82,7 +85,6 @@ void TestParameterName::namesAreThoseOfTheSheet_data()
     QTest::addColumn<QString>("parameter");
     const auto row = [](const char* text, const char* parameter) { QTest::newRow(text) << parameter; };
     row("Identity object/Vendor-ID", "1018:1");
-    row("Identity object", "1018");
     row("Identity object/Number of entries", "1018");
     row("Producer heartbeat time", "1017");
     row("Channel 1/Label", "2101:4");
@@ -101,8 +103,8 @@ void TestParameterName::namesAreThoseOfTheSheet()
 void TestParameterName::whatIsNoParameterEndsTheCommand_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char* text : { "", "1018:", "10180", "1018:100", "1018.1", ":1", "1018:1:2", "identity object", "-1",
-                              "1018 :1", "0x", "1018sub", "Identity object/Label", "Identity object/", "1018\n" })
+    for (const char* text : { "", "1018:", "10180", "1018:100", "1018.1", ":1", "1018:1:2", "identify", "-1", "1018 :1",
+                              "0x", "1018sub", "Identity object/Label", "1018\n" })
         QTest::addRow("\"%s\"", text) << QString(text);
 }
 
@@ -111,6 +113,42 @@ void TestParameterName::whatIsNoParameterEndsTheCommand()
     QFETCH(QString, text);
     QCOMPARE(endOf([&] { return readParameterName(text, &demo()); }),
              "2: \"" + text + "\" is no parameter such as 1018:1 or 0x1018sub1, and no name in the data sheet");
+}
+
+void TestParameterName::nearNamesAreTold_data()
+{
+    QTest::addColumn<QString>("near");
+    const auto row = [](const char* text, const char* near) { QTest::newRow(text) << near; };
+    const char* identity = "\"Identity object/Number of entries\", \"Identity object/Vendor-ID\", "
+                           "\"Identity object/Product code\", \"Identity object/Revision number\", "
+                           "\"Identity object/Serial number\"";
+    row("Vendor-ID", "\"Identity object/Vendor-ID\"");
+    row("vendor id", "\"Identity object/Vendor-ID\"");
+    row("identity object", identity);
+    row("Identity object/", identity);
+    row("Identity object/Vendor ID", "\"Identity object/Vendor-ID\"");
+    row("producer heartbeat time", "\"Producer heartbeat time\"");
+    row("Producer heartbeat", "");
+    row("Brigthness", "\"Brightness\"");
+    row("Label", "\"Channel 1/Label\"");
+}
+
+void TestParameterName::nearNamesAreTold()
+{
+    QFETCH(QString, near);
+    const QString text = QTest::currentDataTag();
+    QCOMPARE(endOf([&] { return readParameterName(text, &demo()); }),
+             "2: \"" + text + "\" is no parameter such as 1018:1 or 0x1018sub1, and no name in the data sheet" +
+                 (near.isEmpty() ? "" : "; near is " + near));
+}
+
+void TestParameterName::anObjectOfSeveralEntriesIsNoParameter()
+{
+    QCOMPARE(endOf([] { return readParameterName("Identity object", &demo()); }),
+             "2: \"Identity object\" has several entries: write \"Identity object/Number of entries\", \"Identity "
+             "object/Vendor-ID\", \"Identity object/Product code\", \"Identity object/Revision number\", \"Identity "
+             "object/Serial number\"");
+    QVERIFY(endOf([] { return readParameterName("Channel 1", &demo()); }).endsWith(", ..."));
 }
 
 void TestParameterName::namesNeedASheet()

@@ -284,7 +284,7 @@ void TestScan::nodeThatFallsSilentIsTold()
     QCOMPARE(scan.run(), 3);
     QVERIFY(scan.bus.finished());
     QCOMPARE(scan.found(), QList<unsigned>({ 5, 6 }));
-    QCOMPARE(scan.error(), "velmora-cli: node 5, 1018:1: no answer\n");
+    QCOMPARE(scan.error(), "velmora-cli: node 5, 1018:1: no answer of node 5 within 500 ms\n");
 }
 
 void TestScan::twoNodesOfOneIdAreTold()

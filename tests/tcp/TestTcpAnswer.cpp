@@ -34,7 +34,7 @@ private Q_SLOTS:
     void errorOfADomainReadIsTold();
     void whatIsNoWholeErrorIsNotTold_data();
     void whatIsNoWholeErrorIsNotTold();
-    void hangUpIsNoAnswer();
+    void hangUpIsTold();
     void lineOfAnotherNumberIsNoAnswer();
     void silenceIsNoAnswer();
     void partOfALineIsNoAnswer();
@@ -151,12 +151,12 @@ void TestTcpAnswer::whatIsNoWholeErrorIsNotTold()
     QCOMPARE(told, 1234U);
 }
 
-void TestTcpAnswer::hangUpIsNoAnswer()
+void TestTcpAnswer::hangUpIsTold()
 {
     CGatewaySession gateway;
     gateway.expect(readCommand, { "", tGatewayAnswer::hangUp });
     QCOMPARE(readHeartbeat(), 0); // with the node-id as the value
-    QCOMPARE(top_last_answer(), int(top_answer_none));
+    QCOMPARE(top_last_answer(), int(top_answer_closed));
 }
 
 void TestTcpAnswer::lineOfAnotherNumberIsNoAnswer()
@@ -164,7 +164,7 @@ void TestTcpAnswer::lineOfAnotherNumberIsNoAnswer()
     CGatewaySession gateway;
     gateway.expect(readCommand, { "[#+1] 31\r\n", tGatewayAnswer::hangUp });
     QCOMPARE(readHeartbeat(), 0);
-    QCOMPARE(top_last_answer(), int(top_answer_none));
+    QCOMPARE(top_last_answer(), int(top_answer_closed));
 }
 
 void TestTcpAnswer::silenceIsNoAnswer()

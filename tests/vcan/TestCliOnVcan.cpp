@@ -153,12 +153,12 @@ void TestCliOnVcan::silenceIsNoAnswer()
 {
     const auto simulator = start({ "--fault", "silence@2005" });
     QCOMPARE(shownBy(command("read", { "-n", "5", "-s", sheet, "1017", "2005", "1018:1" })),
-             shown(3, "0x03E8\n", "velmora-cli: 2005: no answer\n"));
-    QCOMPARE(
-        shownBy(command("write", { "-n", "5", "--timeout", "50", "-s", sheet, "2005", "7" })),
-        shown(3, "",
-              "velmora-cli: 2005: no answer\nvelmora-cli: 0 of 1 values were written, not 2005; the first of these "
-              "may have been\n"));
+             shown(3, "0x03E8\n", "velmora-cli: 2005: no answer of node 5 within 500 ms\n"));
+    QCOMPARE(shownBy(command("write", { "-n", "5", "--timeout", "50", "-s", sheet, "2005", "7" })),
+             shown(3, "",
+                   "velmora-cli: 2005: no answer of node 5 within 50 ms\nvelmora-cli: 0 of 1 values were written, not "
+                   "2005; the first of these "
+                   "may have been\n"));
 }
 
 void TestCliOnVcan::abortOfTheDevice()
