@@ -3,12 +3,11 @@
 #include "Options.h"
 #include "SignalQuit.h"
 #include "can/CanDevice.h"
+#include "dic/InstalledSheet.h"
 #include "gateway/SimulatedGateway.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
@@ -47,15 +46,6 @@ int failWithHint(const QString& error)
     const int status = fail(error, exitOptions);
     std::fputs("Try 'velmora-sim --help'.\n", stderr);
     return status;
-}
-
-// The installed data sheet of this name, where there is nothing of this name here and it has no folder; else the name.
-QString findSheet(const QString& fileName)
-{
-    const QString installed =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/velmora/") + fileName);
-    const bool given = fileName.contains(u'/') || QFileInfo::exists(fileName);
-    return !given && QFileInfo(installed).isFile() ? installed : fileName;
 }
 
 // The exit status; `exitDone` when all devices are there.

@@ -4,6 +4,7 @@
 
 #include "console/Console.h"
 #include "console/Interrupt.h"
+#include "dic/InstalledSheet.h"
 #include "sheets/FindingsText.h"
 
 #include <CLI/CLI.hpp>
@@ -74,7 +75,7 @@ int runCheck(const tCheckOptions& options, CConsole& console)
     int status = exitDone;
     for (const std::string& file : options.files) {
         endWhenInterrupted();
-        tCheckResult result = checkSheet(QFile::decodeName(file.c_str()), rules);
+        tCheckResult result = checkSheet(findSheet(QFile::decodeName(file.c_str())), rules);
         status = std::max(status, statusOf(result, options.isStrict));
         if (!result.isRead)
             console.message(result.verdict);

@@ -27,8 +27,9 @@ void addCompare(CLI::App& app, tCommand& command)
             "table, csv or json")
         ->check(CLI::IsMember(formats))
         ->type_name("FORMAT");
-    addTexts(compareApp, "files", "one file and a device (-i, -n), or two files: .eds, .dcf, .csv, .json",
-             options->files);
+    addFiles(compareApp, "files", "one file and a device (-i, -n), or two files: .eds, .dcf, .csv, .json",
+             options->files)
+        ->required();
     compareApp.footer(
         "An entry whose value one of them does not know is not compared; one that only one of them has is a "
         "difference.\n"

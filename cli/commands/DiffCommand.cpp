@@ -3,6 +3,7 @@
 #include "commands/Commands.h"
 
 #include "console/Console.h"
+#include "dic/InstalledSheet.h"
 #include "sheets/SheetDifferences.h"
 
 #include <CLI/CLI.hpp>
@@ -28,8 +29,8 @@ struct tDiffOptions {
 
 int runDiff(const tDiffOptions& options, CConsole& console)
 {
-    const QString nameA = QFile::decodeName(options.fileA.c_str());
-    const QString nameB = QFile::decodeName(options.fileB.c_str());
+    const QString nameA = findSheet(QFile::decodeName(options.fileA.c_str()));
+    const QString nameB = findSheet(QFile::decodeName(options.fileB.c_str()));
     const auto differences = sheetDifferences(nameA, nameB);
     const auto write = options.format == "json" ? differencesAsJson : differencesAsText;
     console.write(write(differences, nameA, nameB));

@@ -3,6 +3,7 @@
 #include "commands/Commands.h"
 
 #include "console/Console.h"
+#include "dic/InstalledSheet.h"
 #include "sheets/DictionaryList.h"
 
 #include <CLI/CLI.hpp>
@@ -41,7 +42,8 @@ int runList(const tListOptions& options, CConsole& console)
     choice.setPattern(QString::fromLocal8Bit(options.pattern.c_str()));
     for (const std::string& range : options.ranges)
         choice.addRange(QString::fromLocal8Bit(range.c_str()));
-    console.write(formats.at(options.format)(dictionaryList(QFile::decodeName(options.file.c_str()), choice)));
+    console.write(
+        formats.at(options.format)(dictionaryList(findSheet(QFile::decodeName(options.file.c_str())), choice)));
     return exitDone;
 }
 

@@ -42,7 +42,7 @@ void addRestore(CLI::App& app, tCommand& command)
     CLI::App& restoreApp = *app.add_subcommand("restore", "Writes the values of a DCF or a dump back into a device");
     addNetwork(restoreApp, options->network);
     addNode(restoreApp, options->node)->required();
-    addText(restoreApp, "file", options->file, "the saved values: .dcf, .csv, .json")->required()->type_name("FILE");
+    addFile(restoreApp, "file", options->file, "the saved values: .dcf, .csv, .json")->required();
     restoreApp.add_flag("--dry-run", options->dryRun, "only list what would be written");
     restoreApp.add_flag("--store", options->store, "let the device store its parameters (1010:1) when all was written");
     restoreApp.add_flag("--force", options->force,

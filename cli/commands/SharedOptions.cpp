@@ -3,12 +3,22 @@
 #include "commands/SharedOptions.h"
 
 #include "base/NodeId.h"
+#include "dic/InstalledSheet.h"
 #include "sheets/SheetFile.h"
 
 #include <CLI/CLI.hpp>
 
+#include <QFile>
+
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <map>
+
+static QString fileNameOf(const std::string& text)
+{
+    return findSheet(QFile::decodeName(text.c_str()));
+}
 
 CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, const std::string& description)
 {
@@ -29,6 +39,27 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
             },
             description)
         ->required()
+        ->type_name("");
+}
+
+CLI::Option* addFile(CLI::App& command, const std::string& name, QString& fileName, const std::string& description)
+{
+    return command
+        .add_option_function<std::string>(
+            name, [&fileName](const std::string& text) { fileName = fileNameOf(text); }, description)
+        ->type_name("FILE");
+}
+
+CLI::Option* addFiles(CLI::App& command, const std::string& name, const std::string& description,
+                      QStringList& fileNames)
+{
+    return command
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [&fileNames](const std::vector<std::string>& texts) {
+                std::transform(texts.cbegin(), texts.cend(), std::back_inserter(fileNames), fileNameOf);
+            },
+            description)
         ->type_name("");
 }
 
@@ -83,8 +114,7 @@ CLI::Option* addNode(CLI::App& command, int& node)
 
 CLI::Option* addSheet(CLI::App& command, QString& fileName)
 {
-    return addText(command, "-s,--sheet", fileName, "data sheet of the device (EDS or DCF): names and types")
-        ->type_name("FILE");
+    return addFile(command, "-s,--sheet", fileName, "data sheet of the device (EDS or DCF): names and types");
 }
 
 void addMode(CLI::App& command, valueFormats::TDisplayMode& mode)

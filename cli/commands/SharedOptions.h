@@ -25,6 +25,12 @@ CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, 
 /// The same for a positional argument that is given once or more often; required.
 CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts);
 
+/// The same for names of files. Where there is no such file and the name has no folder, it is the installed data sheet of
+/// this name.
+CLI::Option* addFile(CLI::App& command, const std::string& name, QString& fileName, const std::string& description);
+CLI::Option* addFiles(CLI::App& command, const std::string& name, const std::string& description,
+                      QStringList& fileNames);
+
 /// The decimal number of a text, from `least` to `most`. Nothing else is taken: "010" is 10, and "0x10" is refused with
 /// an error of the command line that names the option.
 int decimalOf(const std::string& text, const std::string& option, int least, int most);
