@@ -159,6 +159,21 @@ QString timeout(CArguments& arguments)
     return outcome(top_timeout(arguments.number<WORD>(0), nullptr));
 }
 
+template <bool (*refusal)(uint32_t*)>
+QString refused(CArguments&)
+{
+    uint32_t number = 0;
+    return refusal(&number) ? "1, " + hexadecimal(number, 8) : "0";
+}
+
+QString lastAnswer(CArguments&)
+{
+    const char* const names[] = { "none", "closed", "cut", "odd", "whole" };
+    static_assert(top_answer_none == 0 && top_answer_closed == 1 && top_answer_cut == 2 && top_answer_odd == 3 &&
+                  top_answer_whole == 4);
+    return QString("top_answer_") + names[top_last_answer()];
+}
+
 const struct tProtocolCall {
     const char* name;
     QString (*make)(CArguments& arguments);
@@ -176,6 +191,7 @@ const struct tProtocolCall {
     { "sdo_read_8bit", readNumber<uint8_t, sdo_read_8bit> },
     { "sdo_read_16bit", readNumber<uint16_t, sdo_read_16bit> },
     { "sdo_read_32bit", readNumber<uint32_t, sdo_read_32bit> },
+    { "sdo_last_abort", refused<sdo_last_abort> },
     { "cop_transmit", send<uint32_t, cop_transmit> },
     { "cop_request", request },
     { "cop_queue_read", receive<uint32_t, cop_queue_read> },
@@ -197,6 +213,8 @@ const struct tProtocolCall {
     { "top_reset_communication", node<top_reset_communication> },
     { "top_transmit", send<int32_t, top_transmit> },
     { "top_queue_read", receive<WORD, top_queue_read> },
+    { "top_last_answer", lastAnswer },
+    { "top_last_error", refused<top_last_error> },
     { "top_hardware", text<top_hardware> },
     { "top_software", text<top_software> },
     { "top_copyright", text<top_copyright> },
