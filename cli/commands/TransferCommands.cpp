@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "commands/Commands.h"
 #include "commands/SharedOptions.h"
+#include "network/TimeText.h"
 #include "network/Transfers.h"
 
 #include <CLI/CLI.hpp>
@@ -28,22 +29,11 @@ CLI::Option* addTransferOptions(CLI::App& command, tTransferOptions& options)
         ->type_name("FORMAT");
 }
 
-// "100ms", "2s" or "1min" in milliseconds.
-int millisecondsOf(const std::string& text)
+int intervalOf(const std::string& text)
 {
-    static const std::map<std::string, int> units = { { "ms", 1 }, { "s", 1000 }, { "min", 60000 } };
-    constexpr int longest = 86400000;
-    std::size_t end = 0;
-    double number = -1;
-    try {
-        number = std::stod(text, &end);
-    } catch (const std::exception&) {
-        end = 0;
-    }
-    const auto unit = units.find(text.substr(end));
-    if (end == 0 || unit == units.end() || !(number >= 0 && number * unit->second <= longest))
-        throw CLI::ValidationError("--every", "expected a time such as 100ms, 2s or 1min, not " + text);
-    return static_cast<int>(number * unit->second);
+    if (const auto milliseconds = millisecondsOf(QString::fromLocal8Bit(text.c_str())))
+        return *milliseconds;
+    throw CLI::ValidationError("--every", "expected a time such as 100ms, 2s or 1min, not " + text);
 }
 
 } // namespace
@@ -62,7 +52,7 @@ void addRead(CLI::App& app, tCommand& command)
             ->excludes(format)
             ->type_name("N");
     auto* every = read.add_option_function<std::string>(
-                          "--every", [options](const std::string& text) { options->every = millisecondsOf(text); },
+                          "--every", [options](const std::string& text) { options->every = intervalOf(text); },
                           "time from one reading to the next: 100ms, 2s, 1min; until Ctrl-C without --repeat")
                       ->excludes(format)
                       ->type_name("TIME");

@@ -59,6 +59,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     uint32_t abort = 0;
     const int32_t written = tcp_eval_sdo_response(line.get(), &abort);
     check(line.get(), written, abort);
+    uint32_t number = 0;
+    const bool isError = tcp_eval_is_error(line.get(), &number);
+    require(isError || number == 0);
+    require(isError ? written == (abort != 0 ? ERR_SDO_ABORTED : static_cast<int32_t>(-600U - number)) : abort == 0);
+    require(abort == 0 || number == abort);
     evalNumber(&tcp_eval_sdo_unsigned8, line.get());
     evalNumber(&tcp_eval_sdo_unsigned16, line.get());
     evalNumber(&tcp_eval_sdo_unsigned32, line.get());
