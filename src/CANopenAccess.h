@@ -74,7 +74,7 @@ public:
     /// a value of something that is none. `answerNone` without a bound library.
     TAnswer lastAnswer() const;
     /// The number with which a node or a gateway refused the last SDO transfer, with a gateway also another operation; none
-    /// when it was not refused. It is the abort code of the node or, below ABORT_LOWEST, the gateway's error. Some
+    /// when it was not refused. It is the abort code of the node or, below lowestAbortCode, the gateway's error. Some
     /// numbers are hidden by the results, which are as described above: 0 and others read as success or as other errors.
     std::optional<std::uint32_t> lastRefusal() const;
     /// Sets how long the client of a gateway waits for each line, in milliseconds, 66000 at first, for the whole

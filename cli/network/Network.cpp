@@ -197,7 +197,7 @@ std::optional<tFailure> CNetwork::refusalBy(unsigned node) const
     const auto number = m_access.lastRefusal();
     if (!number)
         return std::nullopt;
-    if (m_isGateway && (!isTransfer || *number < ABORT_LOWEST)) {
+    if (m_isGateway && (!isTransfer || *number < lowestAbortCode)) {
         const auto error = static_cast<int>(*number);
         return tFailure{ exitNetwork, 0, gatewayText(error), error == gatewayDeviceTimeout };
     }

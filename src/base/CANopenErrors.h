@@ -41,7 +41,7 @@ inline constexpr int ERR_SDO_ABORTED = 4; ///< the server aborted the transfer; 
 
 // SDO abort codes: what a server answers in place of a result, and what a client sends to give up.
 
-inline constexpr std::uint32_t ABORT_LOWEST = 0x05000000; ///< no code of its own: gateways have errors below it
+inline constexpr std::uint32_t lowestAbortCode = 0x05000000; ///< smaller numbers are errors of a gateway
 inline constexpr std::uint32_t ABORT_TOGGLE_BIT = 0x05030000;
 inline constexpr std::uint32_t ABORT_TIMEOUT = 0x05040000;
 inline constexpr std::uint32_t ABORT_COMMAND_SPECIFIER = 0x05040001;

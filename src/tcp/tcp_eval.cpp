@@ -13,7 +13,7 @@
 //   rtr      = length { byte }
 
 /// Error numbers from here on are abort codes of a device, smaller ones are errors of the gateway.
-static constexpr auto tcp_eval_first_abort = int32_t{ ABORT_LOWEST };
+static constexpr auto tcp_eval_first_abort = int32_t{ lowestAbortCode };
 static constexpr int32_t tcp_eval_gateway_error = -600;
 static constexpr short tcp_eval_data_size = 8;
 
