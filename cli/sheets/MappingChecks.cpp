@@ -7,6 +7,9 @@
 #include "dic/CANopenObjectEntry.h"
 #include "dic/ValueTypes.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace
 {
 
@@ -73,6 +76,67 @@ void checkDummy(const tMapping& mapping, const tSheetModel& model, CFindings& fi
         });
 }
 
+// Adds up what each PDO maps, with its default values or with those of a configuration. `model.mappings` may not be in
+// the order of the sub-indexes.
+class CPdoLengths
+{
+public:
+    CPdoLengths(const tSheetModel& model, CFindings& findings) : m_model(model), m_findings(findings) {}
+
+    void check(bool tMapping::*isMapped, int tMappingCount::*count);
+
+private:
+    static constexpr int mostMapped = 64; // a count beyond that is none: such PDOs are multiplexed
+    static constexpr unsigned bitsOfAFrame = 64;
+
+    void checkPdo(std::span<const tMapping* const> mappings, int count);
+
+    const tSheetModel& m_model;
+    CFindings& m_findings;
+    std::vector<const tMapping*> m_reported;
+};
+
+void CPdoLengths::check(bool tMapping::*isMapped, int tMappingCount::*count)
+{
+    std::vector<const tMapping*> mappings;
+    for (const tMapping& mapping : m_model.mappings)
+        if (mapping.*isMapped)
+            mappings.push_back(&mapping);
+    std::ranges::stable_sort(mappings, {}, [](const tMapping* each) { return std::pair(each->pdo, each->subIndex); });
+    std::vector<int> counts(0x10000, -1);
+    for (const tMappingCount& each : m_model.mappingCounts)
+        counts[each.pdo] = each.*count;
+    for (std::span<const tMapping* const> rest(mappings); !rest.empty();) {
+        const auto next =
+            std::ranges::find_if(rest, [pdo = rest.front()->pdo](const auto* each) { return each->pdo != pdo; });
+        const auto size = static_cast<std::size_t>(next - rest.begin());
+        checkPdo(rest.first(size), counts[rest.front()->pdo]);
+        rest = rest.subspan(size);
+    }
+}
+
+void CPdoLengths::checkPdo(std::span<const tMapping* const> mappings, int count)
+{
+    const int last = count < 0 ? mostMapped : count;
+    unsigned bits = 0;
+    for (const tMapping* const mapping : mappings) {
+        if (last > mostMapped || mapping->subIndex > static_cast<unsigned>(last))
+            return;
+        bits += targetOf(*mapping).bits;
+        if (bits <= bitsOfAFrame)
+            continue;
+        if (std::ranges::find(m_reported, mapping) == m_reported.end())
+            m_findings.add(rulePdoLength, mapping->place, [&] {
+                return tAdvice{ QStringLiteral("up to here PDO %1 maps %2 bits, but a CAN frame has %3")
+                                    .arg(parameterText(mapping->pdo, 0), QString::number(bits),
+                                         QString::number(bitsOfAFrame)),
+                                {} };
+            });
+        m_reported.push_back(mapping);
+        return;
+    }
+}
+
 void checkMapping(const tMapping& mapping, const CObjectIndex& objects, CFindings& findings)
 {
     const tTarget target = targetOf(mapping);
@@ -115,4 +179,9 @@ void checkMappings(const tSheetModel& model, const CObjectIndex& objects, CFindi
             checkDummy(mapping, model, findings);
         else
             checkMapping(mapping, objects, findings);
+    if (model.mappings.empty())
+        return;
+    CPdoLengths lengths(model, findings);
+    lengths.check(&tMapping::isDefault, &tMappingCount::ofDefaults);
+    lengths.check(&tMapping::isConfigured, &tMappingCount::ofConfiguration);
 }

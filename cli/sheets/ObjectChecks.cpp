@@ -4,31 +4,18 @@
 
 #include "sheets/EntryAccess.h"
 #include "sheets/EntryText.h"
+#include "sheets/ListCounts.h"
 
 #include "dic/CANopenObjectEntry.h"
 
 #include <algorithm>
 #include <bitset>
+#include <vector>
 
 namespace
 {
 
 using tIndexSet = std::bitset<0x10000>;
-
-constexpr unsigned short mandatoryObjects[] = { 0x1000, 0x1001, 0x1018 };
-
-constexpr bool isOfManufacturer(unsigned index)
-{
-    return index >= 0x2000 && index <= 0x5FFF;
-}
-
-// The list that an object belongs to; a device profile may make others mandatory.
-QString listOf(unsigned short index)
-{
-    if (std::ranges::find(mandatoryObjects, index) != std::end(mandatoryObjects))
-        return QStringLiteral("[MandatoryObjects]");
-    return isOfManufacturer(index) ? QStringLiteral("[ManufacturerObjects]") : QStringLiteral("[OptionalObjects]");
-}
 
 tPlace startOfFile()
 {
@@ -39,7 +26,7 @@ class CObjectChecks
 {
 public:
     CObjectChecks(const tSheetModel& model, const CObjectIndex& objects, CFindings& findings)
-        : m_model(model), m_objects(objects), m_findings(findings)
+        : m_model(model), m_objects(objects), m_findings(findings), m_lists(model, objects), m_listedAt(0x10000, 0)
     {
     }
 
@@ -50,9 +37,11 @@ private:
     void checkLists();
     void checkList(const tListed& listed);
     void checkMandatory();
+    void checkOrder(unsigned short index, const tPlace& place);
     void checkSections();
     void checkEntries();
     void checkSubNumbers();
+    bool lacksSubIndex0(const tObjectRecord& object, std::span<const tEntryRecord> entries, int count);
     void checkSubNumber(const tObjectRecord& object, std::span<const tEntryRecord> entries);
     void checkPdoCount(const tAnnounced& announced, unsigned short first, const char* name);
     void add(tRule rule, const tPlace& place, const QString& text, const QString& mend = QString())
@@ -60,11 +49,19 @@ private:
         m_findings.add(rule, place, [&] { return tAdvice{ text, mend }; });
     }
 
+    // What to do with an object that its list lacks.
+    QString listIt(unsigned short index) const
+    {
+        return QStringLiteral("list it in ") + listText(listOf(index)) + m_lists.thenCount(listOf(index));
+    }
+
     const tSheetModel& m_model;
     const CObjectIndex& m_objects;
     CFindings& m_findings;
-    tIndexSet m_listed;
-    tIndexSet m_reported; // as not listed, or without a section
+    const CListCounts m_lists;
+    std::vector<int> m_listedAt; // by index: the first line that lists it; 0: none
+    tIndexSet m_reported;        // as without a section
+    tIndexSet m_late;            // as listed after their section
 };
 
 void CObjectChecks::run()
@@ -101,22 +98,26 @@ void CObjectChecks::checkLists()
 {
     for (const tListed& listed : m_model.listed)
         checkList(listed);
+    m_lists.check(m_findings);
 }
 
 void CObjectChecks::checkList(const tListed& listed)
 {
-    const bool isManufacturer = isOfManufacturer(listed.index);
-    if (m_listed[listed.index]) {
+    if (m_listedAt[listed.index] != 0) {
         add(ruleDuplicateIndex, listed.place,
-            QStringLiteral("object %1 is listed twice, and the browser shows it twice").arg(indexText(listed.index)));
+            QStringLiteral("object %1 is listed twice, and the browser shows it twice").arg(indexText(listed.index)),
+            QStringLiteral("remove the line") + m_lists.thenCount(listed.list));
         return;
     }
-    m_listed.set(listed.index);
-    if (isManufacturer != (listed.list == sectionManufacturer) && listed.index >= 0x1000)
+    m_listedAt[listed.index] = listed.place.line;
+    if (isInWrongList(listed))
         add(ruleWrongList, listed.place,
-            isManufacturer ? QStringLiteral("0x2000 to 0x5FFF are objects of the manufacturer")
-                           : QStringLiteral("the objects of the manufacturer are 0x2000 to 0x5FFF"),
-            QStringLiteral("list it in %1").arg(listOf(listed.index)));
+            listOf(listed.index) == sectionMandatory
+                ? QStringLiteral("object %1 is mandatory").arg(indexText(listed.index))
+            : isOfManufacturer(listed.index) ? QStringLiteral("0x2000 to 0x5FFF are objects of the manufacturer")
+                                             : QStringLiteral("the objects of the manufacturer are 0x2000 to 0x5FFF"),
+            listIt(listed.index) +
+                QStringLiteral(" and not in %1%2").arg(listText(listed.list), m_lists.thenCount(listed.list)));
     if (m_objects.object(listed.index) == nullptr) {
         m_reported.set(listed.index);
         add(ruleMissingObject, listed.place,
@@ -133,9 +134,22 @@ void CObjectChecks::checkMandatory()
         if (listed == m_model.listed.end() && m_objects.object(index) == nullptr)
             add(ruleMissingMandatory, place,
                 QStringLiteral("every device has object %1, but this sheet does not").arg(indexText(index)));
-        else if (listed != m_model.listed.end() && listed->list == sectionOptional)
-            add(ruleWrongList, listed->place, QStringLiteral("object %1 is mandatory").arg(indexText(index)),
-                QStringLiteral("list it in %1").arg(listOf(index)));
+    }
+}
+
+// The browser makes an object when a list names it.
+void CObjectChecks::checkOrder(unsigned short index, const tPlace& place)
+{
+    const int listedAt = m_listedAt[index];
+    if (listedAt > place.line && !m_late[index]) {
+        m_late.set(index);
+        add(ruleLateList, place,
+            QStringLiteral(
+                "object %1 is listed after its section, in line %2: the browser takes these keys for those of "
+                "another object, or shows the object twice")
+                .arg(indexText(index))
+                .arg(listedAt),
+            QStringLiteral("put %1 before the sections of objects").arg(listText(listOf(index))));
     }
 }
 
@@ -151,11 +165,12 @@ void CObjectChecks::checkSections()
             continue;
         }
         met.set(object.index);
-        if (!m_listed[object.index])
+        if (m_listedAt[object.index] == 0)
             add(ruleUnlistedObject, object.place,
                 QStringLiteral("no list names object %1: the browser takes its keys for those of another object")
                     .arg(indexText(object.index)),
-                QStringLiteral("list it in %1").arg(listOf(object.index)));
+                listIt(object.index));
+        checkOrder(object.index, object.place);
     }
 }
 
@@ -171,6 +186,7 @@ void CObjectChecks::checkEntries()
             continue;
         }
         last = &entry;
+        checkOrder(entry.index, entry.place);
         if (m_objects.object(entry.index) == nullptr && !m_reported[entry.index]) {
             m_reported.set(entry.index);
             add(ruleMissingObject, entry.place,
@@ -190,9 +206,21 @@ void CObjectChecks::checkSubNumbers()
             checkSubNumber(*object, { first, next });
     }
     for (const tObjectRecord& object : m_model.objects)
-        if (object.isMultiple && object.compactSubObj == 0 && object.subNumber > 0 &&
+        if (object.isMultiple && object.compactSubObj == 0 && object.subNumber >= 0 &&
             m_objects.entries(object.index).empty())
             checkSubNumber(object, {});
+}
+
+// An array or record without sub-index 0. @return whether it is one
+bool CObjectChecks::lacksSubIndex0(const tObjectRecord& object, std::span<const tEntryRecord> entries, int count)
+{
+    if (!object.isMultiple || object.compactSubObj > 0 || (!entries.empty() && entries.front().subIndex == 0))
+        return false;
+    const QString then = object.subNumber == count ? QStringLiteral(" (then SubNumber=%1)").arg(count + 1) : QString();
+    add(ruleMissingSub0, object.place,
+        QStringLiteral("object %1 has no sub-index 0, which says how many it has").arg(indexText(object.index)),
+        QStringLiteral("[%1sub0]%2").arg(QString::number(object.index, 16).toUpper(), then));
+    return true;
 }
 
 void CObjectChecks::checkSubNumber(const tObjectRecord& object, std::span<const tEntryRecord> entries)
@@ -207,12 +235,13 @@ void CObjectChecks::checkSubNumber(const tObjectRecord& object, std::span<const 
     int count = 0;
     for (std::size_t n = 0; n < entries.size(); ++n)
         count += n == 0 || entries[n].subIndex != entries[n - 1].subIndex ? 1 : 0;
-    if (object.subNumber >= 0 && object.compactSubObj == 0 && object.subNumber != count)
+    const int mended = count + (lacksSubIndex0(object, entries, count) ? 1 : 0);
+    if (object.subNumber >= 0 && object.compactSubObj == 0 && object.subNumber != count && object.subNumber != mended)
         add(ruleSubCount, object.subNumberPlace,
             QStringLiteral("SubNumber is %1, but the number of entries with a section is %2")
                 .arg(object.subNumber)
                 .arg(count),
-            QStringLiteral("SubNumber=%1, or the sections that are missing").arg(count));
+            QStringLiteral("SubNumber=%1, or the sections that are missing").arg(mended));
     // What the device may change by itself, or is written, counts the entries in use.
     if (entries.empty() || entries.front().subIndex != 0 || entries.front().value < 0 || object.compactSubObj > 0)
         return;

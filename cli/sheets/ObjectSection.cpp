@@ -45,9 +45,9 @@ void checkClass(tAttributesRead& read)
 {
     const tField& field = read.field(keyObjectType);
     const long long number = numberIn(field, valueNumber8);
+    read.hasClass = field.line != 0;
     if (number < 0)
         return;
-    read.hasClass = true;
     read.objectClass = static_cast<int>(number);
     const bool isKnown = number == tObject::classNULL || number == tObject::classDOMAIN ||
                          (number >= tObject::classDEFTYPE && number <= tObject::classRECORD);
@@ -109,8 +109,18 @@ void checkNeeded(const tAttributesRead& read)
     if (!isShown)
         read.findings.add(ruleMissingObjectType, read.section.place, [] {
             return tAdvice{ QStringLiteral(
-                                "without ObjectType this is a variable, but the browser shows no entry for it"),
+                                "without ObjectType this is a variable, but the browser has no entry for it: "
+                                "it is in no list and no dump"),
                             QStringLiteral("ObjectType=0x7") };
+        });
+    if (!read.isEntry() && read.compactSubObj > 0)
+        read.findings.add(ruleCompactSubObj, read.field(keyCompactSubObj).place(), [&] {
+            const QString index = QString::number(read.section.name.index, 16).toUpper();
+            return tAdvice{ QStringLiteral(
+                                "the browser does not know CompactSubObj: only the sub-indexes with a section "
+                                "of their own are in a list or dump"),
+                            QStringLiteral("sections from [%1sub0] to [%1sub%2]")
+                                .arg(index, QString::number(read.compactSubObj, 16).toUpper()) };
         });
 }
 
@@ -158,12 +168,25 @@ void keepObject(const tAttributesRead& read, tSheetModel& model)
     model.objects.push_back(object);
 }
 
-void keepMapping(const tAttributesRead& read, tObjectKey key, tSheetModel& model)
+// What a configuration does not give stays as it is by default.
+void keepMapping(const tAttributesRead& read, tSheetModel& model)
 {
-    const tField& field = read.field(key);
-    const long long target = numberIn(field, valueNumber32);
-    if (target > 0)
-        model.mappings.push_back({ read.section.name.index, static_cast<std::uint32_t>(target), field.place() });
+    const tSectionName& name = read.section.name;
+    const long long standard = numberIn(read.field(keyDefaultValue), valueNumber32);
+    const long long given = numberIn(read.field(keyParameterValue), valueNumber32);
+    const long long configured = given < 0 ? standard : given;
+    if (name.subIndex == 0) {
+        model.mappingCounts.push_back({ name.index, static_cast<int>(standard), static_cast<int>(configured) });
+        return;
+    }
+    const auto add = [&](long long target, tObjectKey key, bool isDefault, bool isConfigured) {
+        if (target > 0)
+            model.mappings.push_back({ name.index, name.subIndex, static_cast<std::uint32_t>(target),
+                                       read.field(key).place(), isDefault, isConfigured });
+    };
+    add(standard, keyDefaultValue, true, configured == standard);
+    if (configured != standard)
+        add(configured, keyParameterValue, false, true);
 }
 
 void keepEntry(const tAttributesRead& read, tSheetModel& model)
@@ -177,12 +200,9 @@ void keepEntry(const tAttributesRead& read, tSheetModel& model)
     if (name.subIndex == 0) {
         entry.value = static_cast<int>(numberIn(read.field(keyDefaultValue), valueNumber8));
         entry.valuePlace = read.field(keyDefaultValue).place();
-    } else if (isMapping(name.index)) {
-        keepMapping(read, keyDefaultValue, model);
-        if (read.field(keyParameterValue).text != read.field(keyDefaultValue).text ||
-            !read.field(keyDefaultValue).isGiven())
-            keepMapping(read, keyParameterValue, model);
     }
+    if (isMapping(name.index))
+        keepMapping(read, model);
     model.entries.push_back(entry);
 }
 

@@ -3,6 +3,7 @@
 #include "sheets/SectionChecks.h"
 
 #include "base/Digits.h"
+#include "base/NodeId.h"
 #include "dic/EdsGrammar.h"
 
 #include <algorithm>
@@ -20,13 +21,23 @@ QString largestOf(tKeyValue kind)
     return QString::number(kind == valueNumber8 ? 0xFFU : kind == valueNumber32 ? 0xFFFFFFFFU : 0xFFFFU);
 }
 
-void reportNoNumber(const tPlace& place, bool isNumber, tKeyValue kind, CFindings& findings)
+void reportNoNumber(const tPlace& place, bool isNumber, const tKeyRow& key, CFindings& findings)
 {
     findings.add(ruleNotANumber, place, [&] {
-        return tAdvice{ isNumber ? QStringLiteral("the number is too large, and the browser takes it as 0")
-                                 : QStringLiteral("this is no number, and the browser takes it as 0"),
-                        kind == valueFlag ? QStringLiteral("0 or 1") : QStringLiteral("0 to ") + largestOf(kind) };
+        const QString text = isNumber ? QStringLiteral("the number is too large") : QStringLiteral("this is no number");
+        return tAdvice{ (key.use & keyRead) != 0 ? text + QStringLiteral(", and the browser takes it as 0") : text,
+                        key.value == valueFlag ? QStringLiteral("0 or 1")
+                                               : QStringLiteral("0 to ") + largestOf(key.value) };
     });
+}
+
+void checkNodeId(const tField& field, CFindings& findings)
+{
+    const long long number = numberIn(field, valueNodeId);
+    if (number < 1 || number > highestNodeId)
+        findings.add(ruleNodeId, field.place(), [] {
+            return tAdvice{ QStringLiteral("no node-id of a device"), QStringLiteral("1 to %1").arg(highestNodeId) };
+        });
 }
 
 void checkFields(const tSection& section, CFindings& findings)
@@ -37,9 +48,11 @@ void checkFields(const tSection& section, CFindings& findings)
         if (!field.isGiven()) {
             if ((keys[place].use & keyNeeded) != 0)
                 reportMissingKey(section, keys[place].name, findings);
+        } else if (keys[place].value == valueNodeId) {
+            checkNodeId(field, findings);
         } else if (keys[place].value != valueText && numberIn(field, keys[place].value) < 0) {
             unsigned long number = 0;
-            reportNoNumber(field.place(), Ascii2Unsigned32(field.text.c_str(), &number), keys[place].value, findings);
+            reportNoNumber(field.place(), Ascii2Unsigned32(field.text.c_str(), &number), keys[place], findings);
         }
     }
 }
@@ -47,11 +60,12 @@ void checkFields(const tSection& section, CFindings& findings)
 void checkNumberedValues(const tSection& section, CFindings& findings)
 {
     const tSectionRow& row = *section.name.row;
+    const tKeyRow key{ {}, row.numbered.value, row.use };
     if (row.numbered.value == valueText)
         return;
     for (const tNumberedItem& item : section.numbered)
         if (item.content < 0 || item.content > 0xFFFF)
-            reportNoNumber(item.value, item.content >= 0, row.numbered.value, findings);
+            reportNoNumber(item.value, item.content >= 0, key, findings);
         else if (item.content == 0 && row.numbered.value == valueNumber16)
             findings.add(ruleNotANumber, item.value, [] {
                 return tAdvice{ QStringLiteral("no object has the index 0"), {} };
@@ -88,16 +102,23 @@ std::size_t checkNumbers(const tSection& section, CFindings& findings)
     return count;
 }
 
-void checkCount(const tSection& section, std::size_t count, CFindings& findings)
+// `numbers`: how many different ones the lines have. A number that is there twice has its own finding, and to mend that
+// may, or may not, take a line away.
+void checkCount(const tSection& section, std::size_t numbers, tSheetModel& model, CFindings& findings)
 {
     const tSectionRow& row = *section.name.row;
     if (row.count.empty())
         return;
     const tField& field = section.fields[static_cast<std::size_t>(placeOfKey(row.keys, row.count))];
     const long long number = numberIn(field, valueNumber16);
-    if (number >= 0 && number != static_cast<long long>(count))
+    const auto lines = static_cast<int>(section.numbered.size());
+    if (isObjectList(row.kind)) {
+        model.lists.push_back({ row.kind, static_cast<int>(number), field.place(), lines, static_cast<int>(numbers) });
+        return;
+    }
+    if (number >= 0 && number != static_cast<long long>(numbers) && number != lines)
         findings.add(ruleCount, field.place(), [&] {
-            const QString found = QString::number(count);
+            const QString found = QString::number(lines);
             return tAdvice{
                 QStringLiteral("%1 is %2, but the section has %3").arg(latin(row.count)).arg(number).arg(found),
                 QStringLiteral("%1=%2").arg(latin(row.count), found)
@@ -125,7 +146,8 @@ void keepCompactMappings(const tSection& section, tSheetModel& model)
     if (isMapping(section.name.index) && section.name.row->name == "Value")
         for (const tNumberedItem& item : section.numbered)
             if (item.content > 0)
-                model.mappings.push_back({ section.name.index, static_cast<std::uint32_t>(item.content), item.value });
+                model.mappings.push_back({ section.name.index, item.number, static_cast<std::uint32_t>(item.content),
+                                           item.value, true, true });
 }
 
 tAnnounced announced(const tSection& section, std::string_view key)
@@ -176,7 +198,7 @@ long long numberIn(const tField& field, tKeyValue kind)
     const char* const text = field.text.c_str();
     if (kind == valueNumber32)
         return Ascii2Unsigned32(text, &number32) ? static_cast<long long>(number32) : -1;
-    if (kind == valueNumber8)
+    if (kind == valueNumber8 || kind == valueNodeId)
         return Ascii2Unsigned8(text, &number8) ? number8 : -1;
     return Ascii2Unsigned16(text, &number16) ? number16 : -1;
 }
@@ -204,7 +226,7 @@ void checkSection(const tSection& section, tSheetModel& model, CFindings& findin
     }
     if (section.name.row->numbered.base != 0) {
         checkNumberedValues(section, findings);
-        checkCount(section, checkNumbers(section, findings), findings);
+        checkCount(section, checkNumbers(section, findings), model, findings);
     }
     keep(section, model);
 }

@@ -9,6 +9,7 @@
 #include "dic/IniGrammar.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -16,6 +17,18 @@ namespace
 tPlace placeOf(const tSheetLine& line, std::string_view part)
 {
     return { line.number, static_cast<int>(line.offsetOf(part)), static_cast<int>(part.size()) };
+}
+
+bool isAtCarriageReturn(const tSheetLine& line)
+{
+    return line.brokenAt < line.text.size() && line.text[line.brokenAt] == '\r';
+}
+
+// A line end that the browser does not take for one.
+tAdvice adviceOnLineEnds()
+{
+    return { QStringLiteral("a carriage return (CR) alone ends no line for the browser"),
+             QStringLiteral("save the file with LF or CR LF at the ends of lines") };
 }
 
 // How to mend a line that the browser stops at.
@@ -67,6 +80,8 @@ void CSectionReader::take(const tSheetLine& line)
 {
     if (line.brokenRule != nullptr)
         reportBroken(line);
+    else
+        reportLineEnd(line);
     if (line.kind == lineHeader)
         beginSection(line);
     else if (line.kind == lineItem && m_isOpen)
@@ -75,11 +90,26 @@ void CSectionReader::take(const tSheetLine& line)
 
 void CSectionReader::reportBroken(const tSheetLine& line)
 {
-    m_model.isBroken = true;
+    const bool isFirst = !std::exchange(m_model.isBroken, true);
+    if (!isFirst && !m_otherCharacters.empty())
+        return; // none of its lines is one
     const auto at = static_cast<int>(line.brokenAt);
     m_findings.add(ruleSyntax, { line.number, at, 1 }, [&] {
-        return tAdvice{ QString::fromLatin1(line.brokenRule), mendOf(line) };
+        if (!m_otherCharacters.empty())
+            return tAdvice{ QStringLiteral("the file is %1, but the browser reads UTF-8 and Windows-1252 only")
+                                .arg(latin(m_otherCharacters)),
+                            QStringLiteral("save the file as UTF-8") };
+        return isAtCarriageReturn(line) ? adviceOnLineEnds()
+                                        : tAdvice{ QString::fromLatin1(line.brokenRule), mendOf(line) };
     });
+}
+
+// Of a line that the browser takes for one, although it goes on after a carriage return.
+void CSectionReader::reportLineEnd(const tSheetLine& line)
+{
+    const auto at = m_otherCharacters.empty() ? line.text.find('\r') : std::string_view::npos;
+    if (at != std::string_view::npos && line.text.find_first_not_of('\r', at) != std::string_view::npos)
+        m_findings.add(ruleLineEnds, { line.number, static_cast<int>(at), 1 }, adviceOnLineEnds);
 }
 
 void CSectionReader::beginSection(const tSheetLine& line)
@@ -117,6 +147,11 @@ void CSectionReader::reportName(const tSheetLine& line)
             return tAdvice{ QStringLiteral("CiA 306 knows no section of this name, and the browser ignores it"),
                             near.empty() ? QString() : QStringLiteral("[%1]").arg(latin(near)) };
         });
+    else if (name.row->kind == sectionModule && !std::exchange(m_hasModules, true))
+        m_findings.add(ruleModules, m_section.place, [] {
+            return tAdvice{ QStringLiteral("the browser knows no modules: their objects are in no list and no dump"),
+                            {} };
+        });
     if (!m_model.isDcf && (name.row->use & keyOfDcf) != 0)
         m_findings.add(ruleDcfInEds, m_section.place, [] {
             return tAdvice{ QStringLiteral("only a configured device has this section: a file that ends in .dcf"), {} };
@@ -148,7 +183,7 @@ void CSectionReader::takeItem(const tSheetLine& line)
 {
     m_section.isEmpty = false;
     const tSectionRow& row = *m_section.name.row;
-    if (row.kind == sectionFree || row.kind == sectionUnknown)
+    if (row.kind == sectionFree || row.kind == sectionModule || row.kind == sectionUnknown)
         return;
     if (const int place = placeOfKey(row.keys, line.name); place >= 0)
         store(static_cast<std::size_t>(place), line);
@@ -171,12 +206,15 @@ void CSectionReader::takeOddKey(const tSheetLine& line)
 {
     const tSectionRow& row = *m_section.name.row;
     const int place = placeOfKeyInAnyCase(row.keys, line.name);
+    const bool isList = isObjectList(row.kind);
+    if (isList)
+        noteListed(line);
     if (place < 0) {
         m_findings.add(ruleUnknownKey, placeOf(line, line.name), [&] {
             const std::string_view near = nearestKey(row, line.name);
-            const bool list = row.kind >= sectionMandatory && row.kind <= sectionManufacturer;
-            return tAdvice{ list ? QStringLiteral("no number of a line, but the browser lists the object of its value")
-                                 : QStringLiteral("CiA 306 knows no key of this name in such a section"),
+            return tAdvice{ isList
+                                ? QStringLiteral("no number of a line, but the browser lists the object of its value")
+                                : QStringLiteral("CiA 306 knows no key of this name in such a section"),
                             latin(near) };
         });
         return;
@@ -184,10 +222,21 @@ void CSectionReader::takeOddKey(const tSheetLine& line)
     const tKeyRow& key = row.keys[static_cast<std::size_t>(place)];
     if ((key.use & keyRead) != 0)
         m_findings.add(ruleSpelling, placeOf(line, line.name), [&] {
-            return tAdvice{ QStringLiteral("the browser ignores the key: it tells upper from lower case"),
+            return tAdvice{ isList ? QStringLiteral(
+                                         "the browser lists an object of this number: it tells upper from lower case")
+                                   : QStringLiteral("the browser ignores the key: it tells upper from lower case"),
                             latin(key.name) };
         });
     store(static_cast<std::size_t>(place), line);
+}
+
+// The object that the browser lists for any key but the count.
+void CSectionReader::noteListed(const tSheetLine& line)
+{
+    const long long index = contentOf(line.value);
+    if (index > 0 && index <= 0xFFFF)
+        m_model.listed.push_back(
+            { static_cast<unsigned short>(index), m_section.name.row->kind, placeOf(line, line.value) });
 }
 
 void CSectionReader::store(std::size_t place, const tSheetLine& line)

@@ -40,7 +40,11 @@ struct tSection {
 class CSectionReader
 {
 public:
-    CSectionReader(tSheetModel& model, CFindings& findings) : m_model(model), m_findings(findings) {}
+    /// `otherCharacters`: the character set of the sheet, where it is one that the browser cannot read; else empty.
+    CSectionReader(tSheetModel& model, CFindings& findings, std::string_view otherCharacters)
+        : m_model(model), m_findings(findings), m_otherCharacters(otherCharacters)
+    {
+    }
 
     /// Takes the next line of the sheet.
     void take(const tSheetLine& line);
@@ -49,18 +53,22 @@ public:
 
 private:
     void reportBroken(const tSheetLine& line);
+    void reportLineEnd(const tSheetLine& line);
     void beginSection(const tSheetLine& line);
     void reportName(const tSheetLine& line);
     void noteNamed();
     void takeItem(const tSheetLine& line);
     bool takeNumbered(const tSheetLine& line);
     void takeOddKey(const tSheetLine& line);
+    void noteListed(const tSheetLine& line);
     void store(std::size_t place, const tSheetLine& line);
     void endSection();
 
     tSheetModel& m_model;
     CFindings& m_findings;
+    const std::string_view m_otherCharacters;
     tSection m_section;
     bool m_isOpen = false;
+    bool m_hasModules = false;
     std::vector<const tSectionRow*> m_named; // sections that there can be only one of, as far as they were met
 };

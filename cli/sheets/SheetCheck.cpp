@@ -9,8 +9,26 @@
 
 #include <QFile>
 
+#include <algorithm>
+
 namespace
 {
+
+QString counted(std::size_t number, const char* noun)
+{
+    return QStringLiteral("%1 %2%3").arg(QString::number(number), QLatin1StringView(noun),
+                                         number == 1 ? QString() : QStringLiteral("s"));
+}
+
+// What the browser has loaded. An object without entries has nothing that is listed, read or saved.
+QString loadedText(const CCANopen& dictionary)
+{
+    const auto& objects = dictionary.m_objectArray;
+    const auto empty =
+        std::ranges::count_if(objects, [](const auto& object) { return object->m_objectEntryArray.empty(); });
+    const QString text = QStringLiteral("loads, ") + counted(objects.size(), "object");
+    return empty == 0 ? text : text + QStringLiteral(", %1 of them without entries").arg(empty);
+}
 
 // Loads the sheet and answers whether it is a configuration. Nothing stays of its dictionary.
 bool loadSheet(tCheckResult& result)
@@ -19,18 +37,27 @@ bool loadSheet(tCheckResult& result)
     const CDataSheet::tResult loaded = sheet.load(result.fileName);
     result.isRead = loaded != CDataSheet::noFile;
     result.isLoaded = loaded == CDataSheet::loaded;
-    const auto objects = sheet.dictionary().m_objectArray.size();
-    result.verdict =
-        result.isLoaded
-            ? QStringLiteral("loads, %1 object%2").arg(objects).arg(objects == 1 ? QString() : QStringLiteral("s"))
-            : sheet.error();
+    result.verdict = result.isLoaded ? loadedText(sheet.dictionary()) : sheet.error();
     return sheet.dictionary().m_fileType == CCANopen::typeDCF;
 }
 
-void readSheet(const char* fileName, tSheetModel& model, CFindings& findings)
+// The character set of a file where it is none that the browser reads; else empty. Without a mark, the first character
+// of a sheet is one of ASCII.
+std::string_view otherCharacters(const QString& fileName)
 {
-    CSectionReader sections(model, findings);
-    CSheetLines lines(fileName);
+    QFile file(fileName);
+    const QByteArray start = file.open(QIODevice::ReadOnly) ? file.read(4) : QByteArray();
+    if (start == QByteArrayView("\xFF\xFE\0\0", 4) || start == QByteArrayView("\0\0\xFE\xFF", 4))
+        return "UTF-32";
+    const bool isMarked = start.startsWith("\xFF\xFE") || start.startsWith("\xFE\xFF");
+    const bool hasZero = start.size() > 1 && (start[0] == '\0') != (start[1] == '\0');
+    return isMarked || hasZero ? "UTF-16" : "";
+}
+
+void readSheet(const QString& fileName, const char* name, tSheetModel& model, CFindings& findings)
+{
+    CSectionReader sections(model, findings, otherCharacters(fileName));
+    CSheetLines lines(name);
     tSheetLine line;
     while (lines.next(line))
         sections.take(line);
@@ -57,7 +84,7 @@ tCheckResult checkSheet(const QString& fileName, const tRuleSet& rules)
         return result;
     const QByteArray name = QFile::encodeName(fileName);
     CFindings findings(rules);
-    readSheet(name.constData(), model, findings);
+    readSheet(fileName, name.constData(), model, findings);
     if (!result.isLoaded && !model.isBroken)
         findings.add(ruleNoObjects, { 1, 0, 0 }, [] {
             return tAdvice{ QStringLiteral("the browser finds no object in the file"), {} };

@@ -89,7 +89,7 @@ constexpr tKeyRow objectKeys[] = {
 };
 
 constexpr tKeyRow commissioning[] = {
-    { "NodeID",           valueNumber8,  keyPlain },
+    { "NodeID",           valueNodeId,   keyPlain },
     { "NodeName",         valueText,     keyPlain },
     { "NodeRefd",         valueText,     keyPlain },
     { "Baudrate",         valueNumber16, keyPlain },
@@ -129,6 +129,7 @@ constexpr tSectionRow objectSection = { "", sectionObject, keyPlain, objectKeys 
 constexpr tSectionRow entrySection = { "", sectionEntry, keyPlain, objectKeys };
 constexpr tSectionRow toolSection = { "", sectionPlain, keyPlain, toolKeys };
 constexpr tSectionRow freeSection = { "", sectionFree, keyPlain, {} };
+constexpr tSectionRow moduleSection = { "", sectionModule, keyPlain, {} };
 constexpr tSectionRow unknownSection = { "", sectionUnknown, keyPlain, {} };
 
 // Sections whose names are an index and a word.
@@ -140,8 +141,15 @@ constexpr tSectionRow suffixed[] = {
 };
 
 // What follows "M" and a number in the names of a module's sections. Some have an index after it.
-constexpr std::string_view moduleWords[] = { "ModuleInfo", "Comments", "FixedObjects",
-                                            "SubExtends", "SubExt", "Fixed" };
+constexpr struct {
+    std::string_view word;
+    const tSectionRow* row;
+} moduleWords[] = {
+    { "ModuleInfo", &freeSection },
+    { "Comments",   &freeSection },
+    { "Fixed",      &moduleSection }, // and "FixedObjects"
+    { "SubExt",     &moduleSection }, // and "SubExtends"
+};
 // clang-format on
 
 bool equalInAnyCase(std::string_view a, std::string_view b)
@@ -159,14 +167,16 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// module = "M" number word [ index [ "sub" number ] ]
-bool isModuleSection(std::string_view name)
+// module = "M" number word [ index [ "sub" number ] ]; null when the name is none
+const tSectionRow* moduleRow(std::string_view name)
 {
     if (name.size() < 3 || lowerCase(name.front()) != 'm' || !isDigit(name[1]))
-        return false;
-    const auto word = std::ranges::find_if_not(name.substr(1), isDigit);
-    const std::string_view rest(word, name.end());
-    return std::ranges::any_of(moduleWords, [rest](auto each) { return startsInAnyCase(rest, each); });
+        return nullptr;
+    const auto digits = std::ranges::find_if_not(name.substr(1), isDigit);
+    const std::string_view rest(digits, name.end());
+    const auto* const row =
+        std::ranges::find_if(moduleWords, [rest](const auto& each) { return startsInAnyCase(rest, each.word); });
+    return row == std::end(moduleWords) ? nullptr : row->row;
 }
 
 // tool = "Tool" number
@@ -252,8 +262,8 @@ tSectionName sectionOf(std::string_view name)
     section.row = &unknownSection;
     if (isToolSection(name))
         section.row = &toolSection;
-    else if (isModuleSection(name))
-        section.row = &freeSection;
+    else if (const tSectionRow* const module = moduleRow(name))
+        section.row = module;
     else if (!name.empty() && !classifyNamed(name, section) && !classifySuffixed(name, section))
         classifyIgnored(name, section);
     return section;

@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// What a value has to be.
-enum tKeyValue { valueText, valueFlag, valueNumber8, valueNumber16, valueNumber32 };
+enum tKeyValue { valueText, valueFlag, valueNumber8, valueNumber16, valueNumber32, valueNodeId };
 
 /// `keyRead`: the browser reads it, in this spelling only. `keyNeeded`: the section must have it. `keyOfDcf`: only a
 /// configured device has it.
@@ -36,9 +36,15 @@ enum tSectionKind {
     sectionObject,
     sectionEntry,
     sectionCompact, ///< names, values or denotations of an object with CompactSubObj
-    sectionFree,    ///< any keys, such as those of modules
+    sectionFree,    ///< any keys
+    sectionModule,  ///< objects of a module, with any keys
     sectionUnknown
 };
+
+constexpr bool isObjectList(tSectionKind kind)
+{
+    return kind >= sectionMandatory && kind <= sectionManufacturer;
+}
 
 struct tSectionRow {
     std::string_view name;

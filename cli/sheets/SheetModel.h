@@ -15,6 +15,15 @@ struct tListed {
     tPlace place;
 };
 
+/// A section that lists objects.
+struct tObjectList {
+    tSectionKind list;
+    int number; ///< SupportedObjects; -1: not given
+    tPlace numberPlace;
+    int lines; ///< with a number of their own or not
+    int numbers;
+};
+
 /// The attributes that an object without sub-indexes and an entry have in common.
 struct tAttributes {
     int dataType = 0;
@@ -44,9 +53,18 @@ struct tEntryRecord {
 
 /// A parameter that a PDO maps.
 struct tMapping {
-    unsigned short pdo;   ///< index of the mapping parameter
+    unsigned short pdo; ///< index of the mapping parameter
+    unsigned subIndex;
     std::uint32_t target; ///< index, sub-index and length, as in the sheet
     tPlace place;
+    bool isDefault;    ///< mapped by the default values
+    bool isConfigured; ///< mapped by the values of a configuration, where it has some
+};
+
+/// How many parameters a PDO maps.
+struct tMappingCount {
+    unsigned short pdo;
+    int ofDefaults, ofConfiguration; ///< -1: not given
 };
 
 /// A number in the device information.
@@ -59,9 +77,11 @@ struct tSheetModel {
     bool isDcf = false;
     bool isBroken = false; ///< a line stops the browser
     std::vector<tListed> listed;
+    std::vector<tObjectList> lists;
     std::vector<tObjectRecord> objects;
     std::vector<tEntryRecord> entries;
     std::vector<tMapping> mappings;
+    std::vector<tMappingCount> mappingCounts;
     tAnnounced receivePdos, transmitPdos;
     tPlace fileInfo, deviceInfo, mandatoryObjects; ///< of their names; nowhere when missing
     std::bitset<32> dummies;                       ///< data types that a receive PDO may map as a gap
@@ -74,6 +94,11 @@ constexpr unsigned short firstReceiveParameter = 0x1400, firstReceiveMapping = 0
 constexpr bool isWithin(unsigned index, unsigned first)
 {
     return index >= first && index < first + pdosOfADirection;
+}
+constexpr unsigned short mandatoryObjects[] = { 0x1000, 0x1001, 0x1018 };
+constexpr bool isOfManufacturer(unsigned index)
+{
+    return index >= 0x2000 && index <= 0x5FFF;
 }
 constexpr bool isMapping(unsigned index)
 {

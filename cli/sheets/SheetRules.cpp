@@ -24,6 +24,8 @@ constexpr tRuleRow rules[] = {
     { ruleDuplicateIndex, severityWarning, "duplicate-index", "an index is listed twice" },
     { ruleMissingObject, severityWarning, "missing-object", "an object is listed, or has entries, but has no section" },
     { ruleUnlistedObject, severityWarning, "unlisted-object", "an object has a section, but no list names it" },
+    { ruleLateList, severityWarning, "late-list",
+      "an object has its section before the list that names it, and the browser mixes it up with another" },
     { ruleMissingMandatory, severityWarning, "missing-mandatory", "every device has the objects 1000, 1001 and 1018" },
     { ruleWrongList, severityWarning, "wrong-list",
       "an object is in the list of others: ManufacturerObjects has 2000 to 5FFF" },
@@ -39,6 +41,7 @@ constexpr tRuleRow rules[] = {
 
     { ruleNotANumber, severityWarning, "not-a-number",
       "a word, or a number too large, where the browser needs a number" },
+    { ruleNodeId, severityWarning, "node-id", "NodeID is none of the node-ids 1 to 127" },
     { ruleUnknownType, severityWarning, "unknown-type", "CiA 301 has no data type of that number" },
     { ruleUnknownAccess, severityWarning, "unknown-access",
       "an access type is none of ro, wo, rw, rwr, rww and const" },
@@ -47,6 +50,8 @@ constexpr tRuleRow rules[] = {
     { ruleCount, severityWarning, "count",
       "SupportedObjects, Lines or NrOfEntries differs from the lines that are there" },
     { ruleSubCount, severityWarning, "sub-count", "SubNumber differs from the sub-indexes that are there" },
+    { ruleMissingSub0, severityWarning, "missing-sub-index-0",
+      "every array and every record has the sub-index 0, the highest one in use" },
     { ruleHighestSub, severityWarning, "highest-sub-index", "the value of sub-index 0 is not the highest sub-index" },
     { rulePdoCount, severityWarning, "pdo-count", "NrOfRXPDO or NrOfTXPDO differs from the PDOs that are there" },
     { ruleSubOfVariable, severityWarning, "sub-of-variable", "an object that is no array or record has sub-indexes" },
@@ -59,8 +64,14 @@ constexpr tRuleRow rules[] = {
     { ruleMappingLength, severityWarning, "mapping-length",
       "a PDO maps a parameter with a length that is not its own" },
 
-    { ruleMissingObjectType, severityNote, "missing-object-type",
-      "without ObjectType the browser shows no entry for a variable" },
+    { rulePdoLength, severityWarning, "pdo-length", "a PDO maps more than the 64 bits that a CAN frame has" },
+
+    { ruleMissingObjectType, severityWarning, "missing-object-type",
+      "without ObjectType the browser has no entry for a variable" },
+    { ruleCompactSubObj, severityWarning, "compact-sub-obj",
+      "the browser does not have the entries that CompactSubObj stands for" },
+    { ruleModules, severityWarning, "modules", "the browser does not have the objects of modules" },
+    { ruleLineEnds, severityWarning, "line-ends", "a carriage return alone ends no line for the browser" },
     { ruleFileInfoOrder, severityNote, "file-info-order",
       "after DeviceInfo, FileInfo tells the browser neither EDS version nor description" },
 };

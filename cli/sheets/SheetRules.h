@@ -13,13 +13,15 @@ enum tSeverity { severityNote, severityWarning, severityError };
 enum tRule : unsigned {
     ruleSyntax, ruleNoObjects,
     ruleIgnoredSection, ruleUnknownSection, ruleEmptySection, ruleMissingSection, ruleDuplicateSection,
-    ruleDuplicateIndex, ruleMissingObject, ruleUnlistedObject, ruleMissingMandatory, ruleWrongList, ruleListNumber,
+    ruleDuplicateIndex, ruleMissingObject, ruleUnlistedObject, ruleLateList, ruleMissingMandatory, ruleWrongList,
+    ruleListNumber,
     ruleUnknownKey, ruleSpelling, ruleDuplicateKey, ruleMissingKey, ruleKeyOrder, ruleDcfInEds,
-    ruleNotANumber, ruleUnknownType, ruleUnknownAccess, ruleUnknownObjectType,
-    ruleCount, ruleSubCount, ruleHighestSub, rulePdoCount, ruleSubOfVariable,
+    ruleNotANumber, ruleNodeId, ruleUnknownType, ruleUnknownAccess, ruleUnknownObjectType,
+    ruleCount, ruleSubCount, ruleMissingSub0, ruleHighestSub, rulePdoCount, ruleSubOfVariable,
     ruleValueType, ruleLimits,
-    ruleMappingMissing, ruleNotMappable, ruleMappingLength,
-    ruleMissingObjectType, ruleFileInfoOrder,
+    ruleMappingMissing, ruleNotMappable, ruleMappingLength, rulePdoLength,
+    ruleMissingObjectType, ruleCompactSubObj, ruleModules, ruleLineEnds,
+    ruleFileInfoOrder,
     ruleTotal
 };
 // clang-format on

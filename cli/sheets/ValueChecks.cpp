@@ -25,6 +25,8 @@ struct tValue {
     quint64 order = 0; ///< of an integer: with the sign bit inverted, two's complement compares as unsigned
     double real = 0;
     bool isRelative = false; ///< it depends on the node-id and compares with nothing
+
+    bool operator==(const tValue&) const = default;
 };
 using tMaybeValue = std::optional<tValue>;
 
@@ -80,6 +82,27 @@ QString textOf(const tValue& value, tValueType type)
                                    : QString::number(value.order);
 }
 
+// Why a text is no value of a type that is no number.
+QString faultOfBytes(tValueType type)
+{
+    return type.kind == kindText || type.kind == kindOctets
+               ? QStringLiteral("this has a character that Latin-1 does not have")
+               : QStringLiteral("this is no date and time");
+}
+
+QString formOfBytes(tValueType type)
+{
+    return type.width > 0 ? QStringLiteral("2026-01-31 12:00:00.000, or its %1 bytes: 01 2A ...").arg(type.width)
+                          : QString();
+}
+
+// Whether a text is a value of a type that is no number.
+bool isBytes(const std::string& text, tValueType type)
+{
+    const bool isAscii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return (type.width == 0 && isAscii) || valueFromText(textFromUtf8(text), type, 0);
+}
+
 // Why a text is no value of the type.
 QString faultOf(const std::string& text, tValueType type)
 {
@@ -115,6 +138,13 @@ public:
 
 private:
     tMaybeValue read(tObjectKey key);
+    void checkBytes(tObjectKey key);
+    void addNoValue(tObjectKey key, const QString& fault, const QString& mend);
+    void checkLimits(tObjectKey key, const tMaybeValue& value, const tMaybeValue& low, const tMaybeValue& high)
+    {
+        if (!isOutside(key, value, keyLowLimit, low))
+            isOutside(key, value, keyHighLimit, high);
+    }
     bool isOutside(tObjectKey key, const tMaybeValue& value, tObjectKey limitKey, const tMaybeValue& limit);
 
     const tSection& m_section;
@@ -125,17 +155,35 @@ private:
 
 void CValueChecks::run()
 {
-    if (!isNumeric(m_type) && m_type.kind != kindReal)
+    if (!isNumeric(m_type) && m_type.kind != kindReal) {
+        checkBytes(keyDefaultValue);
+        checkBytes(keyParameterValue);
         return;
+    }
     const tMaybeValue low = read(keyLowLimit);
     const tMaybeValue high = read(keyHighLimit);
     const tMaybeValue standard = read(keyDefaultValue);
     const tMaybeValue parameter = read(keyParameterValue);
     if (isOutside(keyHighLimit, high, keyLowLimit, low))
         return;
-    for (const auto& [key, value] : { std::pair(keyDefaultValue, &standard), std::pair(keyParameterValue, &parameter) })
-        if (!isOutside(key, *value, keyLowLimit, low))
-            isOutside(key, *value, keyHighLimit, high);
+    checkLimits(keyDefaultValue, standard, low, high);
+    if (parameter != standard) // which has the finding, if any
+        checkLimits(keyParameterValue, parameter, low, high);
+}
+
+void CValueChecks::checkBytes(tObjectKey key)
+{
+    const tField& field = m_section.fields[key];
+    if (field.isGiven() && !isBytes(field.text, m_type))
+        addNoValue(key, faultOfBytes(m_type), formOfBytes(m_type));
+}
+
+void CValueChecks::addNoValue(tObjectKey key, const QString& fault, const QString& mend)
+{
+    m_findings.add(ruleValueType, m_section.fields[key].place(), [&] {
+        const auto type = static_cast<CCANopenObjectEntry::TEntryType>(m_dataType);
+        return tAdvice{ QStringLiteral("%1, %2").arg(fault, CCANopenObjectEntry::getDataTypeByIndex(type)), mend };
+    });
 }
 
 // The value of a key; nothing where there is none, or a wrong one.
@@ -146,12 +194,7 @@ tMaybeValue CValueChecks::read(tObjectKey key)
         return std::nullopt;
     const tMaybeValue value = valueOf(field.text, m_type);
     if (!value)
-        m_findings.add(ruleValueType, field.place(), [&] {
-            const auto type = static_cast<CCANopenObjectEntry::TEntryType>(m_dataType);
-            return tAdvice{ QStringLiteral("%1, %2").arg(faultOf(field.text, m_type),
-                                                         CCANopenObjectEntry::getDataTypeByIndex(type)),
-                            rangeOf(m_type) };
-        });
+        addNoValue(key, faultOf(field.text, m_type), rangeOf(m_type));
     return value;
 }
 

@@ -1,11 +1,12 @@
-// For every sheet that loads: what a device has is saved, restored to a reset device and to one with another node-id, and
-// compares equal.
+// For every sheet that loads: what a device has is saved, restored to a reset device and to one with another node-id,
+// and compares equal.
 // SPDX-License-Identifier: MIT
 #include "CliRun.h"
 #include "SimulatorProcess.h"
 #include "dic/DataSheet.h"
 #include "dic/ValueTypes.h"
 #include "sheets/FirstEntries.h"
+#include "sheets/SheetCheck.h"
 
 #include <QDir>
 #include <QRandomGenerator>
@@ -54,6 +55,16 @@ QString otherValue(const tEntry& entry, QRandomGenerator& random)
     return QString::number(low + static_cast<qint64>(random.generate64() % static_cast<quint64>(high - low + 1)));
 }
 
+// The rules that the file breaks, each as often as it does.
+QStringList brokenRules(const QString& fileName)
+{
+    QStringList names;
+    for (const tFinding& finding : checkSheet(fileName, tRuleSet().set()).findings)
+        names += QString::fromUtf8(rowOf(finding.rule).name.data(), qsizetype(rowOf(finding.rule).name.size()));
+    names.sort();
+    return names;
+}
+
 QStringList sheets()
 {
     QStringList names{ VELMORA_SHARE "/velmora-demo.eds" };
@@ -72,6 +83,8 @@ class TestCliSamples : public QObject
 private Q_SLOTS:
     void savedAndRestoredComparesEqual_data();
     void savedAndRestoredComparesEqual();
+    void savedSheetBreaksNoOtherRules_data() { savedAndRestoredComparesEqual_data(); }
+    void savedSheetBreaksNoOtherRules();
 
 private:
     QString run(const QStringList& words) const
@@ -150,6 +163,23 @@ void TestCliSamples::savedAndRestoredComparesEqual()
     QCOMPARE(run({ "nmt", "reset", "6" }), "-- 0\n");
     restoreAndCompare("6", file);
     restoreAndCompare("7", file);
+}
+
+// As a configuration, the sheet may have values.
+void TestCliSamples::savedSheetBreaksNoOtherRules()
+{
+    QFETCH(const QString, fileName);
+    CDataSheet sheet;
+    if (sheet.load(fileName) != CDataSheet::loaded)
+        QSKIP("it does not load");
+    const CSimulatorProcess simulator({ "--node", "6=" + fileName }, CSimulatorProcess::silent);
+    QVERIFY2(simulator.port() != 0, simulator.log());
+    m_interface = simulator.interface();
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath("sheet.dcf"), saved = folder.filePath("saved.dcf");
+    QVERIFY(QFile::copy(fileName, copy));
+    QTEST(run({ "dump", "-n", "6", "-s", fileName, "-o", saved }), "saved");
+    QCOMPARE(brokenRules(saved), brokenRules(copy));
 }
 
 QTEST_GUILESS_MAIN(TestCliSamples)

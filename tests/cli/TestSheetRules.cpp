@@ -17,6 +17,13 @@ static QString nameOfRule(tRule rule)
     return QString::fromLatin1(name.data(), qsizetype(name.size()));
 }
 
+// The sheet that breaks a rule, or the mended one. What belongs to a configuration is allowed in one only.
+static QString sheetOf(const QString& rule, bool isMended)
+{
+    const bool isDcf = rule == "node-id" || (rule == "dcf-in-eds" && isMended);
+    return rule + (isMended ? "-mended" : "") + (isDcf ? ".dcf" : ".eds");
+}
+
 struct tBrokenRule {
     tRule rule;
     const char* place; // in its sheet
@@ -33,6 +40,7 @@ static const tBrokenRule brokenRules[] = {
     { ruleDuplicateIndex, "24:3" },
     { ruleMissingObject, "24:3" },
     { ruleUnlistedObject, "71:2" },
+    { ruleLateList, "57:2" },
     { ruleMissingMandatory, "15:2" },
     { ruleWrongList, "23:3" },
     { ruleListNumber, "19:1" },
@@ -43,11 +51,13 @@ static const tBrokenRule brokenRules[] = {
     { ruleKeyOrder, "63:10" },
     { ruleDcfInEds, "70:1" },
     { ruleNotANumber, "11:14" },
+    { ruleNodeId, "72:8" },
     { ruleUnknownType, "64:10" },
     { ruleUnknownAccess, "65:12" },
     { ruleUnknownObjectType, "63:12" },
     { ruleCount, "16:18" },
     { ruleSubCount, "43:11" },
+    { ruleMissingSub0, "40:2" },
     { ruleHighestSub, "50:14" },
     { rulePdoCount, "13:11" },
     { ruleSubOfVariable, "71:2" },
@@ -56,7 +66,11 @@ static const tBrokenRule brokenRules[] = {
     { ruleMappingMissing, "93:14" },
     { ruleNotMappable, "93:14" },
     { ruleMappingLength, "93:14" },
+    { rulePdoLength, "157:14" },
     { ruleMissingObjectType, "61:2" },
+    { ruleCompactSubObj, "66:15" },
+    { ruleModules, "81:2" },
+    { ruleLineEnds, "68:20" },
     { ruleFileInfoOrder, "65:2" },
 };
 
@@ -89,7 +103,7 @@ private:
 void TestSheetRules::sheetOfTheRuleHasThisFindingOnly()
 {
     QFETCH(QString, expected);
-    const tCheckResult result = checkSheet(dataOf(QString(QTest::currentDataTag()) + ".eds"), allRules());
+    const tCheckResult result = checkSheet(dataOf(sheetOf(QTest::currentDataTag(), false)), allRules());
     QVERIFY(result.isRead);
     QCOMPARE(findingLines(result), QStringList(expected));
     QVERIFY(!result.findings.front().advice.text.isEmpty());
@@ -97,9 +111,7 @@ void TestSheetRules::sheetOfTheRuleHasThisFindingOnly()
 
 void TestSheetRules::mendedSheetHasNoFinding()
 {
-    const QString name = QString(QTest::currentDataTag()) + "-mended";
-    const QString ending = name.startsWith("dcf") ? ".dcf" : ".eds";
-    const tCheckResult result = checkSheet(dataOf(name + ending), allRules());
+    const tCheckResult result = checkSheet(dataOf(sheetOf(QTest::currentDataTag(), true)), allRules());
     QVERIFY(result.isLoaded);
     QCOMPARE(findingLines(result), QStringList());
 }
@@ -108,7 +120,7 @@ void TestSheetRules::ruleThatIsOffFindsNothing()
 {
     const auto rule = ruleByName(QTest::currentDataTag());
     QVERIFY(rule);
-    const QString sheet = dataOf(QString(QTest::currentDataTag()) + ".eds");
+    const QString sheet = dataOf(sheetOf(QTest::currentDataTag(), false));
     QCOMPARE(findingLines(checkSheet(sheet, allRules().reset(*rule))), QStringList());
     QCOMPARE(findingLines(checkSheet(sheet, tRuleSet().set(*rule))).size(), 1);
 }
@@ -118,7 +130,7 @@ void TestSheetRules::everyRuleHasItsSheets()
     QStringList expected;
     for (const tRuleRow& row : sheetRules()) {
         const QString name = nameOfRule(row.rule);
-        expected << name + ".eds" << name + (row.rule == ruleDcfInEds ? "-mended.dcf" : "-mended.eds");
+        expected << sheetOf(name, false) << sheetOf(name, true);
         QCOMPARE(int(brokenRules[row.rule].rule), int(row.rule));
     }
     expected.sort();
@@ -181,12 +193,24 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
     value("6", "LowLimit=2\nHighLimit=1\nDefaultValue=5", { "9:11 limits" });
     value("6", "LowLimit=2\nHighLimit=4\nDefaultValue=1", { "10:14 limits" });
     value("6", "LowLimit=2\nHighLimit=4\nDefaultValue=5", { "10:14 limits" });
+    value("6", "HighLimit=4\nDefaultValue=5\nParameterValue=0x5", { "9:14 limits", "10:1 dcf-in-eds" });
+    value("6", "HighLimit=4\nDefaultValue=5\nParameterValue=6", { "9:14 limits", "10:1 dcf-in-eds", "10:16 limits" });
     value("8", "LowLimit=-1.5\nHighLimit=1e3\nDefaultValue=0.5", {});
     value("8", "DefaultValue=0x3F800000", {});
     value("8", "DefaultValue=1,5", { "8:14 value-type" });
     value("8", "LowLimit=0.5\nDefaultValue=0.25", { "9:14 limits" });
     value("9", "DefaultValue=Yes\nLowLimit=x", {});
+    value("9", "DefaultValue=\xC3\xA4", {});
+    value("9", "DefaultValue=\xE2\x82\xAC", { "8:14 value-type" });
+    value("9", "ParameterValue=\xCE\xA9", { "8:1 dcf-in-eds", "8:16 value-type" });
     value("0xA", "DefaultValue=00 01", {});
+    value("0xA", "DefaultValue=text", {});
+    value("0xB", "DefaultValue=now", { "8:14 value-type" });
+    value("0xB", "DefaultValue=00 00 00 00 00 00 00", {});
+    value("0xC", "DefaultValue=2026-01-31 12:00:00.000", {});
+    value("0xC", "DefaultValue=0", { "8:14 value-type" });
+    value("0xC", "DefaultValue=00 00 00 00 00 00", {});
+    value("0xD", "DefaultValue=00 00 00 00 00", { "8:14 value-type" });
     value("0x15", "LowLimit=0xFFFFFFFFFFFFFFF6\nHighLimit=0xA\nDefaultValue=-10", {});
     value("0x15", "LowLimit=0xFFFFFFFFFFFFFFF6\nDefaultValue=-11", { "9:14 limits" });
     value("0x1B", "HighLimit=0xFFFFFFFFFFFFFFFF\nDefaultValue=18446744073709551615", {});
@@ -209,8 +233,12 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
         { "5:15 key-order" });
     add("array without entries", "[2000]\nParameterName=V\nObjectType=8\nDataType=5\nAccessType=rw\n",
         { "3:2 missing-key" });
-    add("announced entries", "[2000]\nParameterName=V\nObjectType=8\nSubNumber=3\n", { "6:11 sub-count" });
-    add("no entries announced", "[2000]\nParameterName=V\nObjectType=8\nSubNumber=0\n", {});
+    add("announced entries", "[2000]\nParameterName=V\nObjectType=8\nSubNumber=3\n",
+        { "3:2 missing-sub-index-0", "6:11 sub-count" });
+    add("no entries announced", "[2000]\nParameterName=V\nObjectType=8\nSubNumber=0\n", { "3:2 missing-sub-index-0" });
+    add("sub-index 0 announced, but missing",
+        "[2000]\nParameterName=V\nObjectType=8\nSubNumber=2\n[2000sub1]\nParameterName=V\nDataType=5\nAccessType=ro\n",
+        { "3:2 missing-sub-index-0" });
     add("domain", "[2000]\nParameterName=V\nObjectType=2\n", {});
     add("structure",
         "[2000]\nParameterName=V\nObjectType=6\nSubNumber=1\n[2000sub0]\nParameterName=V\nObjectType=7\n"
@@ -239,11 +267,19 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
     add("names of a compact object",
         "[2000]\nParameterName=V\nObjectType=8\nDataType=5\nAccessType=rw\n"
         "CompactSubObj=9\n[2000Name]\nNrOfEntries=2\n3=c\n1=a\n",
-        {});
+        { "8:15 compact-sub-obj" });
     add("too few names",
         "[2000]\nParameterName=V\nObjectType=8\nDataType=5\nAccessType=rw\n"
         "CompactSubObj=9\n[2000Name]\nNrOfEntries=2\n1=a\n",
-        { "10:13 count" });
+        { "8:15 compact-sub-obj", "10:13 count" });
+    add("compact variable", variable + "DataType=5\nCompactSubObj=2\n", { "8:15 compact-sub-obj" });
+    add("object type without a value", "[2000]\nParameterName=V\nObjectType=\nAccessType=rw\nDataType=5\n", {});
+    add("object type that is none", "[2000]\nParameterName=V\nObjectType=VAR\nAccessType=rw\nDataType=5\n",
+        { "5:12 not-a-number" });
+    add("module",
+        variable + "DataType=5\n[M1ModuleInfo]\nProductName=x\n[M1Comments]\nLines=0\n[m1fixed6000]\n"
+                   "x=1\n[M1SubExtends]\nNrOfEntries=0\n[M1SubExt6000]\nx=1\n",
+        { "12:2 modules" });
     add("denotations", variable + "DataType=5\n[2000Denotation]\nNrOfEntries=0\n", { "8:2 dcf-in-eds" });
     add("word in a list", variable + "DataType=5\n[OptionalObjects]\nSupportedObjects=1\n1=none\n",
         { "10:3 not-a-number" });
@@ -256,14 +292,15 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
     add("key of a broken line", variable + "DataType = 5\n", { "7:9 syntax" });
     add("key without a section", variable + "DataType=5\n[FileInfo\nFileName=x\n", { "8:10 syntax" });
 
-    // A PDO that maps 2000 in its line 15: [1600] 8 to 11, [1600sub1] 12 to 16.
+    // A PDO that maps 2000 in line 17: [1600] is line 9 to 12, [1600sub1] 13 to 17.
     const auto mapping = [&](const char* pdo, const char* target, const char* access, const QStringList& expected) {
         const QByteArray index(pdo);
         QTest::addRow("%s maps %s, which is %s", pdo, target, access)
             << "[2000]\nParameterName=V\nObjectType=7\nAccessType=" + QByteArray(access) +
-                   "\nDataType=6\nPDOMapping=1\n[" + index + "]\nParameterName=M\nObjectType=9\nSubNumber=1\n[" +
-                   index + "sub1]\nParameterName=P\nDataType=7\nAccessType=rw\nDefaultValue=" + target +
-                   "\n[DummyUsage]\nDummy0005=1\nDummy0006=0\n"
+                   "\nDataType=6\nPDOMapping=1\n[" + index + "]\nParameterName=M\nObjectType=9\nSubNumber=2\n[" +
+                   index + "sub1]\nParameterName=P\nDataType=7\nAccessType=rw\nDefaultValue=" + target + "\n[" + index +
+                   "sub0]\nParameterName=N\nDataType=5\nAccessType=rw\nDefaultValue=1\n["
+                   "DummyUsage]\nDummy0005=1\nDummy0006=0\n"
             << expected;
     };
     mapping("1600", "0x20000010", "rw", {});
