@@ -11,6 +11,7 @@ QByteArray jsonText(const QJsonDocument& document)
     const auto escape = [](unsigned code) { return "\\u00" + QByteArray::number(code, 16); };
     QByteArray text;
     const QByteArray json = document.toJson();
+    text.reserve(json.size());
     for (qsizetype place = 0; place < json.size(); ++place) {
         const auto next = place + 1 < json.size() ? static_cast<unsigned char>(json[place + 1]) : 0U;
         if (json[place] == '\x7F') {

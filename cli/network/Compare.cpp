@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "network/Compare.h"
 
+#include "console/JsonText.h"
 #include "dic/CANopenObjectEntry.h"
 #include "network/NodeReading.h"
 #include "network/TypedValue.h"
@@ -106,7 +107,7 @@ QByteArray jsonOf(const std::vector<tDifference>& differences)
         object.insert(QStringLiteral("byItself"), difference.byItself);
         array += object;
     }
-    return QJsonDocument(array).toJson();
+    return jsonText(QJsonDocument(array));
 }
 
 // The header names what was compared.

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/DictionaryList.h"
 
+#include "console/JsonText.h"
 #include "dic/DataSheet.h"
 #include "sheets/Csv.h"
 #include "sheets/EntryText.h"
@@ -137,5 +138,5 @@ QByteArray listAsJson(const std::vector<tListRow>& rows)
         object[QStringLiteral("pdo")] = row.isMapped;
         list.append(object);
     }
-    return QJsonDocument(list).toJson();
+    return jsonText(QJsonDocument(list));
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/FindingsText.h"
 
+#include "console/JsonText.h"
 #include "sheets/SectionChecks.h"
 
 #include <QJsonArray>
@@ -44,5 +45,5 @@ QByteArray findingsJson(std::span<const tCheckResult> results)
     QJsonArray files;
     for (const tCheckResult& result : results)
         files.append(jsonOf(result));
-    return QJsonDocument(files).toJson();
+    return jsonText(QJsonDocument(files));
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/FindingsText.h"
 
+#include "console/JsonText.h"
 #include "sheets/SectionChecks.h"
 
 #include "base/Product.h"
@@ -98,5 +99,5 @@ QByteArray findingsSarif(std::span<const tCheckResult> results)
                              QStringLiteral("https://json.schemastore.org/sarif-2.1.0.json") },
                            { QStringLiteral("version"), QStringLiteral("2.1.0") },
                            { QStringLiteral("runs"), QJsonArray{ run } } };
-    return QJsonDocument(log).toJson();
+    return jsonText(QJsonDocument(log));
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/SheetDifferences.h"
 
+#include "console/JsonText.h"
 #include "dic/DataSheet.h"
 #include "sheets/EntryText.h"
 
@@ -33,7 +34,7 @@ QJsonValue jsonNumber(const std::optional<unsigned>& number)
     return number ? QJsonValue(static_cast<int>(*number)) : QJsonValue();
 }
 
-QJsonValue jsonText(const tSheetDifference& difference, const QString& text)
+QJsonValue jsonValueOf(const tSheetDifference& difference, const QString& text)
 {
     if (difference.kind == tSheetDifference::presence)
         return !text.isNull();
@@ -66,13 +67,12 @@ QByteArray differencesAsJson(const std::vector<tSheetDifference>& differences, c
             { QStringLiteral("index"), difference.index ? QJsonValue(indexText(*difference.index)) : QJsonValue() },
             { QStringLiteral("subindex"), jsonNumber(difference.subIndex) },
             { QStringLiteral("field"), difference.field },
-            { QStringLiteral("a"), jsonText(difference, difference.a) },
-            { QStringLiteral("b"), jsonText(difference, difference.b) },
+            { QStringLiteral("a"), jsonValueOf(difference, difference.a) },
+            { QStringLiteral("b"), jsonValueOf(difference, difference.b) },
         });
-    return QJsonDocument(QJsonObject{
-                             { QStringLiteral("a"), nameA },
-                             { QStringLiteral("b"), nameB },
-                             { QStringLiteral("differences"), list },
-                         })
-        .toJson();
+    return jsonText(QJsonDocument(QJsonObject{
+        { QStringLiteral("a"), nameA },
+        { QStringLiteral("b"), nameB },
+        { QStringLiteral("differences"), list },
+    }));
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/SnapshotText.h"
 
+#include "console/JsonText.h"
 #include "dic/CANopenObjectEntry.h"
 #include "dic/NumberText.h"
 #include "sheets/Csv.h"
@@ -84,7 +85,7 @@ QByteArray snapshotAsJson(const tSnapshot& snapshot)
         { QStringLiteral("sheet"), snapshot.sheet },
         { QStringLiteral("entries"), entries },
     };
-    return QJsonDocument(object).toJson();
+    return jsonText(QJsonDocument(object));
 }
 
 QByteArray snapshotAsTable(const tSnapshot& snapshot)
