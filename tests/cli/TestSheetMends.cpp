@@ -61,6 +61,10 @@ private Q_SLOTS:
     void whatTheBrowserDoesNotReadIsNotTakenAs0();
     void countInAnotherCaseListsAnObject();
     void verdictTellsObjectsWithoutEntries();
+    void mappedBitsAreThoseThatCount_data();
+    void mappedBitsAreThoseThatCount();
+    void entriesBeforeTheirListAreTold();
+    void objectOfAnOddLineIsListed();
 };
 
 void TestSheetMends::mendsOfListsFitTogether_data()
@@ -193,6 +197,61 @@ void TestSheetMends::verdictTellsObjectsWithoutEntries()
     QCOMPARE(verdictOf(sheetWithLists(list, { 0x2000 })), "loads, 1 object");
     QCOMPARE(verdictOf(list), "loads, 1 object, 1 of them without entries");
     QCOMPARE(verdictOf(sheetWithLists(list + "2=0x2001\n", { 0x2001 })), "loads, 2 objects, 1 of them without entries");
+}
+
+// A PDO with three parameters of 32 bits each, by default and as configured.
+void TestSheetMends::mappedBitsAreThoseThatCount_data()
+{
+    QTest::addColumn<QByteArray>("count");
+    QTest::addColumn<QByteArray>("third");
+    QTest::addColumn<QStringList>("expected");
+    const QByteArray mapped = "DefaultValue=0x20000020\n";
+    const auto add = [](const char* name, const QByteArray& count, const QByteArray& third,
+                        const QStringList& expected) { QTest::newRow(name) << count << third << expected; };
+    add("all", "DefaultValue=3\n", mapped, { "25:14 pdo-length" });
+    add("the count is not known", "", mapped, { "24:14 pdo-length" });
+    add("two of them", "DefaultValue=2\n", mapped, {});
+    add("none", "DefaultValue=0\n", mapped, {});
+    add("multiplexed", "DefaultValue=0xFE\n", mapped, {});
+    add("three in the configuration", "DefaultValue=0\nParameterValue=3\n", mapped, { "26:14 pdo-length" });
+    add("two in the configuration", "DefaultValue=3\nParameterValue=2\n", mapped, { "26:14 pdo-length" });
+    add("another one in the configuration", "DefaultValue=3\n", "DefaultValue=0\nParameterValue=0x20000020\n",
+        { "26:16 pdo-length" });
+    add("a third one not in the configuration", "DefaultValue=3\n", mapped + "ParameterValue=0\n",
+        { "25:14 pdo-length" });
+    add("the same in the configuration", "DefaultValue=3\n", mapped + "ParameterValue=536870944\n",
+        { "25:14 pdo-length" });
+}
+
+void TestSheetMends::mappedBitsAreThoseThatCount()
+{
+    QFETCH(const QByteArray, count);
+    QFETCH(const QByteArray, third);
+    QFETCH(const QStringList, expected);
+    const auto entry = [](const char* name, const QByteArray& lines) {
+        return "[1600sub" + QByteArray(name) + "]\nParameterName=P\nDataType=7\nAccessType=rw\n" + lines;
+    };
+    const QByteArray mapped = "DefaultValue=0x20000020\n";
+    const CSheetFile file("[OptionalObjects]\n1=0x1600\n[1600]\nParameterName=M\nObjectType=9\n" + entry("0", count) +
+                              entry("1", mapped) + entry("2", mapped) + entry("3", third),
+                          "device.dcf");
+    QCOMPARE(findingLines(checkSheet(file.name(), tRuleSet().set(rulePdoLength))), expected);
+}
+
+void TestSheetMends::entriesBeforeTheirListAreTold()
+{
+    const QByteArray entry = "ParameterName=V\nDataType=5\nAccessType=ro\n";
+    const CSheetFile file("[2000sub0]\n" + entry + "[2000sub1]\n" + entry +
+                          "[ManufacturerObjects]\n1=0x2000\n1=0x2000\n");
+    QCOMPARE(findingLines(checkSheet(file.name(), tRuleSet().set(ruleLateList))), QStringList("1:2 late-list"));
+}
+
+void TestSheetMends::objectOfAnOddLineIsListed()
+{
+    const CSheetFile file(sheetWithLists("[ManufacturerObjects]\nObject1=0x2000\n", { 0x2000 }));
+    const tCheckResult result = checkSheet(file.name(), tRuleSet().set(ruleUnknownKey).set(ruleUnlistedObject));
+    QCOMPARE(result.verdict, "loads, 1 object");
+    QCOMPARE(findingLines(result), QStringList("2:1 unknown-key"));
 }
 
 QTEST_APPLESS_MAIN(TestSheetMends)
