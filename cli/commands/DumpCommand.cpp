@@ -23,10 +23,12 @@ void addDump(CLI::App& app, tCommand& command)
         ->type_name("FILE");
     dump.add_option_function<std::string>(
             "--format", [options](const std::string& word) { options->format = formats.at(word); },
-            "table, csv, json or dcf; otherwise by the end of the file's name")
+            "table, csv, json or dcf; otherwise by the end of the file's name, and a table without a file")
         ->check(CLI::IsMember(formats))
         ->type_name("FORMAT");
-    dump.footer("Entries that the device refuses are listed, and the exit status is 4 then.\n"
-                "Example:\n  velmora-cli dump -i can0 -n 5 -s velmora-demo.eds -o node5.dcf");
+    dump.footer(
+        "Entries that the device refuses are listed, and the exit status is 4 then. Values that the file cannot "
+        "hold are\ntold, and it is 1; CSV and JSON hold all of them.\n"
+        "Example:\n  velmora-cli dump -i can0 -n 5 -s velmora-demo.eds -o node5.dcf");
     dump.callback([=, &command] { command = [=](CConsole& console) { return dumpDevice(*options, console); }; });
 }

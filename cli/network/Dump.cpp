@@ -3,13 +3,18 @@
 #include "network/Dump.h"
 
 #include "console/OutputFile.h"
-#include "dic/CANopenObjectEntry.h"
 #include "dic/DataSheet.h"
 #include "network/NodeReading.h"
 #include "sheets/DcfText.h"
-#include "sheets/FirstEntries.h"
 #include "sheets/SheetFile.h"
 #include "sheets/SnapshotText.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <system_error>
+#include <vector>
 
 namespace
 {
@@ -19,53 +24,120 @@ constexpr struct {
     tDumpFormat format;
 } endings[] = { { ".csv", dumpCsv }, { ".json", dumpJson }, { ".dcf", dumpDcf } };
 
+using tEntries = std::vector<const tSnapshotEntry*>;
+
+bool endsIn(const QString& fileName, const char* ending)
+{
+    return fileName.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
+}
+
+bool isFile(const QString& output)
+{
+    return !output.isEmpty() && output != QLatin1String("-");
+}
+
+[[noreturn]] void refuse(const QString& output, const QString& why)
+{
+    throw tEnd{ exitUsage, QStringLiteral("%1 is not written: %2").arg(visibleText(output), why) };
+}
+
 tDumpFormat formatOf(const tDumpOptions& options)
 {
     if (options.format)
         return *options.format;
     for (const auto& row : endings)
-        if (options.output.endsWith(QLatin1String(row.ending), Qt::CaseInsensitive))
+        if (endsIn(options.output, row.ending))
             return row.format;
+    if (isFile(options.output))
+        refuse(options.output,
+               QStringLiteral("the end of its name tells no format: .csv, .json or .dcf (or --format)"));
     return dumpTable;
 }
 
-// Tells the values that a configuration file cannot hold. An empty one needs no line there when it is empty in the sheet,
-// too.
-QByteArray configurationOf(const tDumpOptions& options, const CDataSheet& sheet, const tSnapshot& snapshot,
-                           CConsole& console, int& status)
+// By whatever path, or by a link.
+bool isSameFile(const QString& a, const QString& b)
 {
-    const auto described = firstEntries(sheet.dictionary());
+    std::error_code error; // one of them is not there
+    return std::filesystem::equivalent(QFile::encodeName(a).toStdString(), QFile::encodeName(b).toStdString(), error);
+}
+
+// Whether the name, and the file that it leads to, are those of a configuration.
+bool isConfiguration(const QString& fileName)
+{
+    return endsIn(fileName, ".dcf") && endsIn(QFileInfo(fileName).canonicalFilePath(), ".dcf");
+}
+
+// Ends the command when the dump would spoil a sheet. The configuration that is the sheet can be renewed.
+void checkOutput(const tDumpOptions& options, tDumpFormat format)
+{
+    if (!isFile(options.output))
+        return;
+    if (format == dumpDcf && endsIn(options.output, ".eds"))
+        refuse(options.output,
+               QStringLiteral("a configuration would be read as a data sheet there: its name ends in .dcf"));
+    const bool isRenewed = format == dumpDcf && isConfiguration(options.output) && isConfiguration(options.sheet);
+    if (!isRenewed && isSameFile(options.output, options.sheet))
+        refuse(options.output, QStringLiteral("it is the sheet"));
+}
+
+// Tells the values that a configuration file cannot hold. One without a line there is not known, which is not the same
+// as empty.
+QByteArray configurationOf(const tDumpOptions& options, const tSnapshot& snapshot, CConsole& console, int& status)
+{
     const tDcfText dcf = dcfText(options.sheet, snapshot);
+    tEntries empty;
     for (const std::size_t place : dcf.unwritten) {
         const tSnapshotEntry& entry = snapshot.entries[place];
-        if (entry.value->isEmpty() && described[place].entry.getDefaultValue().isEmpty())
-            continue;
-        console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can").arg(nameOf(entry)));
-        status = graver(status, exitDifference);
+        if (entry.value->isEmpty())
+            empty.push_back(&entry);
+        else
+            console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can").arg(nameOf(entry)));
     }
+    if (!empty.empty())
+        console.message(
+            QStringLiteral("a DCF cannot hold values of 0 bytes; CSV and JSON can: %1").arg(namesOf(empty)));
+    if (!dcf.unwritten.empty())
+        status = graver(status, exitDifference);
     return dcf.text;
 }
 
-QByteArray textOf(const tDumpOptions& options, const CDataSheet& sheet, const tSnapshot& snapshot, CConsole& console,
+QByteArray textOf(const tDumpOptions& options, tDumpFormat format, const tSnapshot& snapshot, CConsole& console,
                   int& status)
 {
-    switch (formatOf(options)) {
+    switch (format) {
     case dumpCsv:
         return snapshotAsCsv(snapshot);
     case dumpJson:
         return snapshotAsJson(snapshot);
     case dumpDcf:
-        return configurationOf(options, sheet, snapshot, console, status);
+        return configurationOf(options, snapshot, console, status);
     case dumpTable:
         break;
     }
     return snapshotAsTable(snapshot);
 }
 
+// Names the entries that could be read, but have not brought a value.
+void tellMissing(const tSnapshot& snapshot, CConsole& console)
+{
+    tEntries missing;
+    int readable = 0;
+    for (const tSnapshotEntry& entry : snapshot.entries) {
+        readable += isReadable(entry) ? 1 : 0;
+        if (isReadable(entry) && !entry.value)
+            missing.push_back(&entry);
+    }
+    if (!missing.empty())
+        console.message(QStringLiteral("%1 of %2 entries have no value: %3")
+                            .arg(QString::number(missing.size()), QString::number(readable), namesOf(missing)));
+}
+
 } // namespace
 
 int dumpDevice(const tDumpOptions& options, CConsole& console)
 {
+    const tDumpFormat format = formatOf(options);
+    checkOutput(options, format);
     CDataSheet sheet;
     loadSheet(sheet, options.sheet);
     tSnapshot snapshot = snapshotOf(sheet, static_cast<unsigned>(options.node));
@@ -76,6 +148,7 @@ int dumpDevice(const tDumpOptions& options, CConsole& console)
     } catch (const tEnd& end) {
         throw tEnd{ end.status, QStringLiteral("%1; nothing was saved").arg(end.message) };
     }
-    writeOutput(console, options.output, textOf(options, sheet, snapshot, console, status));
+    writeOutput(console, options.output, textOf(options, format, snapshot, console, status));
+    tellMissing(snapshot, console);
     return status;
 }
