@@ -42,8 +42,10 @@ void addRestore(CLI::App& app, tCommand& command)
     CLI::App& restoreApp = *app.add_subcommand("restore", "Writes the values of a DCF or a dump back into a device");
     addNetwork(restoreApp, options->network);
     addNode(restoreApp, options->node)->required();
-    addFile(restoreApp, "file", options->file, "the saved values: .dcf, .csv, .json")->required();
-    restoreApp.add_flag("--dry-run", options->dryRun, "only list what would be written");
+    addFile(restoreApp, "file", options->file,
+            "the values: .dcf, .csv, .json, or .eds for the default values of a data sheet")
+        ->required();
+    restoreApp.add_flag("--dry-run", options->dryRun, "only read the device, and list what would be written");
     restoreApp.add_flag("--store", options->store, "let the device store its parameters (1010:1) when all was written");
     restoreApp.add_flag("--force", options->force,
                         "also to a device with another type, vendor or product (1000, 1018)");
