@@ -1,7 +1,7 @@
 #!/bin/bash
 # Sets up what is missing and runs every check: the suite in dev (gcc) and in asan (clang), the tests on the CAN
-# interface vcan0 in dev, the formatting, clang-tidy, the performance that can be counted, the windows through the
-# interface of assistive programs, the package, and the demonstration without a display with the handbook's pictures.
+# interface vcan0 in dev, comments and formatting, clang-tidy, the performance that can be counted, the windows through
+# the interface of assistive programs, the package, and the demonstration without a display with the handbook's pictures.
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
@@ -51,6 +51,14 @@ format() {
     xargs $checker --dry-run -Werror <<< "$files" || fail "run $checker -i on these files"
 }
 
+# The formatting leaves comments as they are.
+comments() {
+    local status=0
+    stage "Comments"
+    LC_ALL=C.UTF-8 git grep -nP '^(?=.{121})\s*//' -- '*.cpp' '*.h' || status=$?
+    [ $status -eq 1 ] || fail "comments have at most 120 characters in a line" # 1: git has found none
+}
+
 # The sources that this branch changes; all of them when a header has changed or there is no origin/main.
 tidy_files() {
     if git rev-parse -q --verify origin/main > /dev/null &&
@@ -87,6 +95,7 @@ else
         [ "$(id -u)" -eq 0 ] || export VELMORA_VCAN=${VELMORA_VCAN:-uml}
         way=$(scripts/vcan/with-vcan --way) || fail "no vcan0 here; ./test.sh --without-can leaves out what needs it"
     fi
+    comments
     format
     suite dev
     suite asan

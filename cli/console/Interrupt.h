@@ -6,13 +6,14 @@
 
 #include <chrono>
 
-/// From now on, SIGINT and SIGTERM end the program at once with `exitInterrupted`: for work that can be given up anywhere.
+/// From now on, SIGINT and SIGTERM end the program at once with `exitInterrupted`: for work that can be given up
+/// anywhere.
 void endAtInterrupts();
 
 /// From now on, SIGINT and SIGTERM end waiting system calls and are only noted. The signal is repeated to the process
-/// every second until it ends, so that a wait that begins just after the first one ends, too. Some waits do not end by a
-/// signal, such as those for a file system: the program ends at once when another one comes after a second, and after
-/// three seconds.
+/// every second until it ends, so that a wait that begins just after the first one ends, too. Some waits do not end by
+/// a signal, such as those for a file system: the program ends at once when another one comes after a second, and
+/// after three seconds.
 void noteInterrupts();
 
 /// Whether a signal was noted.

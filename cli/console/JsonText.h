@@ -6,6 +6,6 @@
 
 class QJsonDocument;
 
-/// The document as indented text. Control characters that JSON allows in a string are escaped, too: no terminal may take
-/// them for commands.
+/// The document as indented text. Control characters that JSON allows in a string are escaped, too: no terminal may
+/// take them for commands.
 QByteArray jsonText(const QJsonDocument& document);

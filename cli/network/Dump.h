@@ -17,8 +17,8 @@ struct tDumpOptions {
 };
 
 /// Reads all entries of the sheet that can be read, and writes them. Aborts are listed on standard error and do not end
-/// it, and entries that have brought no value are named at the end. Without an answer nothing is written. A file that is
-/// the sheet, or whose name tells no format, ends the command with `exitUsage` before anything is read; but the
+/// it, and entries that have brought no value are named at the end. Without an answer nothing is written. A file that
+/// is the sheet, or whose name tells no format, ends the command with `exitUsage` before anything is read; but the
 /// configuration that is the sheet is renewed.
 /// @return the exit status: `exitAborted` when the device aborted any of the transfers
 int dumpDevice(const tDumpOptions& options, CConsole& console);

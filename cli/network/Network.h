@@ -71,8 +71,8 @@ public:
     /// `isNumber`: the bytes are a number, for which a gateway has words of its own.
     std::optional<tFailure> write(BYTE node, WORD index, BYTE subIndex, const QByteArray& bytes, bool isNumber);
 
-    /// Why a value cannot be sent (`exitUsage`): it has more bytes than a gateway's line holds, or none at all on CAN, where
-    /// four zero bytes would be sent. None when it can.
+    /// Why a value cannot be sent (`exitUsage`): it has more bytes than a gateway's line holds, or none at all on CAN,
+    /// where four zero bytes would be sent. None when it can.
     std::optional<tFailure> refusal(const QByteArray& bytes) const;
     /// Whether the gateway has hung up: no operation will be answered any more.
     bool isLost() const;

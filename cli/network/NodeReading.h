@@ -20,8 +20,8 @@ struct tDevice {
 /// @return the exit status for this entry
 int readEntry(const tDevice& device, tSnapshotEntry& entry);
 
-/// Reads all entries for which `wanted` holds, with progress; the others lose their value. Whatever ends the command says
-/// how many were read.
+/// Reads all entries for which `wanted` holds, with progress; the others lose their value. Whatever ends the command
+/// says how many were read.
 /// @return the worst exit status of an entry
 int readEntries(const tDevice& device, tSnapshot& snapshot, const std::function<bool(const tSnapshotEntry&)>& wanted);
 

@@ -33,8 +33,8 @@ public:
     CScan(CNetwork& network, const tNetworkOptions& options, CConsole& console,
           std::function<void(std::chrono::milliseconds)> wait);
 
-    /// Finds and asks all nodes; throws `tEnd` as the network does. @return `exitNetwork` when the interface failed, or a
-    /// node did not answer any more; what was found is then kept
+    /// Finds and asks all nodes; throws `tEnd` as the network does. @return `exitNetwork` when the interface failed, or
+    /// a node did not answer any more; what was found is then kept
     int run();
 
     /// Those found so far, by node-id.
@@ -65,5 +65,6 @@ private:
 enum tScanFormat { scanTable, scanCsv, scanJson };
 QByteArray scanText(const std::vector<tFoundNode>& nodes, tScanFormat format);
 
-/// Scans and prints what it has found, also when it ends early. @return the exit status; `exitNetwork` when nobody answers
+/// Scans and prints what it has found, also when it ends early. @return the exit status; `exitNetwork` when nobody
+/// answers
 int scanNetwork(const tNetworkOptions& options, tScanFormat format, CConsole& console);

@@ -19,9 +19,9 @@ std::optional<int> typeOfWord(const QString& word);
 QString words();
 
 /// The bytes that a typed text stands for; none when it is no value of the type, for example a number out of its range.
-/// Integers are read as the window reads them, but need a digit; a boolean is 0 or 1; reals are decimal or bit patterns
-/// ("1.5", "0x3FC00000"); texts are Latin-1; dates and times are "2026-01-31 12:00:00.000" or bytes; all other types are
-/// bytes in hexadecimal ("01 2A FF", "0x01 0x2A", "012AFF").
+/// Integers are read as the window reads them, but need a digit; a boolean is 0 or 1; reals are decimal or bit
+/// patterns ("1.5", "0x3FC00000"); texts are Latin-1; dates and times are "2026-01-31 12:00:00.000" or bytes; all other
+/// types are bytes in hexadecimal ("01 2A FF", "0x01 0x2A", "012AFF").
 std::optional<QByteArray> bytesOf(int type, const QString& text);
 
 /// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Reals

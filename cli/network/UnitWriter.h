@@ -16,8 +16,8 @@ public:
     std::optional<tFailure> send(const tWrite& write);
     /// All of the unit was sent.
     void complete() { m_sent.clear(); }
-    /// Gives what was sent of the unit its former values again, and tells so. Where one of them is not known or is refused,
-    /// the unit is left as it is.
+    /// Gives what was sent of the unit its former values again, and tells so. Where one of them is not known or is
+    /// refused, the unit is left as it is.
     void writeBack();
     /// What units have been left with: "1A00 = 0x00, 1A00:1 = 0x20040008"; empty when all are complete.
     QString halfWay() const;

@@ -25,10 +25,10 @@ bool isPdoParameter(unsigned index);
 
 /// The downloads that bring the values of `wanted` into a node, in an order that devices accept (CiA 301). `wanted` are
 /// the entries that differ, in the order of the file, `file` all that it has, and `device` those of the node. For each
-/// PDO that is concerned: it is switched off (bit 31 of its COB-ID), its mapping is emptied, filled and counted again if
-/// anything of it differs, its other parameters follow, and its COB-ID comes last. What the file does not have of these
-/// stays as the device has it. Other COB-IDs (1005, 1012, 1014, 1028, 1201 to 12FF) are switched off before they change.
-/// The period of SYNC (1006) is 0 while its counter (1019) changes. Everything else keeps its order.
+/// PDO that is concerned: it is switched off (bit 31 of its COB-ID), its mapping is emptied, filled and counted again
+/// if anything of it differs, its other parameters follow, and its COB-ID comes last. What the file does not have of
+/// these stays as the device has it. Other COB-IDs (1005, 1012, 1014, 1028, 1201 to 12FF) are switched off before they
+/// change. The period of SYNC (1006) is 0 while its counter (1019) changes. Everything else keeps its order.
 std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file,
                                   const tSnapshot& device);
 

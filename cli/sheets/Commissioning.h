@@ -11,7 +11,8 @@ inline constexpr char section[] = "DeviceComissioning"; // sic
 inline constexpr char nodeId[] = "NodeID";
 } // namespace commissioning
 
-/// The node-id that the file gives, the last one that is 1 to 127; 0 when there is none. The file must be one that loads.
+/// The node-id that the file gives, the last one that is 1 to 127; 0 when there is none. The file must be one that
+/// loads.
 unsigned commissionedNodeId(const QString& fileName);
 
 /// The lines of the section's last key and of its last node-id; 0 when there is none.

@@ -22,11 +22,12 @@ QString dataTypeName(int dataType);
 /// The number in the text, decimal or hexadecimal after "0x"; none when it is no number or larger than `most`.
 std::optional<unsigned> numberIn(const QString& text, unsigned most);
 
-/// The bytes of a text such as "$NODEID+0x180" minus the node-id, that is, of node 0; none for a text that is no such sum,
-/// or has the node-id in it twice.
+/// The bytes of a text such as "$NODEID+0x180" minus the node-id, that is, of node 0; none for a text that is no such
+/// sum, or has the node-id in it twice.
 std::optional<QByteArray> relativeValue(const QString& text, int dataType);
 
-/// The text of a value in a data sheet, see `textFromValue`. `relative`: to a node-id, which has been subtracted from it.
+/// The text of a value in a data sheet, see `textFromValue`. `relative`: to a node-id, which has been subtracted from
+/// it.
 std::optional<QString> sheetText(const QByteArray& value, int dataType, bool relative);
 
 /// A value in a dump: as in a data sheet, but a text is written as it is, and a value of another length than its type

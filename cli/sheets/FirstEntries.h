@@ -13,6 +13,6 @@ struct tFirstEntry {
     const CCANopenObjectEntry& entry;
 };
 
-/// Where an index or a sub-index is described twice, the first one counts, as in a simulated device. In the order of the
-/// sheet; valid as long as the dictionary.
+/// Where an index or a sub-index is described twice, the first one counts, as in a simulated device. In the order of
+/// the sheet; valid as long as the dictionary.
 std::vector<tFirstEntry> firstEntries(const CCANopen& dictionary);

@@ -39,8 +39,8 @@ QByteArray lineEndAfter(QByteArrayView before, const QByteArray& file)
     return first > 0 && file[first - 1] == '\r' ? "\r\n" : "\n";
 }
 
-// The result as it grows. The reader must see the same lines as before: what is new, or follows something that it did not
-// follow before, begins a line.
+// The result as it grows. The reader must see the same lines as before: what is new, or follows something that it did
+// not follow before, begins a line.
 class CLines
 {
 public:

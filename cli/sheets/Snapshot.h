@@ -47,13 +47,14 @@ QString nameOf(const tSnapshotEntry& entry);
 
 /// The value of the entry, which is known, as it is on the bus of the node. Relative numbers are cut to their width.
 QByteArray valueOfNode(const tSnapshotEntry& entry, unsigned nodeId);
-/// The reverse: gives the entry a value of the node. It is held relative where it is made of the node-id as the value of
-/// the file is: their low seven bits, which hold the node-id in a COB-ID, are the same. So an identifier follows the node,
-/// and so does one with other flags or another function code, but neither 0 nor the identifier of another node.
+/// The reverse: gives the entry a value of the node. It is held relative where it is made of the node-id as the value
+/// of the file is: their low seven bits, which hold the node-id in a COB-ID, are the same. So an identifier follows the
+/// node, and so does one with other flags or another function code, but neither 0 nor the identifier of another node.
 void holdValue(tSnapshotEntry& entry, const QByteArray& onBus, unsigned nodeId);
 
 /// The entries of a sheet that was loaded, with its default values, or with the values of a configuration file. A text
-/// that is no value of its type is kept as such, and so is one that is no sum with the node-id where that is not known (0).
+/// that is no value of its type is kept as such, and so is one that is no sum with the node-id where that is not known
+/// (0).
 tSnapshot snapshotOf(const CDataSheet& sheet, unsigned nodeId);
 
 /// Reads a data sheet (.eds), a device configuration file (.dcf) or a dump (.csv, .json), by the end of the name in any

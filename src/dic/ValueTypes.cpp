@@ -123,7 +123,8 @@ std::optional<QByteArray> numberFromText(const QString& text, tValueType type, u
     return littleEndian(number->bits, type.width);
 }
 
-// The shortest decimal number that reads as these bytes; as a bit pattern where there is none, for example for infinity.
+// The shortest decimal number that reads as these bytes; as a bit pattern where there is none, for example for
+// infinity.
 QString textFromReal(const QByteArray& bytes)
 {
     std::array<char, 32> digits{};

@@ -48,9 +48,9 @@ std::optional<QByteArray> realFromText(const QString& text, int width);
 /// local time.
 QByteArray defaultFromText(const QString& text, tValueType type, unsigned nodeId);
 
-/// The same for those who must not take a wrong text for a value: no value where the text is none of the type, such as a
-/// number that does not fit it, a character that Latin-1 does not have, or an empty text. Sums with "$NODEID" are cut to
-/// the width.
+/// The same for those who must not take a wrong text for a value: no value where the text is none of the type, such as
+/// a number that does not fit it, a character that Latin-1 does not have, or an empty text. Sums with "$NODEID" are cut
+/// to the width.
 std::optional<QByteArray> valueFromText(const QString& text, tValueType type, unsigned nodeId);
 
 /// The text that `valueFromText` reads as these bytes: "0x00FF", "1.5", "01 2A FF", a text as it is. With a `nodeId`

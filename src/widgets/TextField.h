@@ -4,8 +4,9 @@
 
 #include <QLineEdit>
 
-/// Never narrower than its sample text, whatever digits the hexadecimal numbers in it have. A read-only field has the colour of the window and not that of an input. One
-/// that the Tab key reaches is selected, ready to be copied, but shows its beginning, and the cursor keys scroll it.
+/// Never narrower than its sample text, whatever digits the hexadecimal numbers in it have. A read-only field has the
+/// colour of the window and not that of an input. One that the Tab key reaches is selected, ready to be copied, but
+/// shows its beginning, and the cursor keys scroll it.
 class CTextField : public QLineEdit
 {
     Q_OBJECT

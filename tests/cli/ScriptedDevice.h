@@ -19,8 +19,8 @@
 class CScriptedDevice
 {
 public:
-    /// Answers in place of the device: "OK", "ERROR: 0x06020000"; an empty text is silence, none lets the device answer.
-    /// `step` is as in `steps()`. Runs in the gateway's thread.
+    /// Answers in place of the device: "OK", "ERROR: 0x06020000"; an empty text is silence, none lets the device
+    /// answer. `step` is as in `steps()`. Runs in the gateway's thread.
     using tHook = std::function<std::optional<QByteArray>(const QString& step)>;
 
     CScriptedDevice();

@@ -122,8 +122,8 @@ void TestCompare::relativeValuesAreComparedAsSuch()
              "2000 $NODEID+0x0180 $NODEID+0x0280");
 }
 
-// As if the first were restored to the node of the second. A dump does not tell its node-id: it is taken for that of the
-// other side.
+// As if the first were restored to the node of the second. A dump does not tell its node-id: it is taken for that of
+// the other side.
 void TestCompare::relativeAndPlainValuesAreComparedOnTheBus()
 {
     const tSnapshotEntry plain = entry(0x2000, "8501");

@@ -1,4 +1,5 @@
-// JSON of every kind: names with control characters that JSON allows reach no terminal as such, and are read as they were.
+// JSON of every kind: names with control characters that JSON allows reach no terminal as such, and are read as they
+// were.
 // SPDX-License-Identifier: MIT
 #include "SheetFile.h"
 
