@@ -171,6 +171,12 @@ void CObjectChecks::checkSections()
                     .arg(indexText(object.index)),
                 listIt(object.index));
         checkOrder(object.index, object.place);
+        if (!object.makesEntry && object.compactSubObj == 0 && m_objects.entries(object.index).empty())
+            add(ruleMissingObjectType, object.place,
+                QStringLiteral(
+                    "without ObjectType this is a variable, but the browser has no entry for it: it is in no "
+                    "list and no dump"),
+                QStringLiteral("ObjectType=0x7"));
     }
 }
 

@@ -104,15 +104,6 @@ void checkNeeded(const tAttributesRead& read)
         need(read, keyDataType);
         need(read, keyAccessType);
     }
-    const bool isShown =
-        read.isEntry() || read.hasClass || read.field(keySubNumber).isGiven() || read.compactSubObj > 0;
-    if (!isShown)
-        read.findings.add(ruleMissingObjectType, read.section.place, [] {
-            return tAdvice{ QStringLiteral(
-                                "without ObjectType this is a variable, but the browser has no entry for it: "
-                                "it is in no list and no dump"),
-                            QStringLiteral("ObjectType=0x7") };
-        });
     if (!read.isEntry() && read.compactSubObj > 0)
         read.findings.add(ruleCompactSubObj, read.field(keyCompactSubObj).place(), [&] {
             const QString index = QString::number(read.section.name.index, 16).toUpper();
@@ -159,6 +150,7 @@ void keepObject(const tAttributesRead& read, tSheetModel& model)
     tObjectRecord object;
     object.index = read.section.name.index;
     object.isMultiple = read.isMultiple();
+    object.makesEntry = read.hasClass || read.section.isEmpty;
     object.isStructure = read.objectClass == tObject::classDEFSTRUCT || read.objectClass == tObject::classDEFTYPE;
     object.compactSubObj = static_cast<int>(std::max(0LL, read.compactSubObj));
     object.subNumber = static_cast<int>(numberIn(read.field(keySubNumber), valueNumber8));

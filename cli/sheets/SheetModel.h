@@ -34,6 +34,7 @@ struct tAttributes {
 struct tObjectRecord {
     unsigned short index = 0;
     bool isMultiple = false;
+    bool makesEntry = true;   ///< an ObjectType does; nothing is said of a section without any key
     bool isStructure = false; ///< a data type with sub-indexes
     int compactSubObj = 0;
     int subNumber = -1; ///< -1: not given

@@ -274,6 +274,14 @@ void TestSheetRules::linesOfASheetGiveTheseFindings_data()
         { "8:15 compact-sub-obj", "10:13 count" });
     add("compact variable", variable + "DataType=5\nCompactSubObj=2\n", { "8:15 compact-sub-obj" });
     add("object type without a value", "[2000]\nParameterName=V\nObjectType=\nAccessType=rw\nDataType=5\n", {});
+    for (const char* lines : { "", "SubNumber=0\n", "SubNumber=2\n" })
+        QTest::addRow("no object type, %s", QByteArray(lines).trimmed().constData())
+            << "[2000]\nParameterName=V\nAccessType=rw\nDataType=5\n" + QByteArray(lines)
+            << QStringList("3:2 missing-object-type");
+    add("no object type, but entries",
+        "[2000]\nParameterName=V\nAccessType=rw\nDataType=5\nSubNumber=1\n"
+        "[2000sub0]\nParameterName=V\nDataType=5\nAccessType=ro\nDefaultValue=0\n",
+        { "8:2 sub-of-variable" });
     add("object type that is none", "[2000]\nParameterName=V\nObjectType=VAR\nAccessType=rw\nDataType=5\n",
         { "5:12 not-a-number" });
     add("module",
