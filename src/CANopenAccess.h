@@ -70,12 +70,14 @@ public:
     /// How the last operation was answered. A gateway's silence is no error of the operation: who must not take it for
     /// a value asks here. With the SocketCAN master a time-out is `answerNone`, everything else `answerWhole`.
     enum TAnswer { answerNone, answerClosed, answerCut, answerOdd, answerWhole };
-    /// `answerClosed`: the gateway has closed the connection before it. `answerCut`: the answer was longer than the client keeps, or ended with the connection. `answerOdd`: `read` made
-    /// a value of something that is none. `answerNone` without a bound library.
+    /// `answerClosed`: the gateway has closed the connection before it. `answerCut`: the answer was longer than the
+    /// client keeps, or ended with the connection. `answerOdd`: `read` made a value of something that is none.
+    /// `answerNone` without a bound library.
     TAnswer lastAnswer() const;
-    /// The number with which a node or a gateway refused the last SDO transfer, with a gateway also another operation; none
-    /// when it was not refused. It is the abort code of the node or, below lowestAbortCode, the gateway's error. Some
-    /// numbers are hidden by the results, which are as described above: 0 and others read as success or as other errors.
+    /// The number with which a node or a gateway refused the last SDO transfer, with a gateway also another operation;
+    /// none when it was not refused. It is the abort code of the node or, below lowestAbortCode, the gateway's error.
+    /// Some numbers are hidden by the results, which are as described above: 0 and others read as success or as other
+    /// errors.
     std::optional<std::uint32_t> lastRefusal() const;
     /// Sets how long the client of a gateway waits for each line, in milliseconds, 66000 at first, for the whole
     /// process. Fails with ERR_NOT_SUPPORTED with the SocketCAN master. `previous` may be null.

@@ -25,8 +25,8 @@ CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, 
 /// The same for a positional argument that is given once or more often; required.
 CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts);
 
-/// The same for names of files. Where there is no such file and the name has no folder, it is the installed data sheet of
-/// this name.
+/// The same for names of files. Where there is no such file and the name has no folder, it is the installed data sheet
+/// of this name.
 CLI::Option* addFile(CLI::App& command, const std::string& name, QString& fileName, const std::string& description);
 CLI::Option* addFiles(CLI::App& command, const std::string& name, const std::string& description,
                       QStringList& fileNames);

@@ -6,6 +6,7 @@
 #include "dic/DataSheet.h"
 #include "network/NodeReading.h"
 #include "sheets/DcfText.h"
+#include "sheets/FirstEntries.h"
 #include "sheets/SheetFile.h"
 #include "sheets/SnapshotText.h"
 
@@ -22,7 +23,7 @@ namespace
 constexpr struct {
     const char* ending;
     tDumpFormat format;
-} endings[] = { { ".csv", dumpCsv }, { ".json", dumpJson }, { ".dcf", dumpDcf } };
+} endings[] = { { ".csv", dumpCsv }, { ".json", dumpJson }, { ".dcf", dumpDcf }, { ".txt", dumpTable } };
 
 using tEntries = std::vector<const tSnapshotEntry*>;
 
@@ -50,7 +51,7 @@ tDumpFormat formatOf(const tDumpOptions& options)
             return row.format;
     if (isFile(options.output))
         refuse(options.output,
-               QStringLiteral("the end of its name tells no format: .csv, .json or .dcf (or --format)"));
+               QStringLiteral("the end of its name tells no format: .csv, .json, .dcf or .txt (or --format)"));
     return dumpTable;
 }
 
@@ -80,29 +81,35 @@ void checkOutput(const tDumpOptions& options, tDumpFormat format)
         refuse(options.output, QStringLiteral("it is the sheet"));
 }
 
-// Tells the values that a configuration file cannot hold. One without a line there is not known, which is not the same
-// as empty.
-QByteArray configurationOf(const tDumpOptions& options, const tSnapshot& snapshot, CConsole& console, int& status)
+void tellUnwritten(const char* what, const tEntries& entries, CConsole& console)
+{
+    if (!entries.empty())
+        console.message(QLatin1String(what) + namesOf(entries));
+}
+
+// Tells the values that a configuration file cannot hold. One without a line there is not known; where it is empty in
+// the sheet, too, a device that is reset has it nevertheless.
+QByteArray configurationOf(const tDumpOptions& options, const CDataSheet& sheet, const tSnapshot& snapshot,
+                           CConsole& console, int& status)
 {
     const tDcfText dcf = dcfText(options.sheet, snapshot);
+    const auto described = firstEntries(sheet.dictionary());
+    tEntries unwritten;
     tEntries empty;
     for (const std::size_t place : dcf.unwritten) {
         const tSnapshotEntry& entry = snapshot.entries[place];
-        if (entry.value->isEmpty())
-            empty.push_back(&entry);
-        else
-            console.message(QStringLiteral("%1: a DCF cannot hold its value; CSV and JSON can").arg(nameOf(entry)));
+        const bool isDefault = entry.value->isEmpty() && described[place].entry.getDefaultValue().isEmpty();
+        (isDefault ? empty : unwritten).push_back(&entry);
     }
-    if (!empty.empty())
-        console.message(
-            QStringLiteral("a DCF cannot hold values of 0 bytes; CSV and JSON can: %1").arg(namesOf(empty)));
-    if (!dcf.unwritten.empty())
+    tellUnwritten("empty as in the sheet, for which a DCF has no line: ", empty, console);
+    tellUnwritten("a DCF cannot hold these values, CSV and JSON can: ", unwritten, console);
+    if (!unwritten.empty())
         status = graver(status, exitDifference);
     return dcf.text;
 }
 
-QByteArray textOf(const tDumpOptions& options, tDumpFormat format, const tSnapshot& snapshot, CConsole& console,
-                  int& status)
+QByteArray textOf(const tDumpOptions& options, tDumpFormat format, const CDataSheet& sheet, const tSnapshot& snapshot,
+                  CConsole& console, int& status)
 {
     switch (format) {
     case dumpCsv:
@@ -110,7 +117,7 @@ QByteArray textOf(const tDumpOptions& options, tDumpFormat format, const tSnapsh
     case dumpJson:
         return snapshotAsJson(snapshot);
     case dumpDcf:
-        return configurationOf(options, snapshot, console, status);
+        return configurationOf(options, sheet, snapshot, console, status);
     case dumpTable:
         break;
     }
@@ -148,7 +155,7 @@ int dumpDevice(const tDumpOptions& options, CConsole& console)
     } catch (const tEnd& end) {
         throw tEnd{ end.status, QStringLiteral("%1; nothing was saved").arg(end.message) };
     }
-    writeOutput(console, options.output, textOf(options, format, snapshot, console, status));
+    writeOutput(console, options.output, textOf(options, format, sheet, snapshot, console, status));
     tellMissing(snapshot, console);
     return status;
 }

@@ -27,8 +27,8 @@ std::optional<QByteArray> bytesOf(int type, const QString& text);
 /// A value as the window shows it when it was sent, without blanks at its ends: "0x000003E8", "+12", "0x01 0x02". Reals
 /// are shown as they are read. Texts end with their first zero byte, and their control characters are shown as "\x1B".
 /// Bytes that are no value of the type, since their number is another or there is no such date, are shown byte by byte.
-/// Bytes are hexadecimal in each mode, and octal numbers begin with 0, so that `bytesOf` takes everything for what it is
-/// but texts with such characters.
+/// Bytes are hexadecimal in each mode, and octal numbers begin with 0, so that `bytesOf` takes everything for what it
+/// is but texts with such characters.
 QString textOf(int type, const QByteArray& bytes, valueFormats::TDisplayMode mode);
 
 /// The same with texts as they are, for formats that can hold every character.

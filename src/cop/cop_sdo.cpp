@@ -249,7 +249,8 @@ static int32_t sdo_receive(BYTE node, WORD index, BYTE subindex, sdo_received& r
     return cop_error;
 }
 
-/// Checks the arguments of a transfer that begins; `complete` means that no pointer is null. @return `cop_error`, which it sets
+/// Checks the arguments of a transfer that begins; `complete` means that no pointer is null.
+/// @return `cop_error`, which it sets
 static int32_t sdo_check(BYTE node, bool complete)
 {
     sdo_aborted = false;

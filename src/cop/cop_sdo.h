@@ -30,8 +30,8 @@ WORD sdo_timeout(WORD milliseconds);
 /// time-out. Null, as at first: nobody is asked.
 void sdo_end_when(bool (*ended)());
 
-/// Whether the node aborted the last transfer, also where the result does not tell: an abort code of 0 reads as success,
-/// one above 0x7FFFFFFF as an error. `code`, which may be null, is then its code and otherwise unchanged.
+/// Whether the node aborted the last transfer, also where the result does not tell: an abort code of 0 reads as
+/// success, one above 0x7FFFFFFF as an error. `code`, which may be null, is then its code and otherwise unchanged.
 bool sdo_last_abort(uint32_t* code);
 
 /// Values of 8, 16 and 32 bits, least significant byte first.

@@ -42,8 +42,8 @@ int32_t tcp_eval_sdo_domain(const char* line, short* length, BYTE* buffer, short
 /// `size` - 1 characters and a terminating zero are stored, the rest is dropped; `length` counts the characters stored.
 int32_t tcp_eval_sdo_string(const char* line, short* length, char* buffer, short size, uint32_t* abort);
 
-/// Whether the line is "Error: n". `number`, which may be null, becomes all 32 bits of n: the results of the evaluators,
-/// which calculate with it, do not always tell that there was an error.
+/// Whether the line is "Error: n". `number`, which may be null, becomes all 32 bits of n: the results of the
+/// evaluators, which calculate with it, do not always tell that there was an error.
 bool tcp_eval_is_error(const char* line, uint32_t* number);
 
 /// Identifier, length and data bytes of a CAN message, for example "[3] 0x181 2 0x11 0x22". At most eight bytes are

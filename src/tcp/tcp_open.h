@@ -91,8 +91,8 @@ enum top_answer {
 int top_last_answer();
 
 /// Whether the last command was answered with an error number, or with the abort code of a device (lowestAbortCode and
-/// above). `number`, which may be null, is then all its 32 bits and otherwise unchanged. The results do not always tell:
-/// -600 reads as success there, an abort code above 0x7FFFFFFF as another one.
+/// above). `number`, which may be null, is then all its 32 bits and otherwise unchanged. The results do not always
+/// tell: -600 reads as success there, an abort code above 0x7FFFFFFF as another one.
 bool top_last_error(uint32_t* number);
 
 /// Sets how long commands wait for each line, in milliseconds, 66000 at first; at least 1. @return the previous time

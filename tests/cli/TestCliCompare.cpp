@@ -52,12 +52,11 @@ private:
         return QStringList{ "compare", "-i", m_simulator->interface(), "-n", QString::number(node), file } + more;
     }
     QString path(const QString& name) const { return m_folder->filePath(name); }
-    // The sheet has texts that are empty, which a configuration cannot hold.
     QString dumped(const QString& name, int node = 5) const
     {
         CCliRun run(
             { "dump", "-i", m_simulator->interface(), "-n", QString::number(node), "-s", demoSheet, "-o", path(name) });
-        return run.status() == (name.endsWith(".dcf") ? 1 : 0) ? path(name) : QString();
+        return run.status() == 0 ? path(name) : QString();
     }
     bool write(int node, const QStringList& values) const
     {

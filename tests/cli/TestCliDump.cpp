@@ -71,7 +71,9 @@ void TestCliDump::formatIsThatOfTheOptionOrTheEnding_data()
     QTest::newRow("json") << QStringList() << json;
     QTest::newRow("dcf") << QStringList() << dcf;
     QTest::newRow("Dcf") << QStringList() << dcf;
-    QTest::newRow("txt --format table") << QStringList{ "--format", "table" } << table;
+    QTest::newRow("txt") << QStringList() << table;
+    QTest::newRow("txt --format csv") << QStringList{ "--format", "csv" } << csv;
+    QTest::newRow("any --format table") << QStringList{ "--format", "table" } << table;
     QTest::newRow("eds --format csv") << QStringList{ "--format", "csv" } << csv;
     for (const auto& [format, begin] : { std::pair("table", table), { "csv", csv }, { "json", json }, { "dcf", dcf } })
         QTest::addRow("dcf --format %s", format) << QStringList{ "--format", format } << begin;

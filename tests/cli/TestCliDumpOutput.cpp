@@ -54,8 +54,8 @@ void TestCliDumpOutput::outputThatWouldBeWrongIsRefusedAtFirst_data()
 {
     QTest::addColumn<QStringList>("format");
     QTest::addColumn<QString>("reason");
-    const QString noFormat = "the end of its name tells no format: .csv, .json or .dcf (or --format)";
-    for (const char* name : { "saved.txt", "saved.eds", "saved", "csv", ".csv/saved" })
+    const QString noFormat = "the end of its name tells no format: .csv, .json, .dcf or .txt (or --format)";
+    for (const char* name : { "saved.text", "saved.eds", "saved", "csv", ".csv/saved" })
         QTest::newRow(name) << QStringList() << noFormat;
     for (const char* name : { "saved.eds", "saved.EDS" })
         QTest::addRow("%s as DCF", name) << QStringList{
@@ -184,10 +184,13 @@ void TestCliDumpOutput::pipeIsWrittenAndNotReplaced()
 // Without a line in the file a value is not known, also where the sheet has no default value.
 void TestCliDumpOutput::emptyValueThatADcfCannotHoldIsTold()
 {
-    m_device->set(0x2001, 0, "");
+    const QString asInTheSheet = "empty as in the sheet, for which a DCF has no line: 2003\n";
     m_device->set(0x2003, 0, "");
+    CCliRun first(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
+    QCOMPARE(first.outcome(), "-- 0\n" + asInTheSheet);
+    m_device->set(0x2001, 0, ""); // "none" in the sheet
     CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
-    QCOMPARE(run.outcome(), "-- 1\na DCF cannot hold values of 0 bytes; CSV and JSON can: 2001, 2003\n");
+    QCOMPARE(run.outcome(), "-- 1\n" + asInTheSheet + "a DCF cannot hold these values, CSV and JSON can: 2001\n");
     const auto values = [this](const char* name) {
         QStringList texts;
         for (const tSnapshotEntry& entry : loadSnapshot(path(name)).entries)
@@ -207,8 +210,7 @@ void TestCliDumpOutput::valueThatADcfCannotHoldIsTold()
     CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.dcf") }));
     QCOMPARE(run.outcome(), "-- 1\n"
                             "2000: warning: the device has 3 bytes, which is no Unsigned16\n"
-                            "2000: a DCF cannot hold its value; CSV and JSON can\n"
-                            "2001: a DCF cannot hold its value; CSV and JSON can\n");
+                            "a DCF cannot hold these values, CSV and JSON can: 2000, 2001\n");
     QCOMPARE(bytesOf(path("saved.dcf")).count("ParameterValue"), 2);
     CCliRun csv(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
     QCOMPARE(csv.status(), 1);

@@ -133,6 +133,7 @@ int TestCliSamples::change(const QString& fileName) const
 }
 
 // Saves node 6 as a configuration, which can hold neither empty values nor the tab in a text of one sheet.
+// No sheet has a text as default value where a device has none.
 void TestCliSamples::save(const QString& sheet, const QString& file) const
 {
     const QString csv = file + ".csv";
@@ -143,10 +144,11 @@ void TestCliSamples::save(const QString& sheet, const QString& file) const
             empty += nameOf(entry);
     QString told;
     if (sheet.endsWith("/demoDevice.eds"))
-        told += "2121:2: a DCF cannot hold its value; CSV and JSON can\n";
+        told += "a DCF cannot hold these values, CSV and JSON can: 2121:2\n";
+    const QString status = told.isEmpty() ? "-- 0\n" : "-- 1\n";
     if (!empty.isEmpty())
-        told += "a DCF cannot hold values of 0 bytes; CSV and JSON can: " + empty.join(", ") + '\n';
-    QCOMPARE(run({ "dump", "-n", "6", "-s", sheet, "-o", file }), (told.isEmpty() ? "-- 0\n" : "-- 1\n") + told);
+        told.prepend("empty as in the sheet, for which a DCF has no line: " + empty.join(", ") + '\n');
+    QCOMPARE(run({ "dump", "-n", "6", "-s", sheet, "-o", file }), status + told);
 }
 
 void TestCliSamples::restoreAndCompare(const QString& node, const QString& file) const

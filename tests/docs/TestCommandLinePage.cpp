@@ -264,11 +264,10 @@ void TestCommandLinePage::helpHasExamplesThatRun()
                 "for sheet in device.eds device-1.0.eds device-1.1.eds; do cp velmora-demo.eds $sheet; done",
                 "velmora-cli dump -i can0 -n 5 -s velmora-demo.eds -o node5.dcf",
                 "velmora-cli dump -i can0 -n 6 -s velmora-demo.eds -o node6.dcf" });
-    QCOMPARE(shell.statuses, QList<int>({ 0, 0, 0, 1, 1 })); // the sheet has empty texts, which no DCF can hold
+    QCOMPARE(shell.statuses, QList<int>({ 0, 0, 0, 0, 0 }));
     for (const QString& example : examples) {
         const QString output = shell.outputOf(example);
-        const int status = example.startsWith("velmora-cli dump ") && example.endsWith(".dcf") ? 1 : 0;
-        QVERIFY2(shell.statuses == QList<int>{ status }, qPrintable(example + '\n' + output));
+        QVERIFY2(shell.statuses == QList<int>{ 0 }, qPrintable(example + '\n' + output));
     }
 }
 

@@ -115,7 +115,7 @@ void TestCliRestoreOnVcan::savedAndRestoredComparesEqual_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("saved");
     QTest::newRow("DCF") << "saved.dcf"
-                         << "-- 1\na DCF cannot hold values of 0 bytes; CSV and JSON can: 2017, 2101:9\n";
+                         << "-- 0\nempty as in the sheet, for which a DCF has no line: 2017, 2101:9\n";
     for (const char* name : { "saved.csv", "saved.json" })
         QTest::newRow(name) << name << "-- 0\n";
 }
