@@ -175,7 +175,7 @@ std::optional<tFailure> CNetwork::transferFailure(bool done, BYTE node)
 
 std::optional<tFailure> CNetwork::failureOf(bool done, unsigned node) const
 {
-    const auto refused = refusalBy(node);
+    auto refused = refusalBy(node);
     if (refused && refused->status == exitAborted)
         return refused;
     const auto answer = m_access.lastAnswer();

@@ -106,7 +106,7 @@ tParameterName readParameterName(const QString& text, const CCANopen* sheet)
             refuseOtherNames(text, *number, names);
         return *number;
     }
-    if (names.size() == 1) {
+    if (sheet != nullptr && names.size() == 1) {
         refuseSeveralEntries(text, *sheet);
         return names.first();
     }

@@ -155,7 +155,7 @@ QString momentText(int type, const QByteArray& bytes)
 // would be another one.
 std::optional<QByteArray> bytesOfMoment(int type, const QString& text)
 {
-    const auto octets = bytesOfOctets(text);
+    auto octets = bytesOfOctets(text);
     if (octets && octets->size() == valueType(type).width)
         return octets;
     if (!text.contains(u'-'))
