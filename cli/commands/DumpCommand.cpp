@@ -18,7 +18,13 @@ void addDump(CLI::App& app, tCommand& command)
     addNetwork(dump, options->network);
     addNode(dump, options->node)->required();
     addSheet(dump, options->sheet)->required();
-    addText(dump, "-o,--output", options->output,
+    dump.add_option_function<std::string>(
+            "-o,--output",
+            [options](const std::string& text) {
+                if (text.empty())
+                    throw CLI::ValidationError("the name of a file is empty");
+                options->output = QString::fromLocal8Bit(text.c_str());
+            },
             "the file to write, complete or not at all; standard output otherwise")
         ->type_name("FILE");
     dump.add_option_function<std::string>(

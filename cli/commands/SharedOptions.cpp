@@ -17,6 +17,8 @@
 
 static QString fileNameOf(const std::string& text)
 {
+    if (text.empty())
+        throw CLI::ValidationError("the name of a file is empty");
     return findSheet(QFile::decodeName(text.c_str()));
 }
 

@@ -159,6 +159,8 @@ tSnapshot snapshotOfDevice(const tCompareOptions& options, const tSnapshot& file
         const auto place = known.find({ entry.index, entry.subIndex });
         return place != known.end() && hasValue(*place->second) && isReadable(entry);
     });
+    if (status == exitDifference) // a size that was told
+        status = exitDone;
     return snapshot;
 }
 

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <vector>
@@ -155,6 +156,9 @@ int dumpDevice(const tDumpOptions& options, CConsole& console)
     } catch (const tEnd& end) {
         throw tEnd{ end.status, QStringLiteral("%1; nothing was saved").arg(end.message) };
     }
+    const auto isAnswered = [](const tSnapshotEntry& entry) { return entry.value || entry.abortCode; };
+    if (status == exitNetwork && std::none_of(snapshot.entries.cbegin(), snapshot.entries.cend(), isAnswered))
+        throw tEnd{ exitNetwork, QStringLiteral("no entry could be read; nothing was saved") };
     writeOutput(console, options.output, textOf(options, format, sheet, snapshot, console, status));
     tellMissing(snapshot, console);
     return status;

@@ -27,12 +27,9 @@ struct tGatewayError {
     const char* text;
 };
 constexpr tGatewayError gatewayErrors[] = {
-    { 100, "it does not support the command" },
-    { 101, "it does not understand the command" },
-    { 102, "its state does not allow the command" },
-    { gatewayDeviceTimeout, "no answer of the device in time" },
-    { 106, "no such network" },
-    { gatewayNoNode, "no such node" },
+    { 100, "it does not support the command" },      { 101, "it does not understand the command" },
+    { 102, "its state does not allow the command" }, { gatewayDeviceTimeout, "no answer of the device in time" },
+    { gatewayNoNetwork, "no such network" },         { gatewayNoNode, "no such node" },
 };
 
 QString gatewayText(int number)
@@ -156,6 +153,14 @@ bool CNetwork::isLost() const
            (m_access.getLastError() == sendFailed || m_access.lastAnswer() == CCANopenAccess::answerClosed);
 }
 
+void CNetwork::waitAtLeast(int milliseconds)
+{
+    if (m_isGateway || milliseconds <= m_sdoTimeout)
+        return;
+    m_sdoTimeout = milliseconds;
+    m_access.setSDOTimeout(static_cast<WORD>(milliseconds), nullptr);
+}
+
 void CNetwork::begin()
 {
     endWhenInterrupted();
@@ -199,7 +204,8 @@ std::optional<tFailure> CNetwork::refusalBy(unsigned node) const
         return std::nullopt;
     if (m_isGateway && (!isTransfer || *number < lowestAbortCode)) {
         const auto error = static_cast<int>(*number);
-        return tFailure{ exitNetwork, 0, gatewayText(error), error == gatewayDeviceTimeout };
+        const bool silent = error == gatewayDeviceTimeout || error == gatewayNoNetwork || error == gatewayNoNode;
+        return tFailure{ exitNetwork, 0, gatewayText(error), silent };
     }
     return tFailure{ exitAborted, *number,
                      QStringLiteral("aborted by the device: 0x%1 (%2)")

@@ -44,6 +44,7 @@ inline constexpr unsigned sdoRequestCobId = 0x600; ///< plus the node-id
 // Errors of the facade behind a gateway: this one minus the number that the gateway answered (CiA 309-3).
 inline constexpr int gatewayError = -600;
 inline constexpr int gatewayDeviceTimeout = 103;
+inline constexpr int gatewayNoNetwork = 106;
 inline constexpr int gatewayNoNode = 107;
 
 /// A CAN message that no transfer has asked for.
@@ -74,6 +75,8 @@ public:
     /// Why a value cannot be sent (`exitUsage`): it has more bytes than a gateway's line holds, or none at all on CAN,
     /// where four zero bytes would be sent. None when it can.
     std::optional<tFailure> refusal(const QByteArray& bytes) const;
+    /// From now on a device has so many milliseconds for its answers, on CAN; a gateway has a time-out of its own.
+    void waitAtLeast(int milliseconds);
     /// Whether the gateway has hung up: no operation will be answered any more.
     bool isLost() const;
 
@@ -116,7 +119,7 @@ private:
 
     CConsole& m_console;
     CCANopenAccess m_access;
-    const int m_sdoTimeout; // in milliseconds, on CAN
+    int m_sdoTimeout; // in milliseconds, on CAN
     bool m_isGateway = false;
     std::set<unsigned> m_late; // nodes whose answers may still come
     int m_transfers = 0;

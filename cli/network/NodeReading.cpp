@@ -22,13 +22,14 @@ int readEntry(const tDevice& device, tSnapshotEntry& entry)
 {
     entry.value.reset();
     entry.wrongText.clear();
-    entry.abortCode = 0;
+    entry.abortCode.reset();
     const auto [bytes, failure] = device.network.read(static_cast<BYTE>(device.node), static_cast<WORD>(entry.index),
                                                       static_cast<BYTE>(entry.subIndex));
     if (failure && failure->silent)
         throw tEnd{ exitNetwork, QStringLiteral("%1: %2").arg(nameOf(entry), failure->text) };
     if (failure) {
-        entry.abortCode = failure->abortCode;
+        if (failure->status == exitAborted)
+            entry.abortCode = failure->abortCode;
         device.console.message(QStringLiteral("%1: %2").arg(nameOf(entry), failure->text));
         return failure->status;
     }

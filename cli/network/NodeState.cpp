@@ -66,8 +66,9 @@ int stateOf(const tDevice& device)
 void CPreOperational::begin()
 {
     m_state = stateOf(m_device);
-    send(&CCANopenAccess::enterPreOperationalState);
     m_begun = true;
+    send(&CCANopenAccess::enterPreOperationalState);
+    m_isCertain = true;
     say("is in pre-operational while its PDO parameters are written");
 }
 
@@ -80,6 +81,7 @@ void CPreOperational::end(bool start)
     } else if (m_state == unknownState && !start) {
         say("stays in pre-operational");
     } else {
+        m_isCertain = false;
         send(&CCANopenAccess::startRemoteNode);
         say(m_state == unknownState ? "was started again; its state before is not known" : "is operational again");
     }
@@ -89,7 +91,7 @@ void CPreOperational::end(bool start)
 void CPreOperational::abandon()
 {
     if (m_begun)
-        say("is still in pre-operational");
+        say(m_isCertain ? "is still in pre-operational" : "may be in pre-operational");
     m_begun = false;
 }
 

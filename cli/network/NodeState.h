@@ -18,7 +18,7 @@ public:
     /// pre-operational. Does nothing before `begin`.
     void end(bool start);
 
-    /// Leaves the node in pre-operational, and tells so. Does nothing before `begin`.
+    /// Leaves the node in pre-operational, and tells so, also when that is not certain. Does nothing before `begin`.
     void abandon();
 
 private:
@@ -27,5 +27,6 @@ private:
 
     const tDevice m_device;
     bool m_begun = false;
-    int m_state = -1; // as in heartbeats; -1: not known
+    bool m_isCertain = false; // the last command was answered, or has left on CAN
+    int m_state = -1;         // as in heartbeats; -1: not known
 };

@@ -27,6 +27,7 @@ constexpr struct {
     unsigned last;
 } leftOut[] = { { 0x1003, 0x1003 }, { 0x1010, 0x1011 }, { 0x1F50, 0x1F5F } };
 
+constexpr char nothingDiffers[] = "nothing differs";
 constexpr int longestStoring = 10000; // milliseconds that a device may write into its flash memory
 
 using tEntries = std::vector<const tSnapshotEntry*>;
@@ -62,8 +63,11 @@ public:
             throw tEnd{ end.status, QStringLiteral("%1; nothing was written").arg(end.message) };
         }
         findDifferences();
-        tellOutputs();
+        refuseWhatCannotBeSent();
+        tellRemarks();
         if (m_options.dryRun) {
+            if (m_wanted.empty())
+                m_console.message(QLatin1String(nothingDiffers));
             if (hasPdoParameters())
                 m_console.message(
                     QStringLiteral("node %1 would be in pre-operational while they are written").arg(m_node.node));
@@ -86,7 +90,9 @@ private:
         m_status = readEntries(m_node, m_device, [this](const tSnapshotEntry& entry) {
             return isCompared(entry) && isReadable(entry); // still with the values of the file
         });
-        if ((m_status == exitAborted || m_status == exitNetwork) && !m_options.keepGoing)
+        if (m_status == exitDifference) // a size that was told: it counts where the value of the file is another one
+            m_status = exitDone;
+        if (m_status != exitDone && !m_options.keepGoing)
             throw tEnd{ static_cast<tExitStatus>(m_status), QStringLiteral("not all entries could be read") };
     }
 
@@ -122,6 +128,14 @@ private:
             };
     }
 
+    void refuseWhatCannotBeSent() const
+    {
+        for (const tSnapshotEntry* entry : m_wanted)
+            if (const auto refused = m_network.refusal(*entry->value))
+                throw tEnd{ refused->status,
+                            QStringLiteral("%1: %2; nothing was written").arg(nameOf(*entry), refused->text) };
+    }
+
     // Refuses a device of another kind than that of the file.
     int identityStatus()
     {
@@ -132,44 +146,46 @@ private:
         return status;
     }
 
-    void tellAbsolute(const tEntries& entries) const
+    // Tells what is easily taken for something else.
+    void tellRemarks() const
     {
-        if (m_file.nodeId == static_cast<unsigned>(m_node.node) || entries.empty())
-            return;
-        m_console.message(QStringLiteral("written as they are in the file, since they do not depend on its node-id: %1")
-                              .arg(namesOf(entries)));
-    }
-
-    // What a device puts out is written like anything else, and acts at once.
-    void tellOutputs() const
-    {
-        tEntries outputs;
-        for (const tSnapshotEntry* entry : m_wanted)
+        tEntries missing; // could not be read when the dump was made
+        for (const tSnapshotEntry& entry : m_file.entries)
+            if (m_file.isDump && !entry.value && isWritable(entry.access) && isReadable(entry) && isIncluded(entry))
+                missing.push_back(&entry);
+        tell("left as they are, since the file has no value: ", missing);
+        tEntries absolute;
+        tEntries outputs; // which act at once
+        for (const tSnapshotEntry* entry : m_wanted) {
+            if (entry->offset && !entry->relative && m_file.nodeId != static_cast<unsigned>(m_node.node))
+                absolute.push_back(entry);
             if (entry->access == CCANopenObjectEntry::accessRWW)
                 outputs.push_back(entry);
-        if (!outputs.empty())
-            m_console.message(QStringLiteral("warning: process outputs are among them (--exclude leaves them out): %1")
-                                  .arg(namesOf(outputs)));
+        }
+        tell("written as they are in the file, since they do not depend on its node-id: ", absolute);
+        tell("warning: process outputs are among them (--exclude leaves them out): ", outputs);
+    }
+
+    void tell(const char* what, const tEntries& entries) const
+    {
+        if (!entries.empty())
+            m_console.message(QLatin1String(what) + namesOf(entries));
     }
 
     // Finds and prints them.
     void findDifferences()
     {
         const auto node = static_cast<unsigned>(m_node.node);
-        tEntries absolute;
         for (std::size_t place = 0; place < m_file.entries.size(); ++place) {
             const tSnapshotEntry& entry = m_file.entries[place];
             const tSnapshotEntry& present = m_device.entries[place];
             if (!isCompared(entry) || (present.value && valueOfNode(present, node) == valueOfNode(entry, node)))
                 continue;
             m_wanted.push_back(&entry);
-            if (entry.offset && !entry.relative)
-                absolute.push_back(&entry);
             m_console.line(QStringLiteral("%1: %2 -> %3  %4")
                                .arg(nameOf(entry), shownValue(present, m_node.node), shownValue(entry, m_node.node),
                                     visibleLine(entry.name)));
         }
-        tellAbsolute(absolute);
     }
 
     bool hasPdoParameters() const
@@ -192,7 +208,8 @@ private:
         if (hasPdoParameters())
             m_preOperational.begin();
         readNeeded();
-        const auto writes = orderOfWrites(m_wanted, m_file, m_device);
+        const auto writes = orderOfWrites(m_wanted, m_file, m_device,
+                                          [this](const tSnapshotEntry& entry) { return isCompared(entry); });
         for (auto first = writes.cbegin(); first != writes.cend();) {
             const auto last =
                 std::find_if(first, writes.cend(), [first](const tWrite& write) { return write.unit != first->unit; });
@@ -218,7 +235,7 @@ private:
             const bool goesOn = isRefused && m_options.keepGoing;
             const bool isWhole = goesOn && write.isApart;
             if (isRefused && !isWhole)
-                m_writer.writeBack();
+                writeBack(end);
             if (!goesOn)
                 throw end;
             m_console.message(end.message);
@@ -228,6 +245,16 @@ private:
         }
         m_writer.complete();
         m_written.insert(m_written.end(), written.cbegin(), written.cend());
+    }
+
+    // Ctrl-C does not hide why.
+    void writeBack(const tEnd& reason)
+    {
+        try {
+            m_writer.writeBack();
+        } catch (const tEnd& end) {
+            throw tEnd{ end.status, QStringLiteral("%1; %2").arg(reason.message, end.message) };
+        }
     }
 
     // Entries of the device that the order depends on. Those that it does not give are done without.
@@ -248,13 +275,17 @@ private:
 
     void readBack()
     {
+        m_phase = "not all was read back";
         for (const tSnapshotEntry* entry : m_written) {
             if (!isReadable(*entry))
                 continue;
             tSnapshotEntry present = *entry;
-            m_status = graver(m_status, readEntry(m_node, present));
+            const int status = readEntry(m_node, present);
             const auto node = static_cast<unsigned>(m_node.node);
-            if (!present.value || valueOfNode(present, node) == valueOfNode(*entry, node))
+            if (present.value && valueOfNode(present, node) == valueOfNode(*entry, node))
+                continue;
+            m_status = graver(m_status, status);
+            if (!present.value)
                 continue;
             m_console.message(
                 QStringLiteral("%1: reads back as %2, not as %3")
@@ -266,10 +297,11 @@ private:
     // Stores before the node is brought back: some devices store in pre-operational only.
     void finish()
     {
-        const auto failure = store();
-        leavePreOperational();
-        if (failure)
+        m_phase = nullptr;
+        if (const auto failure = store())
             throw tEnd{ failure->status, QStringLiteral("1010:1: %1").arg(failure->text) };
+        m_phase = nullptr;
+        leavePreOperational();
     }
 
     void leavePreOperational()
@@ -306,11 +338,12 @@ private:
             m_console.message(QStringLiteral("the device was not told to store its parameters"));
             return std::nullopt;
         }
-        const auto time = static_cast<WORD>(std::max(m_options.network.sdoTimeout.value_or(0), longestStoring));
-        if (!m_network.isGateway())
-            m_network.run([time](CCANopenAccess& access) { return access.setSDOTimeout(time, nullptr); });
+        m_phase = "the device may have stored its parameters or not";
+        m_network.waitAtLeast(longestStoring);
         auto failure =
             m_network.write(static_cast<BYTE>(m_node.node), storeParameters, 1, QByteArray(storeSignature), true);
+        if (failure && failure->status == exitAborted)
+            m_phase = nullptr;
         if (!failure)
             m_console.message(QStringLiteral("node %1 has stored its parameters").arg(m_node.node));
         return failure;
@@ -325,11 +358,15 @@ private:
                 missing.push_back(entry);
         QString text = QStringLiteral("%1 of %2 values were written").arg(m_written.size()).arg(m_wanted.size());
         if (m_wanted.empty())
-            text = QStringLiteral("nothing differs");
+            text = QLatin1String(nothingDiffers);
         if (!missing.empty())
             text += QStringLiteral("; not written: %1").arg(namesOf(missing));
+        if (m_phase != nullptr)
+            text += QStringLiteral("; ") + QLatin1String(m_phase);
         if (const QString halfWay = m_writer.halfWay(); !halfWay.isEmpty())
             text += QStringLiteral("; left half-way: %1").arg(halfWay);
+        if (const QString uncertain = m_writer.uncertain(); !uncertain.isEmpty())
+            text += QStringLiteral("; sent, but perhaps not written: %1").arg(visibleLine(uncertain));
         return text;
     }
 
@@ -341,8 +378,9 @@ private:
     const tDevice m_node;
     CPreOperational m_preOperational;
     CUnitWriter m_writer;
-    tEntries m_wanted;  // of the file
-    tEntries m_written; // of these
+    tEntries m_wanted;             // of the file
+    tEntries m_written;            // of these
+    const char* m_phase = nullptr; // what is not done when it ends now, beside what is not written
     int m_status = exitDone;
 };
 

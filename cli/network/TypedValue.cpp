@@ -94,12 +94,13 @@ std::optional<QByteArray> bytesOfInteger(const QString& text, tValueType layout)
     return littleEndian(number->bits, layout.width);
 }
 
-// "010" would be the bit pattern of an octal number.
+// "010" would be the bit pattern of an octal number, and one with fewer digits than the type has that of another type.
 std::optional<QByteArray> bytesOfReal(const QString& text, tValueType layout)
 {
     const auto number = readNumber(text);
     const bool octal = number && number->pattern && !text.contains(u'x', Qt::CaseInsensitive);
-    return octal ? std::nullopt : valueFromText(text, layout, 0);
+    const bool shortened = number && number->pattern && text.trimmed().size() != 2 + 2 * qsizetype{ layout.width };
+    return octal || shortened ? std::nullopt : valueFromText(text, layout, 0);
 }
 
 QString wideInteger(tValueType type, const QByteArray& bytes, TDisplayMode mode)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "network/UnitWriter.h"
 
+#include "console/Interrupt.h"
 #include "dic/ValueTypes.h"
 #include "network/TypedValue.h"
 
@@ -23,9 +24,13 @@ bool isSameParameter(const tSnapshotEntry& first, const tSnapshotEntry& second)
 std::optional<tFailure> CUnitWriter::send(const tWrite& write)
 {
     const tSnapshotEntry& entry = *write.entry;
+    endWhenInterrupted(); // before it is sent
+    m_pending = tSent{ &entry, write.bytes };
     auto failure =
         m_device.network.write(static_cast<BYTE>(m_device.node), static_cast<WORD>(entry.index),
                                static_cast<BYTE>(entry.subIndex), write.bytes, isNumeric(valueType(entry.type)));
+    if (!failure || failure->status != exitNetwork)
+        m_pending.reset(); // it is written, or it is not
     if (failure)
         return failure;
     const auto known = std::find_if(m_sent.begin(), m_sent.end(),
@@ -55,12 +60,22 @@ void CUnitWriter::writeBack()
     m_sent.clear();
 }
 
+QString CUnitWriter::textOf(const tSent& sent)
+{
+    const QString value = typedValue::textOf(sent.entry->type, sent.bytes, valueFormats::modeHex);
+    return QStringLiteral("%1 = %2").arg(nameOf(*sent.entry), value);
+}
+
 QString CUnitWriter::halfWay() const
 {
     QStringList texts;
     for (const auto* sents : { &m_halfWay, &m_sent })
         for (const tSent& sent : *sents)
-            texts += QStringLiteral("%1 = %2").arg(
-                nameOf(*sent.entry), typedValue::textOf(sent.entry->type, sent.bytes, valueFormats::modeHex));
+            texts += textOf(sent);
     return texts.join(QStringLiteral(", "));
+}
+
+QString CUnitWriter::uncertain() const
+{
+    return m_pending ? textOf(*m_pending) : QString();
 }

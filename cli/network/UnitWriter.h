@@ -21,6 +21,8 @@ public:
     void writeBack();
     /// What units have been left with: "1A00 = 0x00, 1A00:1 = 0x20040008"; empty when all are complete.
     QString halfWay() const;
+    /// What was sent without an answer, so that the device may have it or not: "1A00:1 = 0x20040008"; else empty.
+    QString uncertain() const;
 
 private:
     struct tSent {
@@ -28,8 +30,11 @@ private:
         QByteArray bytes;
     };
 
+    static QString textOf(const tSent& sent);
+
     const tDevice m_device;
     const tSnapshot& m_former;
     std::vector<tSent> m_sent;    // of the unit that is being written, the last value of each entry
     std::vector<tSent> m_halfWay; // of units before
+    std::optional<tSent> m_pending;
 };

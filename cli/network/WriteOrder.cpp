@@ -63,6 +63,7 @@ unsigned pdoOf(unsigned index)
 }
 
 using tEntries = std::vector<const tSnapshotEntry*>;
+using tAllowed = std::function<bool(const tSnapshotEntry&)>;
 
 bool isWanted(const tEntries& wanted, unsigned index)
 {
@@ -77,8 +78,8 @@ bool isSyncCounter(const tSnapshotEntry* entry)
 class CWriteOrder
 {
 public:
-    CWriteOrder(const tEntries& wanted, const tSnapshot& file, const tSnapshot& device)
-        : m_wanted(wanted), m_file(writableOf(file)), m_device(writableOf(device)), m_nodeId(device.nodeId)
+    CWriteOrder(const tEntries& wanted, const tSnapshot& file, const tSnapshot& device, const tAllowed& isAllowed)
+        : m_wanted(wanted), m_file(writableOf(file, isAllowed)), m_device(writableOf(device)), m_nodeId(device.nodeId)
     {
     }
 
@@ -102,11 +103,11 @@ private:
 
     static unsigned keyOf(unsigned index, unsigned subIndex) { return index << 8 | subIndex; }
 
-    static tKnown writableOf(const tSnapshot& snapshot)
+    static tKnown writableOf(const tSnapshot& snapshot, const tAllowed& isAllowed = {})
     {
         tKnown entries;
         for (const tSnapshotEntry& entry : snapshot.entries)
-            if (entry.value && isWritable(entry.access))
+            if (entry.value && isWritable(entry.access) && (!isAllowed || isAllowed(entry)))
                 entries.emplace(keyOf(entry.index, entry.subIndex), &entry);
         return entries;
     }
@@ -226,9 +227,9 @@ bool isPdoParameter(unsigned index)
 }
 
 std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file,
-                                  const tSnapshot& device)
+                                  const tSnapshot& device, const tAllowed& isAllowed)
 {
-    return CWriteOrder(wanted, file, device).writes();
+    return CWriteOrder(wanted, file, device, isAllowed).writes();
 }
 
 std::vector<std::size_t> neededForOrder(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& device)

@@ -7,6 +7,7 @@
 #include <QByteArray>
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /// One SDO download.
@@ -29,8 +30,10 @@ bool isPdoParameter(unsigned index);
 /// if anything of it differs, its other parameters follow, and its COB-ID comes last. What the file does not have of
 /// these stays as the device has it. Other COB-IDs (1005, 1012, 1014, 1028, 1201 to 12FF) are switched off before they
 /// change. The period of SYNC (1006) is 0 while its counter (1019) changes. Everything else keeps its order.
-std::vector<tWrite> orderOfWrites(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file,
-                                  const tSnapshot& device);
+/// `isAllowed`: whether the value of the file may be written; where not, it is as if the file did not have it.
+std::vector<tWrite> orderOfWrites(
+    const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& file, const tSnapshot& device,
+    const std::function<bool(const tSnapshotEntry&)>& isAllowed = [](const tSnapshotEntry&) { return true; });
 
 /// The places in `device` of entries without a value that `orderOfWrites` can make use of: they should be read before.
 std::vector<std::size_t> neededForOrder(const std::vector<const tSnapshotEntry*>& wanted, const tSnapshot& device);

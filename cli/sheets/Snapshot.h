@@ -23,8 +23,8 @@ struct tSnapshotEntry {
     bool relative = false;
     /// The bytes as on the bus, of relative values minus the node-id; none when the value is not known.
     std::optional<QByteArray> value;
-    /// Why the device did not give the value; 0 otherwise.
-    std::uint32_t abortCode = 0;
+    /// Why the device did not give the value; none otherwise.
+    std::optional<std::uint32_t> abortCode;
     /// What the file adds to the node-id: 0x180 for "$NODEID+0x180"; none where the entry does not depend on it.
     std::optional<quint64> offset;
     /// The text that the file has in place of a value, where it is no value of the type; empty otherwise.

@@ -18,9 +18,9 @@ namespace
 
 using tEntry = CCANopenObjectEntry;
 
-QString abortText(std::uint32_t code)
+QString abortText(const std::optional<std::uint32_t>& code)
 {
-    return code == 0 ? QString() : hexadecimalText(code, 8);
+    return code ? hexadecimalText(*code, 8) : QString();
 }
 
 // The fields of the columns.
@@ -58,7 +58,7 @@ QJsonObject jsonOf(const tSnapshotEntry& entry)
     object[QStringLiteral("size")] = entry.value ? QJsonValue(qint64{ entry.value->size() }) : QJsonValue();
     if (!entry.value)
         object[QStringLiteral("value")] = QJsonValue();
-    if (entry.abortCode == 0)
+    if (!entry.abortCode)
         object[QStringLiteral("abort")] = QJsonValue();
     return object;
 }

@@ -116,10 +116,16 @@ tGatewayAnswer CScriptedDevice::answer(const std::string& line)
     else if (verb == "write")
         text = write(key, bytesOf(words.value(5), words.value(6)), nameOf(key));
     else
-        m_steps += verb;
+        text = command(verb);
     if (verb == "preoperational" || verb == "start")
         m_preOperational = verb == "preoperational";
     return text.isEmpty() ? tGatewayAnswer("") : tGatewayAnswer("[#] " + text.toStdString() + "\r\n");
+}
+
+QByteArray CScriptedDevice::command(const QString& verb)
+{
+    m_steps += verb;
+    return m_hook ? m_hook(verb).value_or("OK") : "OK";
 }
 
 QByteArray CScriptedDevice::read(unsigned key, const QString& step)

@@ -39,6 +39,7 @@ public:
 
 private:
     tGatewayAnswer answer(const std::string& line);
+    QByteArray command(const QString& verb);
     QByteArray read(unsigned key, const QString& step);
     QByteArray write(unsigned key, const QByteArray& bytes, const QString& step);
     quint32 refusal(unsigned key, const QByteArray& bytes) const;

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void fileIsReplacedAsAWhole();
     void pipeIsWrittenAndNotReplaced();
     void emptyValueThatADcfCannotHoldIsTold();
+    void dumpWithoutAnyValueIsNotWritten();
     void valueThatADcfCannotHoldIsTold();
 
 private:
@@ -201,6 +202,25 @@ void TestCliDumpOutput::emptyValueThatADcfCannotHoldIsTold()
     CCliRun csv(dump(m_device->interface(), m_sheet.name(), { "-o", path("saved.csv") }));
     QCOMPARE(csv.outcome(), "-- 0\n");
     QCOMPARE(values("saved.csv"), QStringList({ "\"e803\"", "\"\"", "none", "\"\"", "\"80010000\"" }));
+}
+
+// The node is gone, or nothing that comes is a value: the file of another day is not replaced by one without values.
+void TestCliDumpOutput::dumpWithoutAnyValueIsNotWritten()
+{
+    const CSheetFile old("old", "saved.csv");
+    const auto shownFor = [&](const QByteArray& answer) {
+        m_device->setHook(
+            [answer](const QString& step) { return step.startsWith("read") ? std::optional(answer) : std::nullopt; });
+        CCliRun run(dump(m_device->interface(), m_sheet.name(), { "-o", old.name() }));
+        return run.outcome();
+    };
+    QCOMPARE(shownFor("Error: 107"), "-- 3\n2000: the gateway answers error 107 (no such node); 0 of 4 entries were "
+                                     "read; nothing was saved\n");
+    QCOMPARE(shownFor("Error: 106"), "-- 3\n2000: the gateway answers error 106 (no such network); 0 of 4 entries were "
+                                     "read; nothing was saved\n");
+    const QString odd = shownFor("Error: 100");
+    QVERIFY2(odd.endsWith("no entry could be read; nothing was saved\n"), qPrintable(odd));
+    QCOMPARE(bytesOf(old.name()), "old");
 }
 
 void TestCliDumpOutput::valueThatADcfCannotHoldIsTold()

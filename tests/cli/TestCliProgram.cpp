@@ -14,6 +14,8 @@ class TestCliProgram : public QObject
 private Q_SLOTS:
     void commandIsNeeded_data();
     void commandIsNeeded();
+    void nameOfAFileIsNotEmpty_data();
+    void nameOfAFileIsNotEmpty();
     void sheetWithoutFolderIsFoundWhereItIsInstalled_data();
     void sheetWithoutFolderIsFoundWhereItIsInstalled();
 };
@@ -33,6 +35,25 @@ void TestCliProgram::commandIsNeeded()
     QFETCH(QStringList, arguments);
     QFETCH(QString, message);
     QCOMPARE(shownBy(arguments), shown(2, "", "velmora-cli: " + message + "\nvelmora-cli: try 'velmora-cli --help'\n"));
+}
+
+// A variable of a script that is not set.
+void TestCliProgram::nameOfAFileIsNotEmpty_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    const QStringList device{ "-i", "localhost:1", "-n", "5" };
+    QTest::newRow("sheet") << QStringList{ "read", "-s", "", "1017" } + device;
+    QTest::newRow("output") << QStringList{ "dump", "-s", "demo.eds", "-o", "" } + device;
+    QTest::newRow("restore") << QStringList{ "restore", "" } + device;
+    QTest::newRow("compare") << QStringList{ "compare", "a.csv", "" };
+}
+
+void TestCliProgram::nameOfAFileIsNotEmpty()
+{
+    QFETCH(QStringList, arguments);
+    QCOMPARE(shownBy(arguments), shown(2, "",
+                                       "velmora-cli: the name of a file is empty\nvelmora-cli: try 'velmora-cli " +
+                                           arguments.front() + " --help'\n"));
 }
 
 void TestCliProgram::sheetWithoutFolderIsFoundWhereItIsInstalled_data()

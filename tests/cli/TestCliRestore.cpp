@@ -1,49 +1,23 @@
 // velmora-cli restore: what is written, what is not, and how it ends.
 // SPDX-License-Identifier: MIT
 #include "CliRun.h"
-#include "DumpFile.h"
-#include "ScriptedDevice.h"
+#include "RestoredDevice.h"
 
 #include <QTest>
 
 #include <atomic>
 #include <memory>
 
-namespace
-{
-
-// The device has 0x0001 in 2000, 0x0002 in 2001 and so on; each of these is to be another one.
-const QByteArrayList threeLines = { "0x2000,0,First,Unsigned16,RW,2,0x0011,", "0x2001,0,Second,Unsigned16,RW,2,0x0012,",
-                                    "0x2002,0,Third,Unsigned16,RW,2,0x0013," };
-const QString threePlanned = "2000: 0x0001 -> 0x0011  First\n2001: 0x0002 -> 0x0012  Second\n"
-                             "2002: 0x0003 -> 0x0013  Third\n";
-const QStringList threeWritten = { "2000 = 11 00", "2001 = 12 00", "2002 = 13 00" };
-
-CScriptedDevice::tHook answering(const QString& step, const QByteArray& answer)
-{
-    return [=](const QString& each) { return each == step ? std::optional(answer) : std::nullopt; };
-}
-
-} // namespace
-
 class TestCliRestore : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { m_device = std::make_unique<CRestoredDevice>(); }
 
     void writesWhatDiffersAndReadsItBack();
     void sameValuesAreNotWritten();
     void dryRunWritesNothing();
-    void refusesAnotherDevice_data();
-    void refusesAnotherDevice();
-    void forceWritesAllTheSame();
-    void anotherRevisionIsOnlyTold();
-    void fileThatTellsNoDeviceNeedsForce();
-    void fileMustTellAllOfTheDeviceThatItDescribes();
-    void deviceThatDoesNotTellWhatItIs();
-    void configurationTellsTheDeviceByItsDefaults();
     void textThatIsNoValueIsRefused();
     void excludedIndexesAreNotWritten();
     void processOutputsAreTold();
@@ -53,6 +27,11 @@ private Q_SLOTS:
     void leavesOutWhatTriggersAction();
     void storesWhenAsked();
     void storesNothingAfterAFailure();
+    void interruptedStoringIsTold();
+    void interruptedReadingBackIsTold();
+    void valueThatCannotBeSentIsRefused();
+    void valueOfAnotherSizeThatIsTheSame();
+    void entriesWithoutAValueAreTold();
     void refusedStoringIsTold();
     void abortStops();
     void keepGoingGoesOn();
@@ -70,28 +49,15 @@ private Q_SLOTS:
 private:
     QString restore(const QByteArrayList& lines, const QStringList& more = {}) const
     {
-        const CDumpFile file(identityLines + lines);
-        CCliRun run(arguments(file.name(), more));
-        return run.outcome();
+        return m_device->restore(lines, more);
     }
     QStringList arguments(const QString& file, const QStringList& more = {}) const
     {
-        return QStringList{ "restore", "-i", m_device->interface(), "-n", "5", file } + more;
+        return m_device->arguments(file, more);
     }
 
-    std::unique_ptr<CScriptedDevice> m_device;
+    std::unique_ptr<CRestoredDevice> m_device;
 };
-
-void TestCliRestore::init()
-{
-    m_device = std::make_unique<CScriptedDevice>();
-    m_device->set(0x1000, 0, "91010F00");
-    m_device->set(0x1018, 1, "B5F00000");
-    m_device->set(0x1018, 2, "01040000");
-    m_device->set(0x2000, 0, "0100");
-    m_device->set(0x2001, 0, "0200");
-    m_device->set(0x2002, 0, "0300");
-}
 
 void TestCliRestore::writesWhatDiffersAndReadsItBack()
 {
@@ -117,99 +83,6 @@ void TestCliRestore::dryRunWritesNothing()
              threePlanned + "1800:1: 0x00000185 -> 0x00000285  COB-ID\n-- 0\n"
                             "node 5 would be in pre-operational while they are written\n");
     QCOMPARE(m_device->steps(), QStringList());
-}
-
-void TestCliRestore::refusesAnotherDevice_data()
-{
-    QTest::addColumn<unsigned>("index");
-    QTest::addColumn<unsigned>("subIndex");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("type") << 0x1000U << 0U
-                          << "1000 (Device type) is 0x000F0191 in the file and 0x00000009 in the device";
-    QTest::newRow("vendor") << 0x1018U << 1U
-                            << "1018:1 (Vendor-ID) is 0x0000F0B5 in the file and 0x00000009 in the device";
-    QTest::newRow("product") << 0x1018U << 2U
-                             << "1018:2 (Product code) is 0x00000401 in the file and 0x00000009 in the device";
-}
-
-void TestCliRestore::refusesAnotherDevice()
-{
-    QFETCH(const unsigned, index);
-    QFETCH(const unsigned, subIndex);
-    QFETCH(const QString, message);
-    m_device->set(index, subIndex, "09000000");
-    const QString refused = "-- 1\n" + message + "\nnothing was written; --force does it nevertheless\n";
-    QCOMPARE(restore(threeLines, { "--store" }), refused);
-    QCOMPARE(restore(threeLines, { "--keep-going" }), refused);
-    QCOMPARE(m_device->steps(), QStringList());
-}
-
-void TestCliRestore::forceWritesAllTheSame()
-{
-    m_device->set(0x1000, 0, "09000000");
-    QCOMPARE(restore(threeLines, { "--force" }),
-             threePlanned + "-- 0\n1000 (Device type) is 0x000F0191 in the file and 0x00000009 in the device\n"
-                            "3 of 3 values were written\n");
-    QCOMPARE(m_device->steps(), threeWritten);
-}
-
-void TestCliRestore::anotherRevisionIsOnlyTold()
-{
-    m_device->set(0x1018, 3, "01000000");
-    m_device->set(0x1018, 4, "01000000");
-    QCOMPARE(restore({ "0x1018,3,Revision,Unsigned32,RO,4,0x2,", "0x1018,4,Serial number,Unsigned32,RO,4,0x2," }),
-             "-- 0\n1018:3 (Revision) is 0x00000002 in the file and 0x00000001 in the device\n"
-             "nothing differs\n");
-}
-
-void TestCliRestore::fileThatTellsNoDeviceNeedsForce()
-{
-    const CDumpFile file(threeLines);
-    CCliRun run(arguments(file.name()));
-    const QString told = "the file does not tell of which device it is (1000, 1018)\n";
-    QCOMPARE(run.outcome(), "-- 1\n" + told + "nothing was written; --force does it nevertheless\n");
-    QCOMPARE(m_device->steps(), QStringList());
-    CCliRun forced(arguments(file.name(), { "--force" }));
-    QCOMPARE(forced.outcome(), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
-}
-
-void TestCliRestore::fileMustTellAllOfTheDeviceThatItDescribes()
-{
-    const auto shown = [this](const QByteArrayList& lines) {
-        const CDumpFile file(lines);
-        CCliRun run(arguments(file.name()));
-        return run.outcome();
-    };
-    const QString refused = "nothing was written; --force does it nevertheless\n";
-    QByteArrayList lines = identityLines;
-    lines[2] = "0x1018,2,Product code,Unsigned32,RO,,,";
-    QCOMPARE(shown(lines), "-- 1\nthe file has no value of 1018:2 (Product code)\n" + refused);
-    lines.removeLast(); // a device of this kind has none
-    QCOMPARE(shown(lines), "-- 0\nnothing differs\n");
-    QCOMPARE(shown({ "0x1018,3,Revision,Unsigned32,RO,,," }),
-             "-- 1\nthe file does not tell of which device it is (1000, 1018)\n" + refused);
-}
-
-void TestCliRestore::deviceThatDoesNotTellWhatItIs()
-{
-    m_device->setHook(answering("read 1018:1", "ERROR: 0x08000020"));
-    const QString told = "1018:1: aborted by the device: 0x08000020 (Data cannot be transferred or stored to the "
-                         "application.)\n";
-    QCOMPARE(restore(threeLines), "-- 4\n" + told + "nothing was written; --force does it nevertheless\n");
-    QCOMPARE(m_device->steps(), QStringList());
-    QCOMPARE(restore(threeLines, { "--force" }), threePlanned + "-- 0\n" + told + "3 of 3 values were written\n");
-}
-
-// Many write a value into a configuration only where it is not the default one.
-void TestCliRestore::configurationTellsTheDeviceByItsDefaults()
-{
-    const CSheetFile file(sheetOf(0x1000, 7, "ro", "Device type", "DefaultValue=0xF0191\n"), "device.dcf");
-    CCliRun run(arguments(file.name()));
-    QCOMPARE(run.outcome(), "-- 0\nnothing differs\n");
-    m_device->set(0x1000, 0, "92010F00");
-    CCliRun other(arguments(file.name()));
-    QCOMPARE(other.outcome(), "-- 1\n1000 (Device type) is 0x000F0191 in the file and 0x000F0192 in the device\n"
-                              "nothing was written; --force does it nevertheless\n");
 }
 
 void TestCliRestore::textThatIsNoValueIsRefused()
@@ -321,6 +194,61 @@ void TestCliRestore::storesNothingAfterAFailure()
     QCOMPARE(m_device->steps(), threeWritten);
 }
 
+void TestCliRestore::interruptedStoringIsTold()
+{
+    m_device->setHook(answering("1010:1 = 73 61 76 65", ""));
+    const CDumpFile file(identityLines + threeLines);
+    CCliRun run(arguments(file.name(), { "--store" }));
+    QVERIFY(m_device->awaitStep("1010:1 = 73 61 76 65"));
+    run.interrupt();
+    QCOMPARE(run.outcome(), threePlanned +
+                                "-- 130\ninterrupted; 3 of 3 values were written; the device may have stored "
+                                "its parameters or not\n");
+}
+
+void TestCliRestore::interruptedReadingBackIsTold()
+{
+    std::atomic<bool> written = false;
+    m_device->setHook([&written](const QString& step) {
+        written = written || step == "2002 = 13 00";
+        return written && step == "read 2001" ? std::optional(QByteArray()) : std::nullopt;
+    });
+    const CDumpFile file(identityLines + threeLines);
+    CCliRun run(arguments(file.name()));
+    QVERIFY(m_device->awaitStep("2002 = 13 00"));
+    run.interrupt();
+    QCOMPARE(run.outcome(), threePlanned + "-- 130\ninterrupted; 3 of 3 values were written; not all was read back\n");
+    m_device->setHook({});
+}
+
+// Nothing is written before.
+void TestCliRestore::valueThatCannotBeSentIsRefused()
+{
+    const QByteArray octets = QByteArrayList(QByteArrayList(800, "01")).join(' ');
+    m_device->set(0x2009, 0, "00");
+    for (const QStringList& options : { QStringList(), QStringList{ "--dry-run" } })
+        QCOMPARE(restore(threeLines + QByteArrayList{ "0x2009,0,Large,Octet String,RW,800," + octets + ',' }, options)
+                     .section("-- ", 1),
+                 "2\n2009: more than 729 bytes cannot be sent; nothing was written\n");
+    QCOMPARE(m_device->steps(), QStringList());
+}
+
+// The warning alone is no difference.
+void TestCliRestore::valueOfAnotherSizeThatIsTheSame()
+{
+    m_device->set(0x2000, 0, "05");
+    QCOMPARE(restore({ "0x2000,0,First,Unsigned16,RW,1,05," }, { "--store" }),
+             "-- 0\n2000: warning: the device has 1 bytes, which is no Unsigned16\n"
+             "node 5 has stored its parameters\nnothing differs\n");
+}
+
+void TestCliRestore::entriesWithoutAValueAreTold()
+{
+    QCOMPARE(restore({ "0x2000,0,First,Unsigned16,RW,,,0x08000020", "0x2001,0,Second,Unsigned16,RO,,,",
+                       "0x1010,1,Save,Unsigned32,RW,,," }),
+             "-- 0\nleft as they are, since the file has no value: 2000\nnothing differs\n");
+}
+
 void TestCliRestore::refusedStoringIsTold()
 {
     m_device->setHook(answering("1010:1 = 73 61 76 65", "ERROR: 0x08000020"));
@@ -406,7 +334,8 @@ void TestCliRestore::silenceWhileWriting()
     m_device->setHook(answering("2001 = 12 00", ""));
     QCOMPARE(restore(threeLines, { "--gateway-timeout", "300", "--keep-going" }),
              threePlanned +
-                 "-- 3\n2001: the gateway does not answer; 1 of 3 values were written; not written: 2001, 2002\n");
+                 "-- 3\n2001: the gateway does not answer; 1 of 3 values were written; not written: 2001, 2002; "
+                 "sent, but perhaps not written: 2001 = 0x0012\n");
     QCOMPARE(m_device->steps(), threeWritten.mid(0, 2));
 }
 
@@ -424,7 +353,7 @@ void TestCliRestore::interruptSaysWhatWasWritten()
     run.interrupt();
     QCOMPARE(run.outcome().section("-- ", 1),
              "130\ninterrupted; 2 of 15 values were written; not written: 2100:3, 2100:4, 2100:5, 2100:6, 2100:7, "
-             "2100:8, 2100:9, 2100:A, 2100:B, 2100:C and 3 more\n");
+             "2100:8, 2100:9, 2100:A, 2100:B, 2100:C and 3 more; sent, but perhaps not written: 2100:3 = 0x01\n");
 }
 
 void TestCliRestore::interruptWhileReading()

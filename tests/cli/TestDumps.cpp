@@ -84,6 +84,8 @@ tSnapshot everyKind()
         snapshot.entries.back().name = row.name;
     }
     snapshot.entries.push_back(refused(0xFFFF, 0xFF, "R\u00F6hre, \"x\"", 5, 2));
+    snapshot.entries.push_back(refused(0xFFFF, 0xFE, "Code 0", 5, 2));
+    snapshot.entries.back().abortCode = 0;
     return snapshot;
 }
 

@@ -196,6 +196,9 @@ void TestTypedValue::whatIsNoValueIsRefused_data()
     for (const char* text : { "1e39", "one", "0x1FFFFFFFF" })
         row("r32", text);
     row("r64", "1e400");
+    row("r64", "0x3FC00000"); // of 32 bits
+    row("r32", "0x3FC0");
+    row("r32", "0x03FC00000");
     row("vs", "\xE2\x82\xAC"); // Latin-1 has no such character
     for (const char* text :
          { "0", "1 23", "0x", "gg", "01,02", "012", "1 42 255", "001 052 377", "0x0x01", "+1", "-1" })
