@@ -124,11 +124,8 @@ int readRow(CNetwork& network, const tTransferOptions& options, const QList<tTyp
 }
 
 // The bytes of a value as it was typed; ends the command when it is none.
-QByteArray bytesToSend(const tTyped& parameter, bool typeIsKnown, const QString& text)
+QByteArray bytesToSend(const tTyped& parameter, const QString& text)
 {
-    if (!typeIsKnown)
-        throw tEnd{ exitUsage, QStringLiteral("%1: its type is not known; --type or a data sheet (-s) tells it")
-                                   .arg(textOf(parameter.name)) };
     if (auto bytes = typedValue::bytesOf(parameter.type, text))
         return *bytes;
     throw tEnd{ exitUsage, QStringLiteral("%1: \"%2\" is no value of %3; nothing was sent")
@@ -141,8 +138,13 @@ QList<tTyped> valuesToSend(const tTransferOptions& options, const CCANopen* shee
         throw tEnd{ exitUsage, QStringLiteral("the value of %1 is missing").arg(options.arguments.last()) };
     auto parameters = typedParameters(options, sheet, 2);
     for (qsizetype place = 0; place < parameters.size(); ++place) {
-        const bool typeIsKnown = options.type || parameters[place].name.entry != nullptr;
-        parameters[place].bytes = bytesToSend(parameters[place], typeIsKnown, options.arguments[2 * place + 1]);
+        if (!options.type && parameters[place].name.entry == nullptr)
+            throw tEnd{ exitUsage,
+                        (sheet != nullptr
+                             ? QStringLiteral("%1: it is not in the sheet; --type tells its type")
+                             : QStringLiteral("%1: its type is not known; --type or a data sheet (-s) tells it"))
+                            .arg(textOf(parameters[place].name)) };
+        parameters[place].bytes = bytesToSend(parameters[place], options.arguments[2 * place + 1]);
     }
     return parameters;
 }

@@ -119,6 +119,7 @@ void TestCliWrite::whatIsRefusedSendsNothing_data()
     row("no digit", { "--type", "u16", "1017", "0x" }, "1017: \"0x\" is no value of Unsigned16; nothing was sent");
     row("half a byte", { "--type", "d", "2009", "012" }, "2009: \"012\" is no value of Domain; nothing was sent");
     row("unknown type", { "2000", "1" }, "2000: its type is not known; --type or a data sheet (-s) tells it");
+    row("not in the sheet", { "-s", sheet, "5FFF", "1" }, "5FFF: it is not in the sheet; --type tells its type");
     row("value missing", { "--type", "u8", "2000", "1", "2001" }, "the value of 2001 is missing");
     row("longer than a line", { "--type", "vs", "2007", "x", "2008", QString(730, 'x') },
         "2008: more than 729 bytes cannot be sent; nothing was sent");
