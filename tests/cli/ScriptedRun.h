@@ -6,6 +6,7 @@
 #include "FakeGateway.h"
 
 #include <QByteArray>
+#include <QTest>
 
 /// The scripted gateway as -i takes it.
 inline QString interfaceOf(const CFakeGateway& gateway)
@@ -23,6 +24,12 @@ inline std::string value(const QByteArray& bytes)
 inline std::string readOf(const char* index, const char* subIndex)
 {
     return std::string("[#] 5 read ") + index + ' ' + subIndex + " d\r\n";
+}
+
+/// Waits for the first request.
+inline bool awaitRequest(const CFakeGateway& gateway)
+{
+    return QTest::qWaitFor([&gateway] { return !gateway.received().empty(); }, patience);
 }
 
 /// Nothing when the script was played exactly, otherwise what differed.

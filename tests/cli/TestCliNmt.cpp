@@ -80,14 +80,14 @@ void TestCliNmt::interruptTellsWhetherItWasSent()
     CFakeGateway gateway;
     gateway.expect("[#] set sdo_timeout 100\r\n", "");
     CCliRun before({ "nmt", "-i", interfaceOf(gateway), "--timeout", "100", "start", "5" });
-    QTRY_VERIFY_WITH_TIMEOUT(!gateway.received().empty(), patience);
+    QVERIFY(awaitRequest(gateway));
     before.interrupt();
     QCOMPARE(shown(before), shown(130, "", "velmora-cli: interrupted: nothing was sent to a device\n"));
     QCOMPARE(difference(gateway), QByteArray());
     CFakeGateway other;
     other.expect("[#] 5 start\r\n", "");
     CCliRun after({ "nmt", "-i", interfaceOf(other), "start", "5" });
-    QTRY_VERIFY_WITH_TIMEOUT(!other.received().empty(), patience);
+    QVERIFY(awaitRequest(other));
     after.interrupt();
     QCOMPARE(shown(after), shown(130, "", "velmora-cli: interrupted: the command was sent, but not answered\n"));
 }

@@ -296,7 +296,7 @@ void TestCliRead::nobodyReadingIsNoError()
     CFakeGateway gateway;
     gateway.expect(readOf("0x1000", "0x0"), { value("\1"), tGatewayAnswer::together, std::chrono::milliseconds(300) });
     CCliRun run({ "read", "-i", interfaceOf(gateway), "-n", "5", "1000" });
-    QTRY_VERIFY_WITH_TIMEOUT(!gateway.received().empty(), patience);
+    QVERIFY(awaitRequest(gateway));
     run.closeOutput();
     QCOMPARE(run.status(), 0);
     QCOMPARE(run.error(), "");
