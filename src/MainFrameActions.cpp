@@ -178,6 +178,7 @@ void CMainFrame::createToolBar()
     addToolBarBreak(Qt::TopToolBarArea);
     QToolBar* toolBar = addToolBar(QStringLiteral("File Operations"));
     toolBar->setObjectName(QStringLiteral("file operations tool bar"));
+    toolBar->setAccessibleName(toolBar->windowTitle()); // since 6.8 the toolkit shows it to screen readers
     addItems(toolBar, toolBarItems);
     for (QAction* action : toolBar->actions()) // their tool tips repeat their texts
         toolBar->widgetForAction(action)->setAccessibleDescription(action->statusTip());

@@ -97,6 +97,7 @@ void TestCliList::choiceLimitsTheRows()
 void TestCliList::everySheetHasARowForEachEntry_data()
 {
     QTest::addColumn<QString>("path");
+    QTest::newRow("the shipped sheet") << demo;
     for (const QFileInfo& info : QDir(VELMORA_SAMPLE_SHEETS).entryInfoList({ "*.eds", "*.dcf" }))
         QTest::newRow(qPrintable(info.fileName())) << info.filePath();
 }
