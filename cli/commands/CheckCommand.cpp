@@ -1,15 +1,13 @@
 // velmora-cli check
 // SPDX-License-Identifier: MIT
 #include "commands/Commands.h"
+#include "commands/SharedOptions.h"
 
 #include "console/Console.h"
 #include "console/Interrupt.h"
-#include "dic/InstalledSheet.h"
 #include "sheets/FindingsText.h"
 
 #include <CLI/CLI.hpp>
-
-#include <QFile>
 
 #include <memory>
 #include <string>
@@ -75,7 +73,7 @@ int runCheck(const tCheckOptions& options, CConsole& console)
     int status = exitDone;
     for (const std::string& file : options.files) {
         endWhenInterrupted();
-        tCheckResult result = checkSheet(findSheet(QFile::decodeName(file.c_str())), rules);
+        tCheckResult result = checkSheet(sheetFileOf(file), rules);
         status = std::max(status, statusOf(result, options.isStrict));
         if (!result.isRead)
             console.message(result.verdict);

@@ -1,14 +1,12 @@
 // velmora-cli diff
 // SPDX-License-Identifier: MIT
 #include "commands/Commands.h"
+#include "commands/SharedOptions.h"
 
 #include "console/Console.h"
-#include "dic/InstalledSheet.h"
 #include "sheets/SheetDifferences.h"
 
 #include <CLI/CLI.hpp>
-
-#include <QFile>
 
 #include <memory>
 #include <string>
@@ -29,8 +27,8 @@ struct tDiffOptions {
 
 int runDiff(const tDiffOptions& options, CConsole& console)
 {
-    const QString nameA = findSheet(QFile::decodeName(options.fileA.c_str()));
-    const QString nameB = findSheet(QFile::decodeName(options.fileB.c_str()));
+    const QString nameA = sheetFileOf(options.fileA);
+    const QString nameB = sheetFileOf(options.fileB);
     const auto differences = sheetDifferences(nameA, nameB);
     const auto write = options.format == "json" ? differencesAsJson : differencesAsText;
     console.write(write(differences, nameA, nameB));

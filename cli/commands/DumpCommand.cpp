@@ -21,8 +21,7 @@ void addDump(CLI::App& app, tCommand& command)
     dump.add_option_function<std::string>(
             "-o,--output",
             [options](const std::string& text) {
-                if (text.empty())
-                    throw CLI::ValidationError("the name of a file is empty");
+                requireName(text);
                 options->output = QString::fromLocal8Bit(text.c_str());
             },
             "the file to write, complete or not at all; standard output otherwise")

@@ -1,14 +1,12 @@
 // velmora-cli list
 // SPDX-License-Identifier: MIT
 #include "commands/Commands.h"
+#include "commands/SharedOptions.h"
 
 #include "console/Console.h"
-#include "dic/InstalledSheet.h"
 #include "sheets/DictionaryList.h"
 
 #include <CLI/CLI.hpp>
-
-#include <QFile>
 
 #include <map>
 #include <memory>
@@ -42,8 +40,7 @@ int runList(const tListOptions& options, CConsole& console)
     choice.setPattern(QString::fromLocal8Bit(options.pattern.c_str()));
     for (const std::string& range : options.ranges)
         choice.addRange(QString::fromLocal8Bit(range.c_str()));
-    console.write(
-        formats.at(options.format)(dictionaryList(findSheet(QFile::decodeName(options.file.c_str())), choice)));
+    console.write(formats.at(options.format)(dictionaryList(sheetFileOf(options.file), choice)));
     return exitDone;
 }
 

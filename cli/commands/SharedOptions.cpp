@@ -17,8 +17,18 @@
 
 static QString fileNameOf(const std::string& text)
 {
+    requireName(text);
+    return sheetFileOf(text);
+}
+
+void requireName(const std::string& text)
+{
     if (text.empty())
         throw CLI::ValidationError("the name of a file is empty");
+}
+
+QString sheetFileOf(const std::string& text)
+{
     return findSheet(QFile::decodeName(text.c_str()));
 }
 

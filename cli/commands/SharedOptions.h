@@ -25,11 +25,16 @@ CLI::Option* addText(CLI::App& command, const std::string& name, QString& text, 
 /// The same for a positional argument that is given once or more often; required.
 CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& description, QStringList& texts);
 
-/// The same for names of files. Where there is no such file and the name has no folder, it is the installed data sheet
-/// of this name.
+/// The same for names of files, which are those of `sheetFileOf`. An empty one is refused.
 CLI::Option* addFile(CLI::App& command, const std::string& name, QString& fileName, const std::string& description);
 CLI::Option* addFiles(CLI::App& command, const std::string& name, const std::string& description,
                       QStringList& fileNames);
+
+/// Refuses an empty name of a file: that of a variable of a script that is not set.
+void requireName(const std::string& text);
+
+/// The file of this name; where there is none and the name has no folder, the installed data sheet of this name.
+QString sheetFileOf(const std::string& text);
 
 /// The decimal number of a text, from `least` to `most`. Nothing else is taken: "010" is 10, and "0x10" is refused with
 /// an error of the command line that names the option.

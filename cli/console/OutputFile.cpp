@@ -21,9 +21,14 @@ bool put(QFileDevice& file, const QByteArray& content)
 
 } // namespace
 
+bool isStandardOutput(const QString& fileName)
+{
+    return fileName.isEmpty() || fileName == QLatin1String("-");
+}
+
 void writeOutput(CConsole& console, const QString& fileName, const QByteArray& content)
 {
-    if (fileName.isEmpty() || fileName == QLatin1String("-")) {
+    if (isStandardOutput(fileName)) {
         console.write(content);
         return;
     }

@@ -7,6 +7,9 @@
 #include <QByteArray>
 #include <QString>
 
-/// Writes `content` to the file in place of what it held; to standard output when the name is empty or "-". Ends the
-/// command with `exitUsage` when it cannot be written; the file is then as it was. Devices and pipes are written to.
+/// Whether the name stands for standard output: it is empty or "-".
+bool isStandardOutput(const QString& fileName);
+
+/// Writes `content` to the file in place of what it held, or to standard output. Ends the command with `exitUsage` when
+/// it cannot be written; the file is then as it was. Devices and pipes are written to.
 void writeOutput(CConsole& console, const QString& fileName, const QByteArray& content);

@@ -33,11 +33,6 @@ bool endsIn(const QString& fileName, const char* ending)
     return fileName.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
 }
 
-bool isFile(const QString& output)
-{
-    return !output.isEmpty() && output != QLatin1String("-");
-}
-
 [[noreturn]] void refuse(const QString& output, const QString& why)
 {
     throw tEnd{ exitUsage, QStringLiteral("%1 is not written: %2").arg(visibleText(output), why) };
@@ -50,7 +45,7 @@ tDumpFormat formatOf(const tDumpOptions& options)
     for (const auto& row : endings)
         if (endsIn(options.output, row.ending))
             return row.format;
-    if (isFile(options.output))
+    if (!isStandardOutput(options.output))
         refuse(options.output,
                QStringLiteral("the end of its name tells no format: .csv, .json, .dcf or .txt (or --format)"));
     return dumpTable;
@@ -72,7 +67,7 @@ bool isConfiguration(const QString& fileName)
 // Ends the command when the dump would spoil a sheet. The configuration that is the sheet can be renewed.
 void checkOutput(const tDumpOptions& options, tDumpFormat format)
 {
-    if (!isFile(options.output))
+    if (isStandardOutput(options.output))
         return;
     if (format == dumpDcf && endsIn(options.output, ".eds"))
         refuse(options.output,
@@ -80,12 +75,6 @@ void checkOutput(const tDumpOptions& options, tDumpFormat format)
     const bool isRenewed = format == dumpDcf && isConfiguration(options.output) && isConfiguration(options.sheet);
     if (!isRenewed && isSameFile(options.output, options.sheet))
         refuse(options.output, QStringLiteral("it is the sheet"));
-}
-
-void tellUnwritten(const char* what, const tEntries& entries, CConsole& console)
-{
-    if (!entries.empty())
-        console.message(QLatin1String(what) + namesOf(entries));
 }
 
 // Tells the values that a configuration file cannot hold. One without a line there is not known; where it is empty in
@@ -102,8 +91,8 @@ QByteArray configurationOf(const tDumpOptions& options, const CDataSheet& sheet,
         const bool isDefault = entry.value->isEmpty() && described[place].entry.getDefaultValue().isEmpty();
         (isDefault ? empty : unwritten).push_back(&entry);
     }
-    tellUnwritten("empty as in the sheet, for which a DCF has no line: ", empty, console);
-    tellUnwritten("a DCF cannot hold these values, CSV and JSON can: ", unwritten, console);
+    tellEntries(console, "empty as in the sheet, for which a DCF has no line: ", empty);
+    tellEntries(console, "a DCF cannot hold these values, CSV and JSON can: ", unwritten);
     if (!unwritten.empty())
         status = graver(status, exitDifference);
     return dcf.text;

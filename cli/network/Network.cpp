@@ -6,6 +6,7 @@
 #include "access/InterfaceText.h"
 #include "base/NodeId.h"
 #include "console/Interrupt.h"
+#include "dic/NumberText.h"
 #include "network/InterfaceName.h"
 
 #include <algorithm>
@@ -208,9 +209,8 @@ std::optional<tFailure> CNetwork::refusalBy(unsigned node) const
         return tFailure{ exitNetwork, 0, gatewayText(error), silent };
     }
     return tFailure{ exitAborted, *number,
-                     QStringLiteral("aborted by the device: 0x%1 (%2)")
-                         .arg(QString::number(*number, 16).toUpper(), 8, QLatin1Char('0'))
-                         .arg(QLatin1String(errorTexts::ofAbort(*number))) };
+                     QStringLiteral("aborted by the device: %1 (%2)")
+                         .arg(hexadecimalText(*number, 8), QLatin1String(errorTexts::ofAbort(*number))) };
 }
 
 QString CNetwork::gatewayTrouble() const

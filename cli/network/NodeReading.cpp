@@ -82,6 +82,12 @@ QString namesOf(const std::vector<const tSnapshotEntry*>& entries)
     return entries.size() <= most ? text : QStringLiteral("%1 and %2 more").arg(text).arg(entries.size() - most);
 }
 
+void tellEntries(CConsole& console, const char* what, const std::vector<const tSnapshotEntry*>& entries)
+{
+    if (!entries.empty())
+        console.message(QLatin1String(what) + namesOf(entries));
+}
+
 bool isReadable(const tSnapshotEntry& entry)
 {
     return entry.access != tEntry::accessWO;

@@ -31,6 +31,9 @@ void warnOfSize(CConsole& console, const QString& name, int type, qsizetype size
 /// "1018:1, 1018:2": not more than ten of them, and how many more there are.
 QString namesOf(const std::vector<const tSnapshotEntry*>& entries);
 
+/// Tells something of these entries, unless there are none: "WHAT1018:1, 1018:2".
+void tellEntries(CConsole& console, const char* what, const std::vector<const tSnapshotEntry*>& entries);
+
 /// Whether an entry can be read at all.
 bool isReadable(const tSnapshotEntry& entry);
 

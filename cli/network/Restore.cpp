@@ -153,7 +153,7 @@ private:
         for (const tSnapshotEntry& entry : m_file.entries)
             if (m_file.isDump && !entry.value && isWritable(entry.access) && isReadable(entry) && isIncluded(entry))
                 missing.push_back(&entry);
-        tell("left as they are, since the file has no value: ", missing);
+        tellEntries(m_console, "left as they are, since the file has no value: ", missing);
         tEntries absolute;
         tEntries outputs; // which act at once
         for (const tSnapshotEntry* entry : m_wanted) {
@@ -162,24 +162,23 @@ private:
             if (entry->access == CCANopenObjectEntry::accessRWW)
                 outputs.push_back(entry);
         }
-        tell("written as they are in the file, since they do not depend on its node-id: ", absolute);
-        tell("warning: process outputs are among them (--exclude leaves them out): ", outputs);
+        tellEntries(m_console, "written as they are in the file, since they do not depend on its node-id: ", absolute);
+        tellEntries(m_console, "warning: process outputs are among them (--exclude leaves them out): ", outputs);
     }
 
-    void tell(const char* what, const tEntries& entries) const
+    bool isAsInTheFile(const tSnapshotEntry& present, const tSnapshotEntry& entry) const
     {
-        if (!entries.empty())
-            m_console.message(QLatin1String(what) + namesOf(entries));
+        const auto node = static_cast<unsigned>(m_node.node);
+        return present.value && valueOfNode(present, node) == valueOfNode(entry, node);
     }
 
     // Finds and prints them.
     void findDifferences()
     {
-        const auto node = static_cast<unsigned>(m_node.node);
         for (std::size_t place = 0; place < m_file.entries.size(); ++place) {
             const tSnapshotEntry& entry = m_file.entries[place];
             const tSnapshotEntry& present = m_device.entries[place];
-            if (!isCompared(entry) || (present.value && valueOfNode(present, node) == valueOfNode(entry, node)))
+            if (!isCompared(entry) || isAsInTheFile(present, entry))
                 continue;
             m_wanted.push_back(&entry);
             m_console.line(QStringLiteral("%1: %2 -> %3  %4")
@@ -281,8 +280,7 @@ private:
                 continue;
             tSnapshotEntry present = *entry;
             const int status = readEntry(m_node, present);
-            const auto node = static_cast<unsigned>(m_node.node);
-            if (present.value && valueOfNode(present, node) == valueOfNode(*entry, node))
+            if (isAsInTheFile(present, *entry))
                 continue;
             m_status = graver(m_status, status);
             if (!present.value)

@@ -41,11 +41,6 @@ QString textOf(const tParameterName& name)
     return parameterText(name.index, name.subIndex);
 }
 
-QString typeName(int type)
-{
-    return tEntry::getDataTypeByIndex(tEntry::TEntryType(type));
-}
-
 bool isNumber(int type)
 {
     return isNumeric(valueType(type));
@@ -55,7 +50,7 @@ QJsonObject jsonOf(const tTyped& parameter, valueFormats::TDisplayMode mode)
 {
     QJsonObject object{ { QStringLiteral("index"), indexText(parameter.name.index) },
                         { QStringLiteral("subindex"), parameter.name.subIndex },
-                        { QStringLiteral("type"), typeName(parameter.type) },
+                        { QStringLiteral("type"), dataTypeName(parameter.type) },
                         { QStringLiteral("value"), typedValue::exactTextOf(parameter.type, parameter.bytes, mode) },
                         { QStringLiteral("bytes"), QString::fromLatin1(parameter.bytes.toHex(' ').toUpper()) } };
     if (parameter.name.entry != nullptr)
@@ -129,7 +124,7 @@ QByteArray bytesToSend(const tTyped& parameter, const QString& text)
     if (auto bytes = typedValue::bytesOf(parameter.type, text))
         return *bytes;
     throw tEnd{ exitUsage, QStringLiteral("%1: \"%2\" is no value of %3; nothing was sent")
-                               .arg(textOf(parameter.name), text, typeName(parameter.type)) };
+                               .arg(textOf(parameter.name), text, dataTypeName(parameter.type)) };
 }
 
 QList<tTyped> valuesToSend(const tTransferOptions& options, const CCANopen* sheet)

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/ValueChecks.h"
 
-#include "dic/CANopenObjectEntry.h"
 #include "dic/EdsGrammar.h"
 #include "dic/Utf8Text.h"
 #include "dic/ValueTypes.h"
+#include "sheets/EntryText.h"
 
 #include "base/Digits.h"
 
@@ -181,8 +181,7 @@ void CValueChecks::checkBytes(tObjectKey key)
 void CValueChecks::addNoValue(tObjectKey key, const QString& fault, const QString& mend)
 {
     m_findings.add(ruleValueType, m_section.fields[key].place(), [&] {
-        const auto type = static_cast<CCANopenObjectEntry::TEntryType>(m_dataType);
-        return tAdvice{ QStringLiteral("%1, %2").arg(fault, CCANopenObjectEntry::getDataTypeByIndex(type)), mend };
+        return tAdvice{ QStringLiteral("%1, %2").arg(fault, dataTypeName(m_dataType)), mend };
     });
 }
 
