@@ -1,4 +1,4 @@
-// The ASCII gateway in front of the simulated devices: a TCP server for any number of clients.
+// The ASCII gateway in front of the simulated devices: a TCP server for several clients.
 // SPDX-License-Identifier: MIT
 #include "gateway/SimulatedGateway.h"
 
@@ -15,6 +15,14 @@ QString CSimulatedGateway::listen(quint16 port, const QHostAddress& address)
 
 void CSimulatedGateway::accept()
 {
-    while (QTcpSocket* socket = m_server.nextPendingConnection())
-        new CGatewayConnection(socket, m_context, "client " + QByteArray::number(++m_clients), this);
+    while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+        const QByteArray name = "client " + QByteArray::number(++m_clients);
+        if (findChildren<CGatewayConnection*>(Qt::FindDirectChildrenOnly).size() < clientLimit) {
+            new CGatewayConnection(socket, m_context, name, this);
+            continue;
+        }
+        if (m_context.log)
+            m_context.log(name + " refused, since " + QByteArray::number(clientLimit) + " are connected");
+        delete socket;
+    }
 }

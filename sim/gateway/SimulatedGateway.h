@@ -1,4 +1,4 @@
-// The ASCII gateway in front of the simulated devices: a TCP server for any number of clients.
+// The ASCII gateway in front of the simulated devices: a TCP server for several clients.
 // SPDX-License-Identifier: MIT
 #pragma once
 
@@ -14,6 +14,9 @@ class CSimulatedGateway : public QObject
     Q_OBJECT
 
 public:
+    /// The most clients at a time; further ones are disconnected at once, so that nobody takes all descriptors.
+    static constexpr int clientLimit = 100;
+
     explicit CSimulatedGateway(CSimulatedNetwork& network, QObject* parent = nullptr);
 
     /// Of several faults that hit a command, the first counts. Set before the first client connects.

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <memory>
+#include <vector>
 
 class TestSimulatedGateway : public QObject
 {
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void lineWithoutEndIsAnErrorAndTheNextIsRead();
     void clientsSideBySideShareTheDevices();
     void clientsComeAndGo();
+    void clientsBeyondTheLimitAreRefused();
     void occupiedPortIsReported();
     void logShowsRequestsAndAnswers();
 
@@ -349,6 +351,22 @@ void TestSimulatedGateway::clientsComeAndGo()
         other.send("[2] 6 read 0x1001 0x0 u8\r\n[3] 5 re"); // disconnects before the answer
     }
     QCOMPARE(m_client->ask("[2] 5 read 0x1001 0x0 u8"), QByteArray("[2] 0x00"));
+}
+
+void TestSimulatedGateway::clientsBeyondTheLimitAreRefused()
+{
+    std::vector<std::unique_ptr<CLineClient>> others;
+    while (others.size() < CSimulatedGateway::clientLimit - 1) {
+        others.push_back(std::make_unique<CLineClient>(m_gateway->port()));
+        QCOMPARE(others.back()->ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
+    }
+    CLineClient refused(m_gateway->port());
+    QCOMPARE(refused.line(), QByteArray("(closed)"));
+    QCOMPARE(m_client->ask("[2] 5 read 0x1001 0x0 u8"), QByteArray("[2] 0x00"));
+
+    others.pop_back();
+    // The gateway may hear of the new client before it hears of the one that has left.
+    QTRY_COMPARE(CLineClient(m_gateway->port()).ask("[1] 5 read 0x1001 0x0 u8"), QByteArray("[1] 0x00"));
 }
 
 void TestSimulatedGateway::occupiedPortIsReported()
