@@ -38,16 +38,18 @@ enter() { send_input type --clearmodifiers --delay 10 "$1"; }
 # click X Y: in the window that has the keyboard focus.
 click() { send_input mousemove --window "$(send_input getactivewindow)" "$1" "$2" click 1; }
 
-# picture NAME: saves the whole screen once it does not change any more.
+# picture NAME: saves the whole screen once it does not change any more. A blinking cursor changes it all the time, so it
+# is enough that the screen is as it was before.
 picture() {
     pictures=$((pictures + 1))
-    local file
+    local file seen='' sum
     file=$(printf '%s/%02d-%s.png' "$demo" "$pictures" "$1")
-    unchanged() {
-        import -silent -window root -define png:exclude-chunks=date,time "png:$file.new"
-        if cmp -s "$file.new" "$file"; then rm "$file.new"; else mv "$file.new" "$file"; return 1; fi
+    as_before() {
+        import -silent -window root -define png:exclude-chunks=date,time "png:$file"
+        sum="<$(cksum < "$file")>"
+        [[ $seen == *"$sum"* ]] || { seen+=$sum; return 1; }
     }
-    wait_limit=5 wait_for unchanged || true # a blinking cursor changes it again and again
+    wait_limit=5 wait_for as_before || true
     echo "  ${file#"$PWD"/}"
 }
 
@@ -69,19 +71,14 @@ run_and_wait_for_log() {
     wait_for_log "$pattern" $((times + 1))
 }
 
-# select_object TEXT PATTERN: selects an item of the tree by typing its first characters, until the device's log has one
-# more line with the pattern. After a pause in typing the tree begins a new search: hence the pause before the first
-# character, and another try where a busy machine has made a pause between two characters.
+# select_object INDEX PATTERN: goes to a communication object by the cursor keys, presses Return and waits for one more
+# line with the pattern in the device's log. Above it are the node, the first group and the objects with lower indexes.
+# Typing its index would search for a part of it where a busy machine makes a pause between two characters.
 select_object() {
-    local wanted
-    wanted=$(($(times_in_log "$2") + 1))
-    for _ in {1..20}; do
-        sleep 1
-        enter "$1"
-        press Return
-        if wait_limit=30 wait_for is_in_log "$2" "$wanted"; then return; fi
-    done
-    wait_for_log "$2" "$wanted"
+    local above rows
+    above=$(sed -nE 's/^\[([0-9A-F]{4})\].*/\1/p' "$sheet" | sort | sed "/^$1/,\$d" | wc -l)
+    mapfile -t rows < <(yes Down | head -n $((2 + above)))
+    run_and_wait_for_log "$2" press Home "${rows[@]}" Return
 }
 
 # The browser stores the display mode in its settings at once: 0 hexadecimal, 1 decimal, 2 octal.
