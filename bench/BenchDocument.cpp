@@ -70,6 +70,14 @@ struct tTexts {
     QList<tTexts> below;
 };
 
+QTreeWidgetItem* childOf(const QTreeWidgetItem* item, int place)
+{
+    QTreeWidgetItem* child = item == nullptr ? nullptr : item->child(place);
+    if (child == nullptr)
+        throw std::runtime_error("the tree has fewer items");
+    return child;
+}
+
 tTexts textsOf(const QTreeWidgetItem* item)
 {
     tTexts texts = { item->text(0), {} };
@@ -154,13 +162,13 @@ public:
         const CSheet sheet(objects);
         if (!m_document.openDocument(sheet.fileName(), nullptr))
             throw std::runtime_error("the sheet does not load");
-        QTreeWidgetItem* group = treeOf(m_document)->topLevelItem(0)->child(0);
+        QTreeWidgetItem* group = childOf(treeOf(m_document)->topLevelItem(0), 0);
         group->setExpanded(true);
         for (int object = 0; object < 2; ++object)
             group->child(object)->setExpanded(true);
         showAndPaint(&m_document, treeOf(m_document)->viewport());
         for (int object = 0; object < 2; ++object) {
-            m_items[object] = group->child(object)->child(1);
+            m_items[object] = childOf(childOf(group, object), 1);
             press(m_items[object]);
             m_forms[object] = formOf(m_document);
         }
@@ -233,12 +241,12 @@ private:
         }
         m_bareTree = copyOf(treeOf(m_document), &m_bareForm);
         m_bareTree->setHeaderHidden(true);
-        QTreeWidgetItem* group = itemOf(textsOf(treeOf(m_document)->topLevelItem(0)->child(0)));
+        QTreeWidgetItem* group = itemOf(textsOf(childOf(treeOf(m_document)->topLevelItem(0), 0)));
         m_bareTree->addTopLevelItem(group);
         group->setExpanded(true);
         for (int object = 0; object < 2; ++object) {
             group->child(object)->setExpanded(true);
-            m_bareItems[object] = group->child(object)->child(1);
+            m_bareItems[object] = childOf(childOf(group, object), 1);
         }
     }
     template <typename Widget>

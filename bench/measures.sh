@@ -2,7 +2,7 @@
 # While `repeating` is true, nothing is taken from an earlier measurement. Sourced, not run.
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash disable=SC2034,SC2154 # variables of bench.sh
-programs=build/bench/bench
+programs=build/release/bench
 count=$programs/velmora-count
 bytes_of_long_sheet=100000000
 
@@ -94,7 +94,7 @@ process_peak() {
 }
 
 program_size() {
-    strip -o "$scratch/velmora" build/bench/src/velmora
+    strip -o "$scratch/velmora" build/release/src/velmora
     ours=$(stat -c %s "$scratch/velmora")
     bare=''
 }
@@ -111,11 +111,11 @@ started() {
     QT_PLUGIN_PATH=$PWD/$programs/plugins QT_QPA_GENERIC_PLUGINS=velmora-bench-end "$@"
 }
 start_cost() {
-    started two_numbers limited $programs/velmora-child "$1" 20 build/bench/src/velmora -- $programs/velmora-bare
+    started two_numbers limited $programs/velmora-child "$1" 20 build/release/src/velmora -- $programs/velmora-bare
 }
 start_instructions() {
-    started quietly limited build/bench/src/velmora # brings the cache of the fonts up to date, which takes long
-    ours=$(started instructions build/bench/src/velmora)
+    started quietly limited build/release/src/velmora # brings the cache of the fonts up to date, which takes long
+    ours=$(started instructions build/release/src/velmora)
     bare=$(started instructions $programs/velmora-bare)
 }
 

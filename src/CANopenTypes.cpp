@@ -22,7 +22,7 @@ namespace
 //   hex     = '0' ( 'x' | 'X' ) digits   digits may be missing in each form
 //   octal   = '0' digits
 
-void skipBlanks(const char*& text)
+void skipBlanksAndTabs(const char*& text)
 {
     while (*text == ' ' || *text == '\t')
         ++text;
@@ -45,7 +45,7 @@ bool readInteger(const char* text, Value& value)
     constexpr std::uint32_t allBits = std::numeric_limits<std::make_unsigned_t<Value>>::max();
     constexpr std::uint32_t largest = static_cast<std::uint32_t>(std::numeric_limits<Value>::max());
     value = 0;
-    skipBlanks(text);
+    skipBlanksAndTabs(text);
     if (*text == '\0')
         return false;
 
@@ -70,7 +70,7 @@ bool readInteger(const char* text, Value& value)
     std::uint32_t number = 0;
     const bool fits = readDigits(text, base, limit, number);
     value = static_cast<Value>(negative ? 0 - number : number);
-    skipBlanks(text);
+    skipBlanksAndTabs(text);
     return fits && *text == '\0';
 }
 

@@ -16,7 +16,7 @@
 namespace
 {
 
-const char footer[] =
+const char checkFooter[] =
     "After the browser's verdict, each finding is FILE:LINE:COLUMN: SEVERITY: TEXT [RULE].\n"
     "Ends with 0 without an error, 1 after an error (with --werror also after a warning), 2 when a file\n"
     "cannot be read.\n\n"
@@ -109,7 +109,7 @@ void addCheck(CLI::App& app, tCommand& command)
         ->type_name("FORMAT");
     check->add_flag("--werror", options->isStrict, "A warning counts as an error for the exit status");
     check->add_flag("--rules", options->listsRules, "Lists the rules and ends");
-    check->footer(footer);
+    check->footer(checkFooter);
     check->callback(
         [options, &command] { command = [options](CConsole& console) { return runCheck(*options, console); }; });
 }

@@ -14,7 +14,7 @@
 namespace
 {
 
-const char footer[] =
+const char diffFooter[] =
     "Compared are devices, objects and entries: names, types, access, limits, default values, PDO mapping, and the\n"
     "values of configurations. 0x10 and 16 are equal. Ends with 1 when there is a difference, otherwise with 0.\n\n"
     "Example:\n  velmora-cli diff device-1.0.eds device-1.1.eds";
@@ -46,7 +46,7 @@ void addDiff(CLI::App& app, tCommand& command)
     diff->add_option("--format", options->format, "text or json")
         ->check(CLI::IsMember({ "text", "json" }))
         ->type_name("FORMAT");
-    diff->footer(footer);
+    diff->footer(diffFooter);
     diff->callback(
         [options, &command] { command = [options](CConsole& console) { return runDiff(*options, console); }; });
 }

@@ -16,7 +16,7 @@
 namespace
 {
 
-const char footer[] =
+const char listFooter[] =
     "A row for each entry, also for one that is described twice: its index and sub-index, name, data type, access,\n"
     "low and high limit and default value as in the sheet, and whether a PDO can carry it.\n\n"
     "Example:\n  velmora-cli list device.eds --index 1000-1FFF --grep cob-id --format csv";
@@ -62,7 +62,7 @@ void addList(CLI::App& app, tCommand& command)
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("RANGE");
-    list->footer(footer);
+    list->footer(listFooter);
     list->callback(
         [options, &command] { command = [options](CConsole& console) { return runList(*options, console); }; });
 }
