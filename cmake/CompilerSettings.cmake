@@ -10,9 +10,13 @@ add_library(velmora_settings INTERFACE)
 target_compile_features(velmora_settings INTERFACE cxx_std_20)
 target_compile_options(velmora_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wcast-qual -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat-security -Wundef
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat-security -Wundef -Wnull-dereference
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond;-Wlogical-op>
     $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
-# Tests set VELMORA_PLAIN_LITERALS: they compare texts with plain literals.
+# Tests set VELMORA_PLAIN_LITERALS: they compare texts with plain literals, and write `int(INT32_MIN)` or a copy as
+# `QString(text)`.
+target_compile_options(velmora_settings INTERFACE
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>>:-Wuseless-cast>)
 target_compile_definitions(velmora_settings INTERFACE
     $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>:QT_NO_CAST_FROM_ASCII>
     QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)

@@ -66,7 +66,8 @@ void sleepUntil(std::chrono::steady_clock::time_point moment)
         if (rest <= rest.zero())
             return;
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(rest);
-        const timespec time = { seconds.count(), std::chrono::nanoseconds(rest - seconds).count() };
+        const timespec time = { seconds.count(),
+                                std::chrono::duration_cast<std::chrono::nanoseconds>(rest - seconds).count() };
         nanosleep(&time, nullptr); // a signal ends it
     }
 }
