@@ -14,5 +14,5 @@ install(FILES packaging/velmora-cli.bash RENAME velmora-cli
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES packaging/velmora.1 packaging/velmora-cli.1 packaging/velmora-sim.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES LICENSE README.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES LICENSE README.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -64,6 +64,7 @@ class Workshop:
         output("cmake", "-S", str(TREE), "-B", str(BUILD), "-G", "Ninja", "-D", f"CMAKE_CXX_COMPILER={compiler}",
                "-D", "CMAKE_BUILD_TYPE=None", "-D", "CMAKE_CXX_FLAGS=-O0")  # fmt: skip
         self.tests: dict[str, dict] = {}
+        self.seconds: dict[str, float] = {}
         self.killers: dict[str, Counter] = {}
 
     @staticmethod
@@ -99,13 +100,13 @@ class Workshop:
             process.wait()
 
     def tests_for(self, path: str) -> list[str]:
-        """The tests of the file's unit: those that noticed most so far first."""
+        """The tests of the file's unit: those that noticed most so far first, then those that take least."""
         names = []
         for folder in TESTS_OF[os.path.dirname(path)]:
             place = BUILD / "tests" / folder
             names += [name for name, test in self.tests.items() if pathlib.Path(test["command"][0]).parent == place]
         killers = self.killers.setdefault(path, Counter())
-        return sorted(names, key=lambda name: -killers[name])
+        return sorted(names, key=lambda name: (-killers[name], self.seconds[name]))
 
     def prepare(self, paths: list[str]) -> None:
         """Builds and runs the tests of these files without any change."""
@@ -116,7 +117,12 @@ class Workshop:
             program = pathlib.Path(test.get("command", ["not built"])[0])
             if program.parent in [BUILD / "tests" / folder for folder in folders]:
                 self.tests[test["name"]] = test
-        failed = [name for name in self.tests if not self.passes(name)]
+        failed = []
+        for name in self.tests:
+            started = time.monotonic()
+            if not self.passes(name):
+                failed.append(name)
+            self.seconds[name] = time.monotonic() - started
         if failed:
             sys.exit("mutants: these fail without any change: " + " ".join(failed))
 
