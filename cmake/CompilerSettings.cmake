@@ -3,6 +3,7 @@
 option(VELMORA_WERROR "Treat warnings as errors" OFF)
 option(VELMORA_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(VELMORA_SANITIZE_UNDEFINED "Build with the undefined-behaviour sanitizer alone" OFF)
+option(VELMORA_FUZZ "Build with the counters that lead the fuzzers (clang only)" OFF)
 option(VELMORA_COVERAGE "Build with coverage counters" OFF)
 option(VELMORA_HARDENED "Build with hardening: PIE, RELRO, stack protector, _FORTIFY_SOURCE" OFF)
 
@@ -32,6 +33,9 @@ elseif(VELMORA_SANITIZE_UNDEFINED)
     target_compile_options(velmora_settings INTERFACE
         $<$<NOT:$<BOOL:$<TARGET_PROPERTY:VELMORA_PLAIN_LITERALS>>>:-fsanitize=undefined;-fno-sanitize-recover=all>)
     add_link_options(-fsanitize=undefined)
+endif()
+if(VELMORA_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 if(VELMORA_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)

@@ -69,12 +69,15 @@ install_clang_tools() {
     install_missing "libclang-rt-$clang_major-dev" "clang-format-$clang_major" "clang-tidy-$clang_major"
 }
 
-# build PRESET [TARGET...]: configures and builds everything or these targets, asan with clang and the others with gcc;
-# prints the log only if it fails.
+# build PRESET [TARGET...]: configures and builds everything or these targets, asan and fuzz with clang and the others
+# with gcc; prints the log only if it fails.
 build() {
     local compiler targets=()
     [ $# -eq 1 ] || targets=(--target "${@:2}")
-    if [ "$1" = asan ]; then compiler=$clang; else compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed"; fi
+    case "$1" in
+        asan|fuzz) compiler=$clang ;;
+        *) compiler=$(find_gcc) || fail "gcc $least_gcc or later is needed" ;;
+    esac
     stage "Building $1 with $compiler $(major_version "$compiler")"
     # When the compiler changes, cmake loses the settings of the preset: configure from scratch.
     local cached fresh=()

@@ -1,6 +1,7 @@
 // Makes configuration files of any bytes that are a sheet: they must read back with all values, and be otherwise the
 // same sheet.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
 #include "MemoryFile.h"
 
 #include "dic/DataSheet.h"
@@ -9,15 +10,7 @@
 #include "sheets/EntryText.h"
 #include "sheets/FirstEntries.h"
 
-#include <cstdlib>
 #include <set>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 static QString nameOf(const CMemoryFile& file)
 {

@@ -1,18 +1,10 @@
 // Loads any bytes as a data sheet and reads everything that was created from them.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
 #include "MemoryFile.h"
 
 #include "dic/CANopen.h"
 #include "dic/CANopenReader.h"
-
-#include <cstdlib>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 static void inspect(const CCANopen& dictionary)
 {

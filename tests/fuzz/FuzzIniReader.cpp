@@ -1,17 +1,9 @@
 // Gives any bytes to the tokenizer and checks what must hold for every item that it returns.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
 #include "MemoryFile.h"
 
 #include "dic/IniReader.h"
-
-#include <cstdlib>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 static bool isName(const QString& name)
 {

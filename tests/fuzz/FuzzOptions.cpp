@@ -1,6 +1,7 @@
 // Gives any text to what reads the command line: it is refused with a message, or read so that what is written of it
 // reads the same.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
 #include "MemoryFile.h"
 
 #include "access/InterfaceText.h"
@@ -15,14 +16,6 @@
 #include "sheets/IndexRange.h"
 
 #include <algorithm>
-#include <cstdlib>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 using entry = CCANopenObjectEntry;
 using enum valueFormats::TDisplayMode;

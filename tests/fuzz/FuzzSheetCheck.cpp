@@ -1,5 +1,6 @@
 // Checks any bytes as a data sheet: the lines agree with the reader of the browser, and the text is printable.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
 #include "MemoryFile.h"
 
 #include "dic/IniReader.h"
@@ -7,15 +8,7 @@
 #include "sheets/SheetLines.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // The next item, or a line that breaks the grammar; false at the end.
 static bool nextItem(CSheetLines& lines, tSheetLine& line, std::string& section)

@@ -1,18 +1,10 @@
 // Reads any bytes as dumps: they are refused with a reason, or read so that what is written of them reads the same.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
+
 #include "console/ExitStatus.h"
 #include "sheets/SnapshotReader.h"
 #include "sheets/SnapshotText.h"
-
-#include <cstdint>
-#include <cstdlib>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 using tRead = tSnapshot (*)(const QByteArray& text, const QString& fileName);
 using tWrite = QByteArray (*)(const tSnapshot& snapshot);

@@ -1,18 +1,12 @@
 // Gives any line to every evaluator of gateway answers, with buffers of every size, and checks what must always hold.
 // The first byte of the input is the buffer size, the rest the line.
 // SPDX-License-Identifier: MIT
+#include "FuzzInput.h"
+
 #include "tcp/tcp_eval.h"
 
-#include <cstdlib>
 #include <memory>
 #include <string>
-
-// A failed check ends the process, which is what the fuzzer looks for.
-static void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 /// An abort has its code; only the error number -604 gives the same result without one.
 static void check(const char* line, int32_t result, uint32_t abort)
