@@ -60,9 +60,9 @@ void CFakeBus::injectLength(uint32_t id, int length, const char* data)
     put(0, fakeBusFrame(id, length, data));
 }
 
-void CFakeBus::injectBytes(const QByteArray& bytes)
+void CFakeBus::injectBytes(const QByteArray& bytes, int afterMilliseconds)
 {
-    put(0, bytes);
+    put(afterMilliseconds * qint64(1000), bytes);
 }
 
 int CFakeBus::waiting() const

@@ -46,6 +46,8 @@ public:
 
     /// `data` are up to eight bytes in hexadecimal.
     CFakeBusRequest& expect(uint32_t id, const char* data);
+    /// In place of the script: takes each frame that is written. Frames and calls are not recorded then.
+    std::function<void(const can_frame&)> responder;
     /// True if exactly the expected frames were written and all calls were valid; otherwise warns with the reasons.
     bool finished();
 
@@ -54,8 +56,8 @@ public:
     void inject(uint32_t id, const char* data); ///< now
     void injectAfter(int milliseconds, uint32_t id, const char* data);
     void injectLength(uint32_t id, int length, const char* data); ///< with any data length code, as if malformed
-    void injectBytes(const QByteArray& bytes);                    ///< what read() will deliver, of any size
-    int waiting() const;                                          ///< frames that read() could deliver now
+    void injectBytes(const QByteArray& bytes, int afterMilliseconds = 0); ///< what read() will deliver, of any size
+    int waiting() const;                                                  ///< frames that read() could deliver now
 
     /// Makes the `nth` call from now on (1: the next one) and the `times` - 1 after it fail with `error`. A failing
     /// read also makes the socket readable, as an interface that goes down does. close() still releases the descriptor.

@@ -101,31 +101,36 @@ struct CFakeBusCalls {
     }
 
     // The calls must not block: the bus may be busy, or another reader may have taken the message.
-    static void checkNonBlocking(CFakeBus& bus, int descriptor, const QString& call)
+    static void checkNonBlocking(CFakeBus& bus, int descriptor, const char* call)
     {
         if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
-            bus.problem(call + " on a socket that blocks");
+            bus.problem(QString("%1 on a socket that blocks").arg(call));
     }
 
     static ssize_t write(CFakeBus& bus, int descriptor, const void* data, size_t size)
     {
         checkNonBlocking(bus, descriptor, "write()");
-        const QString frame = fakeBusText(data, size);
-        bus.m_calls += "write(" + frame + ")";
+        const QString frame = bus.responder ? QString() : fakeBusText(data, size);
+        if (!bus.responder)
+            bus.m_calls += "write(" + frame + ")";
         if (const auto* failure = bus.failure(CFakeBus::Write))
             return failure->result;
         if (!bus.m_sockets[descriptor].bound) {
             errno = ENXIO;
             return -1;
         }
-        bus.play(frame);
+        if (bus.responder)
+            bus.responder(*static_cast<const can_frame*>(data));
+        else
+            bus.play(frame);
         return ssize_t(size);
     }
 
     static ssize_t read(CFakeBus& bus, int descriptor, void* data, size_t size)
     {
         checkNonBlocking(bus, descriptor, "read()");
-        bus.m_calls += "read()";
+        if (!bus.responder)
+            bus.m_calls += "read()";
         if (const auto* failure = bus.failure(CFakeBus::Read))
             return failure->result;
         if (!bus.readable() || !bus.m_sockets[descriptor].bound) {
