@@ -213,7 +213,8 @@ int32_t top_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE
 static bool top_has_base64(const char* line)
 {
     const char* text = line + std::strcspn(line, "]");
-    text += std::strspn(text, "] \t");
+    text += *text == ']' ? 1 : 0;
+    text += std::strspn(text, " \t");
     const char* padding = text;
     while (base64_belongs(*padding))
         ++padding;
