@@ -4,14 +4,17 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
-/// A failed check ends the process, which is what the fuzzer looks for.
-inline void require(bool condition)
+/// A failed check says where it stands and ends the process, which is what the fuzzer looks for.
+inline void require(bool condition, const char* file = __builtin_FILE(), int line = __builtin_LINE())
 {
-    if (!condition)
-        std::abort();
+    if (condition)
+        return;
+    std::fprintf(stderr, "%s:%d: failed\n", file, line);
+    std::abort();
 }
 
 /// Every function moves past what it takes. After the end all numbers are 0 and all texts empty.
