@@ -67,9 +67,13 @@ std::optional<QByteArray> encodeText(const QByteArray& text, tValueType)
     return inner.replace('\n', '"');
 }
 
+// An answer is one line: what would end it, and all else below a blank, is a question mark.
 QByteArray decodeText(const QByteArray& bytes, tValueType)
 {
-    return quoted(bytes);
+    QByteArray text = bytes;
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    return quoted(text);
 }
 
 constexpr tTypeWord types[] = {

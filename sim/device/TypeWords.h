@@ -21,7 +21,8 @@ struct tTypeWord {
 ///   b                     boolean: 0 or 1                     u8 u16 ... u64   number; answered as 0x1234
 ///   r32 r64               1.5, or the bit pattern 0x3FC00000   i8 i16 ... i64   number; answered as -12
 ///   d                     any bytes in base64; answered as "=" when there are none
-///   vs                    a word, or a quoted text in which a double quote is written twice
+///   vs                    a word, or a quoted text in which a double quote is written twice; answered in quotes, with
+///                         question marks for control characters
 ///   os us t td            not supported
 const tTypeWord* findTypeWord(const QByteArray& word);
 

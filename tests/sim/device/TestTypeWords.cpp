@@ -26,6 +26,7 @@ private Q_SLOTS:
     void wordsAreFoundInAnyCase();
     void unsupportedWordsAreKnown_data();
     void unsupportedWordsAreKnown();
+    void textIsAnsweredOnOneLine();
     void base64WithoutPaddingIsTaken();
     void bytesAreShownAsTextOrOctets();
     void entriesHaveTheTypeThatClientsAskFor_data();
@@ -144,6 +145,14 @@ void TestTypeWords::unsupportedWordsAreKnown()
     const tTypeWord* type = findTypeWord(word);
     QVERIFY(type != nullptr);
     QVERIFY(type->encode == nullptr);
+}
+
+// Other data types write any bytes: a line end in the answer would be two lines for the client.
+void TestTypeWords::textIsAnsweredOnOneLine()
+{
+    const tTypeWord* type = findTypeWord("vs");
+    QCOMPARE(type->decode(QByteArray("a\r\n[7] OK\0\t~\x7F\xE4", 14), type->type),
+             QByteArray("\"a??[7] OK??~\x7F\xE4\""));
 }
 
 void TestTypeWords::base64WithoutPaddingIsTaken()
