@@ -209,7 +209,8 @@ int32_t top_write(BYTE node, WORD index, BYTE subindex, short length, const BYTE
     return top_exchange(tcp_eval_sdo_response);
 }
 
-/// Whether all that follows the number of a line is base64, in groups of four characters; "=" alone is an empty value.
+/// Whether all that follows the number of a line is base64: groups of four characters, the last one with up to two
+/// "="; "=" alone is an empty value.
 static bool top_has_base64(const char* line)
 {
     const char* text = line + std::strcspn(line, "]");
@@ -219,7 +220,7 @@ static bool top_has_base64(const char* line)
     while (base64_belongs(*padding))
         ++padding;
     const char* end = padding + std::strspn(padding, "=");
-    const bool whole = padding == text || (end - text) % top_group_characters == 0;
+    const bool whole = padding == text || ((end - text) % top_group_characters == 0 && end - padding <= 2);
     return whole && end[std::strspn(end, " \t\r\n")] == '\0';
 }
 

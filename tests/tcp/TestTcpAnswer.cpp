@@ -68,7 +68,8 @@ void TestTcpAnswer::valueThatIsNoneIsOdd_data()
     QTest::addColumn<int>("how");
     for (const char* answer : { "", "=", "6AM=", " 6AM= \t", "6AMAAA==" })
         QTest::addRow("value \"%s\"", answer) << QByteArray(answer) << int(top_answer_whole);
-    for (const char* answer : { "OK", "0x03E8", "100", "6AM", "6AM= x", "?", "6AM =", "6AM=6AM=", "]", "]6AM=" })
+    for (const char* answer :
+         { "OK", "0x03E8", "100", "6AM", "6AM= x", "?", "6AM =", "6AM=6AM=", "]", "]6AM=", "6===", "6AMA====" })
         QTest::addRow("no value \"%s\"", answer) << QByteArray(answer) << int(top_answer_odd);
 }
 
