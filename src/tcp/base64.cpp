@@ -36,16 +36,6 @@ bool base64_belongs(char character)
            (character >= 'A' && character <= 'Z') || character == '+' || character == '/';
 }
 
-/// True when the character at `position` belongs to the alphabet. The position may be after the group, but not after a
-/// terminating zero.
-static bool base64_belongs_at(const char* input, int length, int position)
-{
-    for (int before = length > 0 ? length : 0; before < position; ++before)
-        if (input[before] == '\0')
-            return false;
-    return base64_belongs(input[position]);
-}
-
 int base64_encode(const unsigned char* input, int length, char* output, int room)
 {
     int result = room;
@@ -77,17 +67,17 @@ int base64_decode(const char* input, int length, unsigned char* output, int room
     if (room >= 1) {
         // Kept: a single character gives one byte, though it carries only six bits; it is no error.
         output[0] = static_cast<unsigned char>(value(0) * 4 + (value(1) >> 4));
-        counted += base64_belongs_at(input, length, 0);
+        counted += base64_belongs(input[0]);
     }
     if (room >= 2) {
         output[1] = static_cast<unsigned char>(value(1) * 16 + (value(2) >> 2));
         const bool padding = length == 2 && (value(1) & 0x0F) == 0;
-        counted += base64_belongs_at(input, length, 1) && !padding;
+        counted += base64_belongs(input[1]) && !padding;
     }
     if (room >= 3) {
         output[2] = static_cast<unsigned char>(value(2) * 64 + value(3));
         const bool padding = length == 3 && (value(2) & 0x03) == 0;
-        counted += base64_belongs_at(input, length, 2) && !padding;
+        counted += base64_belongs(input[2]) && !padding;
     }
     return counted;
 }

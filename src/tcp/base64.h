@@ -16,9 +16,11 @@ int base64_encode(const unsigned char* input, int length, char* output, int room
 
 /// Decodes one group of `length` characters (up to four) into at most `room` bytes (up to three).
 ///
-/// There are no errors: a character outside the alphabet gives some bits, and its byte is written but not counted. When
-/// `length` is smaller than the room needs, the character after the group must be readable and outside the alphabet.
-/// `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a single character gives one byte, its six bits shifted left by two.
+/// There are no errors: a character outside the alphabet gives some bits, and its byte is written but not counted. The
+/// caller owes three readable characters, or as many as there is room, also when the group is shorter: whether a byte
+/// counts is asked of the character at its place, even after a terminating zero. After a shorter group, one outside the
+/// alphabet should follow. `"QUJD"` gives `"ABC"`, `"QQ"` gives `"A"`, and a single character gives one byte, its six
+/// bits shifted left by two.
 /// @return the number of bytes counted; as many as there is room for are written, at most three, counted or not
 int base64_decode(const char* input, int length, unsigned char* output, int room);
 

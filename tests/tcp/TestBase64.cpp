@@ -63,7 +63,8 @@ private Q_SLOTS:
     void bytesOfBrokenPaddingCount();
     void charactersBehindTheGroupAreLookedAt_data();
     void charactersBehindTheGroupAreLookedAt();
-    void nothingBehindATerminatingZeroIsLookedAt();
+    void charactersBehindATerminatingZeroAreLookedAt();
+    void noMoreCharactersAreLookedAtThanThereIsRoom();
     void versionIsAText() { QVERIFY(qstrlen(base64_version()) > 0); }
 };
 
@@ -316,13 +317,26 @@ void TestBase64::charactersBehindTheGroupAreLookedAt()
     QTEST(result, "result");
 }
 
-void TestBase64::nothingBehindATerminatingZeroIsLookedAt()
+void TestBase64::charactersBehindATerminatingZeroAreLookedAt()
 {
-    const std::unique_ptr<char[]> text(
-        new char[2]{ 'Q', '\0' }); // of the exact size, so that the address sanitizer finds overruns
-    unsigned char data[3] = {};
-    QCOMPARE(base64_decode(text.get(), 1, data, 3), 1);
-    QCOMPARE(data[0], static_cast<unsigned char>(0x40));
+    int result = -1;
+    decoded(QByteArray("Q\0A", 3), 1, 3, &result);
+    QCOMPARE(result, 2); // the third character counts, the zero before it does not
+    decoded(QByteArray("Q\0=", 3), 1, 3, &result);
+    QCOMPARE(result, 1);
+    decoded(QByteArray("\0AA", 3), 0, 3, &result);
+    QCOMPARE(result, 2);
+}
+
+void TestBase64::noMoreCharactersAreLookedAtThanThereIsRoom()
+{
+    for (int room = 0; room <= 3; ++room) {
+        // Of the exact size, so that the address sanitizer finds overruns.
+        const std::unique_ptr<char[]> text(new char[static_cast<std::size_t>(room)]);
+        std::fill_n(text.get(), room, 'Q');
+        unsigned char data[3] = {};
+        QCOMPARE(base64_decode(text.get(), std::min(room, 1), data, room), room);
+    }
 }
 
 QTEST_APPLESS_MAIN(TestBase64)
