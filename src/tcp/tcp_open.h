@@ -22,7 +22,9 @@ struct _top_settings {
 //   -600 - n           the gateway answered with the error number n; a code without a name
 //   0x05000000 and up  SDO transfers and info queries only: the device aborted the transfer with this abort code
 // Without any answer the command itself is evaluated in its place, since both use the same line buffer: reads then
-// succeed with the first word of their command (the node-id, or "info"), other commands return ERR_FORMAT.
+// succeed with the first word of their command (the node-id, or "info"), other commands return ERR_FORMAT. This is so
+// when no answer comes in time and when the gateway closes the connection. When the connection is reset, an empty line
+// is evaluated: reads, too, return ERR_FORMAT. `init` succeeds in each case.
 
 /// Connects to the gateway at the IPv4 address `addr` and the TCP port `port`, both in host byte order; blocks as long
 /// as the operating system tries. `settings` may be null. `baudrate` is ignored: the bit rate is configured in the

@@ -81,6 +81,8 @@ private Q_SLOTS:
     void failedSelectEndsTheWaitLikeATimeOut();
     void afterAHangUpTheCommandItselfIsEvaluated_data() { addCommands(); }
     void afterAHangUpTheCommandItselfIsEvaluated();
+    void afterAResetAnEmptyLineIsEvaluated_data() { addCommands(); }
+    void afterAResetAnEmptyLineIsEvaluated();
     void firstReadAfterAHangUpYieldsTheNodeId();
     void unansweredReadsYieldTheNodeId_data();
     void unansweredReadsYieldTheNodeId();
@@ -202,6 +204,16 @@ void TestTcpCommands::afterAHangUpTheCommandItselfIsEvaluated()
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
 }
 
+void TestTcpCommands::afterAResetAnEmptyLineIsEvaluated()
+{
+    const tCommand& command = fetched();
+    CGatewaySession gateway;
+    gateway.expect(command.line, { "", tGatewayAnswer::reset });
+    QCOMPARE(command.run(), command.awaited == awaitsNothing ? 0 : int32_t(ERR_FORMAT));
+    QCOMPARE(top_last_answer(), int(top_answer_closed));
+    QVERIFY2(gateway.finished(), gateway.problem().c_str());
+}
+
 void TestTcpCommands::firstReadAfterAHangUpYieldsTheNodeId()
 {
     CGatewaySession gateway;
@@ -316,6 +328,10 @@ void TestTcpCommands::timeoutAlwaysClearsThePreviousTimeOut()
     QCOMPARE(top_timeout(1, &previous), int32_t(ERR_FORMAT));
     QCOMPARE(previous, WORD(0));
     QVERIFY2(gateway.finished(), gateway.problem().c_str());
+    top_exit();
+    previous = 1234;
+    QCOMPARE(top_timeout(1, &previous), notSent);
+    QCOMPARE(previous, WORD(0));
 }
 
 QTEST_GUILESS_MAIN(TestTcpCommands)

@@ -46,7 +46,9 @@ private Q_SLOTS:
     void addressAndPortAreTakenInHostByteOrder();
     void settingsMayBeNullAndReachNoCommand();
     void everyBitRateIsAccepted();
-    void initDoesNotAskWhetherAConnectionExists();
+    void openConnectionStaysOpenWhenAnotherIsMade();
+    void failedSocketOverAnOpenConnectionLeavesNone();
+    void failedConnectOverAnOpenConnectionLeavesNone();
     void noSocketLeaksOverManyConnections();
     void descriptorBeyondTheReadSetDoesNoHarm();
     void pipeSignalIsIgnored();
@@ -191,20 +193,55 @@ void TestTcpOpen::everyBitRateIsAccepted()
     }
 }
 
-void TestTcpOpen::initDoesNotAskWhetherAConnectionExists()
+void TestTcpOpen::openConnectionStaysOpenWhenAnotherIsMade()
 {
     CFakeGateway first;
     CFakeGateway second;
     CSystemCalls calls;
-    QList<int> opened;
+    QList<int> opened, closed;
     calls.socket = [&](auto... arguments) { return opened.emplaceBack(__real_socket(arguments...)); };
+    calls.close = [&](int descriptor) { return __real_close(closed.emplaceBack(descriptor)); };
     QCOMPARE(top_init(CFakeGateway::address, first.port(), nullptr, 0), 0);
     QCOMPARE(top_init(CFakeGateway::address, second.port(), nullptr, 0), 0);
     second.expect("[#] 5 start\r\n", "[#] OK\r\n");
     QCOMPARE(top_start_remote_node(5), 0);
+    QVERIFY(closed.isEmpty());
     QCOMPARE(top_exit(), 0);
     QCOMPARE(top_exit(), int32_t(ERR_NOT_INITIALIZED));
+    QCOMPARE(closed, opened.mid(1));
     QVERIFY(first.received().empty());
+    __real_close(opened.constFirst());
+}
+
+void TestTcpOpen::failedSocketOverAnOpenConnectionLeavesNone()
+{
+    CFakeGateway gateway;
+    CSystemCalls calls;
+    int opened = -1, closed = 0;
+    calls.socket = [&](auto... arguments) { return opened = __real_socket(arguments...); };
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    calls.socket = [](auto...) { return -1; };
+    calls.close = [&](int) { return ++closed * 0; };
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), notConnected);
+    QCOMPARE(top_start_remote_node(5), notSent);
+    QCOMPARE(top_exit(), int32_t(ERR_NOT_INITIALIZED));
+    QCOMPARE(closed, 0);
+    __real_close(opened);
+}
+
+void TestTcpOpen::failedConnectOverAnOpenConnectionLeavesNone()
+{
+    CFakeGateway gateway;
+    CSystemCalls calls;
+    QList<int> opened, closed;
+    calls.socket = [&](auto... arguments) { return opened.emplaceBack(__real_socket(arguments...)); };
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    calls.connect = [](auto...) { return -1; };
+    calls.close = [&](int descriptor) { return __real_close(closed.emplaceBack(descriptor)); };
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), notConnected);
+    QCOMPARE(top_start_remote_node(5), notSent);
+    QCOMPARE(top_exit(), int32_t(ERR_NOT_INITIALIZED));
+    QCOMPARE(closed, opened.mid(1));
     __real_close(opened.constFirst());
 }
 
