@@ -256,6 +256,8 @@ void TestCANopenObject::profileTextJoinsWhatIsKnown_data()
     QTest::newRow("everything") << QStringList{ "DS-401", "V2.1", "7.4.2", "34", "http://a" }
                                 << "DS-401, V2.1, Page 34, 7.4.2"
                                 << "DS-401, V2.1, Page 34, 7.4.2" + anchor;
+    QTest::newRow("place markers") << QStringList{ "%1", "%2", "%3", "%1", "%2%1" } << "%1, %2, Page %1, %3"
+                                   << "%1, %2, Page %1, %3, <a href=\"%2%1\">%2%1</a>";
 }
 
 void TestCANopenObject::profileTextJoinsWhatIsKnown()

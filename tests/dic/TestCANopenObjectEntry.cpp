@@ -124,6 +124,12 @@ void TestCANopenObjectEntry::valueRangeShowsTheLimits_data()
                                            << "" << 7 << "Unsigned32";
     QTest::newRow("no limits, Visible String") << ""
                                                << "" << 9 << "Visible String";
+    QTest::newRow("place markers in both") << "%2"
+                                           << "%1" << 7 << "%2,..,%1";
+    QTest::newRow("a place marker in the low limit") << "%1"
+                                                     << "" << 7 << "%1,...";
+    QTest::newRow("another place marker in the low limit") << "%2"
+                                                           << "" << 7 << "%2,...";
     QTest::newRow("no limits, no type") << ""
                                         << "" << 0 << "User-defined Type";
     QTest::newRow("no limits, Identity") << ""

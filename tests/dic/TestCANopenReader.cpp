@@ -189,10 +189,12 @@ void TestCANopenReader::sectionKinds_data()
                                                           { "1018SUBfF", "1018[ff]" } };
     for (const auto& [name, effect] : known)
         QTest::addRow("[%s]", name) << QString(effect);
-    const QString ignored = "fileinfo FILEINFO deviceinfo mandatoryobjects optionalObjects Manufacturerobjects "
-                            "MandatoryObjects_ Comments DummyUsage "
-                            "0x1000 01000 001000 10000 100sub1 1000sub100 1000sub01 1000sub0x1 0x1000sub1 1000sub "
-                            "1000Name 1000Value 1000ObjectLinks";
+    const QString ignored =
+        "fileinfo FILEINFO Fileinfo FileINFO deviceinfo Deviceinfo mandatoryobjects Mandatoryobjects "
+        "optionalObjects Optionalobjects Manufacturerobjects "
+        "MandatoryObjects_ Comments DummyUsage "
+        "0x1000 01000 001000 10000 100sub1 1000sub100 1000sub01 1000sub0x1 0x1000sub1 1000sub "
+        "1000Name 1000Value 1000ObjectLinks";
     for (const QString& name : ignored.split(' '))
         QTest::addRow("[%s]", qPrintable(name)) << QString();
 }

@@ -284,6 +284,10 @@ void TestEdsNumbers::entryIndexesThatStartWithZeroAreReadAndRefused()
     unsigned char subIndex = 0x55;
     QVERIFY(!IsObjectEntry("0x1018sub1", &index, &subIndex));
     QCOMPARE(int(index), 0x1018);
+    QCOMPARE(int(subIndex), 1);
+    QVERIFY(!IsObjectEntry("001018subfF", &index, &subIndex));
+    QCOMPARE(int(index), 0x1018);
+    QCOMPARE(int(subIndex), 0xFF);
 }
 
 void TestEdsNumbers::numbers_data()

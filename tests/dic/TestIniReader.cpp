@@ -33,6 +33,10 @@ private Q_SLOTS:
     void headerIsDeliveredWithItsFirstKey();
     void headerWithoutKeysIsNotDelivered();
     void sameHeaderAgainIsANewSection();
+    void headerClearsKeyAndValue();
+    void refusedLineClearsTheValue_data();
+    void refusedLineClearsTheValue();
+    void skippedLinesKeepTheItem();
     void keyBeforeAnySectionIsAnError() { QCOMPARE(items(";\nk=1\n[a]\n"), QStringList{ "0 in line 2" }); }
     void filesWithoutItemsEndAtOnce_data();
     void filesWithoutItemsEndAtOnce() { compareItems(); }
@@ -127,6 +131,60 @@ void TestIniReader::headerWithoutKeysIsNotDelivered()
 void TestIniReader::sameHeaderAgainIsANewSection()
 {
     QCOMPARE(items("[a]\nk=1\n[a]\nk=2\nl=3\n"), (QStringList{ "1 a k=1", "1 a k=2", "2 a l=3", "-1" }));
+}
+
+void TestIniReader::headerClearsKeyAndValue()
+{
+    for (const char* end : { "", "\n;\n" }) {
+        const CSheetFile file(QByteArray("[a]\nk=v\n[b]") + end);
+        CIniReader reader(file.name());
+        QCOMPARE(reader.moveToNextItem(), 1);
+        QCOMPARE(reader.getKeyValue(), QString("v"));
+        QCOMPARE(reader.moveToNextItem(), -1);
+        QCOMPARE(reader.getSection(), QString("b"));
+        QCOMPARE(reader.getKeyName(), QString(""));
+        QCOMPARE(reader.getKeyValue(), QString(""));
+    }
+}
+
+void TestIniReader::refusedLineClearsTheValue_data()
+{
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("[b c]") << "b"
+                           << "";
+    QTest::newRow("[") << ""
+                       << "";
+    QTest::newRow("[b] c") << "b"
+                           << "";
+    QTest::newRow("l-=2") << "a"
+                          << "l";
+    QTest::newRow("l 2") << "a"
+                         << "l";
+    QTest::newRow("=2") << "a"
+                        << "";
+}
+
+void TestIniReader::refusedLineClearsTheValue()
+{
+    const CSheetFile file(QByteArray("[a]\nk=v\n") + QTest::currentDataTag() + '\n');
+    CIniReader reader(file.name());
+    QCOMPARE(reader.moveToNextItem(), 1);
+    QCOMPARE(reader.moveToNextItem(), 0);
+    QTEST(reader.getSection(), "section");
+    QTEST(reader.getKeyName(), "key");
+    QCOMPARE(reader.getKeyValue(), QString(""));
+}
+
+void TestIniReader::skippedLinesKeepTheItem()
+{
+    const CSheetFile file("[a]\nk=v\n;\n\n \t\n");
+    CIniReader reader(file.name());
+    QCOMPARE(reader.moveToNextItem(), 1);
+    QCOMPARE(reader.moveToNextItem(), -1);
+    QCOMPARE(reader.getSection(), QString("a"));
+    QCOMPARE(reader.getKeyName(), QString("k"));
+    QCOMPARE(reader.getKeyValue(), QString("v"));
 }
 
 void TestIniReader::filesWithoutItemsEndAtOnce_data()

@@ -13,6 +13,7 @@ class TestLineFile : public QObject
 private Q_SLOTS:
     void characterSets_data();
     void characterSets() { compareItems(); }
+    void everyByteOfWindows1252IsItsCharacter();
     void noBreakSpacesAtTheEndsOfAValueAreWhiteSpace();
     void characterSetIsThatOfTheWholeFile();               // one byte at the end decides how the first line is read
     void charactersOfSeveralBytesSurviveAtEveryPosition(); // wherever a block of the file may end
@@ -56,6 +57,19 @@ void TestLineFile::characterSets_data()
     row("stray continuation byte", "[a]\nk=\xBF\n", { QString::fromUtf8("1 a k=¿"), "-1" });
     row("byte order mark before Windows-1252", "\xEF\xBB\xBF[a]\nk=\xFC\n", { "0 in line 1" });
     row("UTF-16", bytes("\xFF\xFE[\0a\0]\0\n\0"), { "0 in line 1" });
+}
+
+void TestLineFile::everyByteOfWindows1252IsItsCharacter()
+{
+    // From 80h on; the five bytes without a character stay the control characters of Latin-1.
+    QString characters = QString::fromUtf8("€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F\u0090‘’“”•–—˜™š›œ\u009DžŸ");
+    for (char16_t latin = 0xA0; latin <= 0xFF; ++latin)
+        characters += QChar(latin);
+    QCOMPARE(characters.size(), 128);
+    for (int place = 0; place < characters.size(); ++place) {
+        const QByteArray text = "[a]\nk=_" + QByteArray(1, static_cast<char>(0x80 + place)) + "_\n";
+        QCOMPARE(items(text), (QStringList{ QString("1 a k=_%1_").arg(characters[place]), "-1" }));
+    }
 }
 
 void TestLineFile::noBreakSpacesAtTheEndsOfAValueAreWhiteSpace()

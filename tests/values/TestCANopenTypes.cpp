@@ -60,6 +60,10 @@ private Q_SLOTS:
     void integer32WithinItsLimits() { check(CCANopenTypes::ascii2integer32); }
     void aNullTextIsReportedAndCountsAsEmpty();
     void aNullResultIsReportedAndNotStored();
+    void whatWasReadBeforeAFailureIsStored_data();
+    void whatWasReadBeforeAFailureIsStored();
+    void blanksAndTabsMayStandAround();
+    void everyReportNamesTheLineOfItsOperation();
 
 private:
     template <typename Value>
@@ -182,6 +186,79 @@ void TestCANopenTypes::aNullResultIsReportedAndNotStored()
     QCOMPARE(CCANopenTypes::ascii2integer32("x", nullptr), false);
     QTest::ignoreMessage(QtWarningMsg, assertion("value"));
     QCOMPARE(CCANopenTypes::ascii2date("2009-12-24", nullptr), true);
+}
+
+void TestCANopenTypes::whatWasReadBeforeAFailureIsStored_data()
+{
+    QTest::addColumn<int>("stored8");
+    QTest::addColumn<int>("stored16");
+    const auto row = [](const char* text, int stored8, int stored16) {
+        QTest::addRow("\"%s\"", text) << stored8 << stored16;
+    };
+    row("", 0, 0);
+    row(" \t", 0, 0);
+    row("x", 0, 0);
+    row("+", 0, 0);
+    row("12x", 12, 12);
+    row("12 x", 12, 12);
+    row("99999", 99, 9999);
+    row("0x12345", 0x12, 0x1234);
+    row("0x12g", 0x12, 0x12);
+    row("0700000", 070, 070000);
+    row("019", 1, 1);
+}
+
+void TestCANopenTypes::whatWasReadBeforeAFailureIsStored()
+{
+    const QByteArray text = QByteArray(QTest::currentDataTag()).chopped(1).mid(1);
+    SDO_t_UNSIGNED8 byte = 77;
+    SDO_t_INTEGER8 signedByte = 77;
+    SDO_t_UNSIGNED16 word = 77;
+    SDO_t_INTEGER16 signedWord = 77;
+    QVERIFY(!CCANopenTypes::ascii2unsigned8(text, &byte));
+    QVERIFY(!CCANopenTypes::ascii2integer8(text, &signedByte));
+    QVERIFY(!CCANopenTypes::ascii2unsigned16(text, &word));
+    QVERIFY(!CCANopenTypes::ascii2integer16(text, &signedWord));
+    QTEST(int(byte), "stored8");
+    QTEST(int(signedByte), "stored8");
+    QTEST(int(word), "stored16");
+    QTEST(int(signedWord), "stored16");
+}
+
+void TestCANopenTypes::blanksAndTabsMayStandAround()
+{
+    for (const char* text : { " 12", "\t12", " \t 12", "12 ", "12\t", "\t 12 \t", "\t014", "\t0xC\t", "\t+12" }) {
+        QCOMPARE(read(CCANopenTypes::ascii2unsigned8, text), tResult(12));
+        QCOMPARE(read(CCANopenTypes::ascii2integer32, text), tResult(12));
+    }
+    for (const char* text : { "\n12", "12\n", "\v12", "12\r" })
+        QCOMPARE(read(CCANopenTypes::ascii2unsigned8, text), refused);
+}
+
+void TestCANopenTypes::everyReportNamesTheLineOfItsOperation()
+{
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& message) { lines += message.section(' ', -1); });
+    CCANopenTypes::ascii2integer8(nullptr, nullptr);
+    CCANopenTypes::ascii2integer16(nullptr, nullptr);
+    CCANopenTypes::ascii2integer32(nullptr, nullptr);
+    CCANopenTypes::ascii2unsigned8(nullptr, nullptr);
+    CCANopenTypes::ascii2unsigned16(nullptr, nullptr);
+    CCANopenTypes::ascii2unsigned32(nullptr, nullptr);
+    CCANopenTypes::ascii2date(nullptr, nullptr);
+    CCANopenTypes::ascii2timeOfDay(nullptr, nullptr);
+    qInstallMessageHandler(before);
+
+    QCOMPARE(lines.size(), 16); // for the text and for the value, in the same line
+    int last = 0;
+    for (int operation = 0; operation < 8; ++operation) { // in the order of the source
+        QCOMPARE(lines[2 * operation], lines[2 * operation + 1]);
+        const int line = lines[2 * operation].chopped(1).mid(1).toInt();
+        QVERIFY(line > last);
+        last = line;
+    }
 }
 
 QTEST_APPLESS_MAIN(TestCANopenTypes)
