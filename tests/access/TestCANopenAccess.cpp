@@ -209,9 +209,11 @@ void TestCANopenAccess::copyrightIsCopiedUpToTheSize()
         QVERIFY(access.getCopyright(text, static_cast<short>(size)));
         QCOMPARE(QByteArray(text, size + 5), notice.left(size) + "~~~~~"); // a full buffer has no terminator
     }
-    std::memset(text, '~', sizeof text);
-    QVERIFY(access.getCopyright(text, static_cast<short>(notice.size() + 1)));
-    QCOMPARE(QByteArray(text), notice);
+    for (const qsizetype size : { notice.size() + 1, notice.size() + 5, qsizetype(300) }) { // nothing is padded
+        std::memset(text, '~', sizeof text);
+        QVERIFY(access.getCopyright(text, static_cast<short>(size)));
+        QCOMPARE(QByteArray(text, 300), (notice + '\0').leftJustified(300, '~'));
+    }
     QVERIFY(!access.getCopyright(nullptr, 100));
     QCOMPARE(access.getLastError(), ERR_NULL_POINTER);
 }

@@ -22,6 +22,8 @@ private Q_SLOTS:
     void writeAnsweredByAnAbortKeepsItsCode();
     void successClearsTheLastAbort();
     void otherFailuresKeepTheLastAbort();
+    void onlyTransfersClearTheLastAbort_data() { addOperations(); }
+    void onlyTransfersClearTheLastAbort();
     void valuesArriveInEveryWidth();
     void negativeIntegersAreSentAsTheirComplement_data();
     void negativeIntegersAreSentAsTheirComplement();
@@ -118,6 +120,18 @@ void TestCANopenAccessOperations::otherFailuresKeepTheLastAbort()
     QVERIFY(!on.access.readUnsigned8(5, 0x2000, 1, &value));
     QCOMPARE(on.access.getLastError(), ERR_NOT_INITIALIZED);
     QCOMPARE(on.access.getLastAbort(), readOnly);
+}
+
+void TestCANopenAccessOperations::onlyTransfersClearTheLastAbort()
+{
+    const tOperation& operation = fetched();
+    CGatewayLink on;
+    on.gateway.expect("[#] 5 read 0x2000 0x1 d\r\n", "[#] Error: 0x06010002\r\n");
+    on.gateway.expect(operation.line, operation.answer);
+    QVERIFY(!readDomain(on.access));
+    QVERIFY(operation.run(on.access));
+    QCOMPARE(on.access.getLastError(), 0);
+    QCOMPARE(on.access.getLastAbort(), operation.ending == transfer ? 0L : readOnly);
 }
 
 void TestCANopenAccessOperations::valuesArriveInEveryWidth()

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void versionsAreCopiedUpToTheSize_data();
     void versionsAreCopiedUpToTheSize();
     void versionsNeedABuffer();
+    void openingClosingAndTextsKeepTheLastAbort();
     void resetStopsAndStartsAgain();
     void terminateAndDestructorClose();
     void revisionLineIsThatOfTheMaster();
@@ -144,8 +145,7 @@ void TestCANopenAccessSocketCAN::versionsAreCopiedUpToTheSize()
     for (const int size : { 0, -1, -32768 })
         QCOMPARE(read(size), QByteArray(220, '~'));
     for (const int size : { int(text.size()) + 1, int(text.size()) + 5, 220 })
-        QCOMPARE(QByteArray(read(size).constData()), text);
-    QCOMPARE(read(int(text.size()) + 1).mid(text.size() + 1), QByteArray(220 - text.size() - 1, '~'));
+        QCOMPARE(read(size), (text + '\0').leftJustified(220, '~')); // nothing is padded
 }
 
 void TestCANopenAccessSocketCAN::versionsNeedABuffer()
@@ -157,6 +157,41 @@ void TestCANopenAccessSocketCAN::versionsNeedABuffer()
     QVERIFY(!on.access.getFirmwareVersion(nullptr, 0));
     QCOMPARE(on.access.getLastError(), -94);
     QCOMPARE(on.access.getLastAbort(), readOnly);
+}
+
+void TestCANopenAccessSocketCAN::openingClosingAndTextsKeepTheLastAbort()
+{
+    tBoundMaster on;
+    on.abortOnce();
+    char text[100];
+    const std::pair<bool (*)(tBoundMaster&, char*), bool> steps[] = {
+        { [](tBoundMaster& bound, char*) { return bound.access.initialize(0, -1, &bound.bus.param, 0); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.getCopyright(nullptr, 100); }, false },
+        { [](tBoundMaster& bound, char* buffer) { return bound.access.getCopyright(buffer, 100); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.getHardwareVersion(nullptr, 100); }, false },
+        { [](tBoundMaster& bound, char* buffer) { return bound.access.getHardwareVersion(buffer, 100); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.getAPIVersion() != nullptr; }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.setSDOTimeout(500, nullptr); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.setLineTimeout(500, nullptr); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.endTransfersWhen(nullptr); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.clearQueue(); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.reset(1); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.reset(0); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.startRemoteNode(128); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.terminate(); }, true },
+        { [](tBoundMaster& bound, char*) { return bound.access.terminate(); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.getAPIVersion() != nullptr; }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.initialize(5, -1, &bound.bus.param, 0); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.initialize(0, 0, &bound.bus.param, 0); }, false },
+        { [](tBoundMaster& bound, char*) { return bound.access.initialize(0, -1, &bound.bus.param, 0); }, true },
+    };
+    for (const auto& [step, success] : steps) {
+        QCOMPARE(step(on, text), success);
+        QCOMPARE(on.access.getLastAbort(), readOnly);
+    }
+    on.bus.expect(0x605, "2F 00 20 01 FF 00 00 00").answer(0x585, "60 00 20 01 00 00 00 00");
+    QVERIFY(on.access.writeUnsigned8(5, 0x2000, 1, 255));
+    QCOMPARE(on.access.getLastAbort(), 0L);
 }
 
 void TestCANopenAccessSocketCAN::resetStopsAndStartsAgain()

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void transmitUsesTheWholeIdentifier_data();
     void transmitUsesTheWholeIdentifier();
     void nullSendsTheObjectsOwnBytes();
+    void transmitStoresNoData();
     void transmitAndUpdateCheckInThisOrder();
     void updateChangesNothing();
     void incompleteWriteIsBusyUntilOneSucceeds_data();
@@ -203,6 +204,18 @@ void TestCanCtrlObjects::nullSendsTheObjectsOwnBytes()
     QCOMPARE(can_transmit(0, 3, nullptr), 0);
     QCOMPARE(can_transmit(0, 0, nullptr), 0);
     QCOMPARE(bus.written(), (QStringList{ "123: 00 00 00", "123:" }));
+}
+
+void TestCanCtrlObjects::transmitStoresNoData()
+{
+    CStartedBus bus;
+    for (const WORD control : { WORD(0x0001), WORD(0x0802) }) {
+        QCOMPARE(can_config(0, 0x123, control), 0);
+        const BYTE data[8] = { 1, 2, 3, 4, 5, 6, 7, 8 };
+        QCOMPARE(can_transmit(0, 8, data), 0);
+        QCOMPARE(can_transmit(0, 8, nullptr), 0);
+        QCOMPARE(bus.written().last(), QString("123: 00 00 00 00 00 00 00 00"));
+    }
 }
 
 void TestCanCtrlObjects::transmitAndUpdateCheckInThisOrder()

@@ -17,6 +17,7 @@ class TestCanCtrlState : public QObject
 
 private Q_SLOTS:
     void nothingIsOpenAtFirst(); // has to run first
+    void onlyAStartRecordsTheBaudRate();
     void stateBitsHaveTheirPlaces();
     void resetRefusesIndex1WhileStarted();
     void failedBindKeepsItsSocketButIsNotInitialised();
@@ -76,12 +77,35 @@ void TestCanCtrlState::nothingIsOpenAtFirst()
     const int descriptors = CFakeBus::descriptorsOfProcess();
     QCOMPARE(can_state.byte, 0x80);
     QCOMPARE(can_hardware(), "interface=\"\", family=29, type=3, protocol=1");
+    QCOMPARE(can_baudrate, 255);
     QCOMPARE(can_queue_empty(), 1);
     QCOMPARE(can_queue_status(), 0);
     QCOMPARE(can_start(0), -95);
     QCOMPARE(can_exit(), 0);
     QCOMPARE(bus.calls(), QStringList());
     QCOMPARE(CFakeBus::descriptorsOfProcess(), descriptors); // there is no socket to close
+}
+
+void TestCanCtrlState::onlyAStartRecordsTheBaudRate()
+{
+    CFakeBus bus;
+    QCOMPARE(can_init(-1, &bus.param), 0);
+    QCOMPARE(can_baudrate, 255);
+    QCOMPARE(can_start(9), -91);
+    QCOMPARE(can_start(1), -91);
+    QCOMPARE(can_baudrate, 255);
+    QCOMPARE(can_start(3), 0);
+    QCOMPARE(can_start(4), -8);
+    QCOMPARE(can_baudrate, 3);
+    QCOMPARE(can_reset(), 0);
+    QCOMPARE(can_baudrate, 3);
+    QCOMPARE(can_exit(), 0);
+    QCOMPARE(can_baudrate, 3);
+    QCOMPARE(can_init(-1, &bus.param), 0);
+    QCOMPARE(can_baudrate, 3);
+    QCOMPARE(can_start(8), 0);
+    QCOMPARE(can_baudrate, 8);
+    can_baudrate = 255;
 }
 
 void TestCanCtrlState::stateBitsHaveTheirPlaces()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void indexOfAFailedCallDoesNotCount();
     void deliversTheMessageThatArrives_data();
     void deliversTheMessageThatArrives();
+    void messageCountsThoughTheTimeHasPassed();
     void requestedLengthIsNoCondition_data();
     void requestedLengthIsNoCondition();
     void messageThatWaitedBeforeIsNoAnswer();
@@ -172,6 +173,22 @@ void TestCopApiRequest::deliversTheMessageThatArrives()
     QCOMPARE(request(0x705, 1), result);
     QCOMPARE(cop_error, result == "-50" ? -50 : 0);
     QVERIFY(isFree(bus));
+}
+
+// It is looked for before the time is tested.
+void TestCopApiRequest::messageCountsThoughTheTimeHasPassed()
+{
+    CFakeBus bus;
+    QCOMPARE(cop_init(-1, &bus.param, 0), 0);
+    bus.before = [&, looks = 0](CFakeBus::ECall call) mutable {
+        if (call != CFakeBus::Gettimeofday)
+            return;
+        if (++looks == 1) // when the timer starts
+            bus.inject(0x705, "7F");
+        else
+            bus.advance(1000);
+    };
+    QCOMPARE(request(0x705, 1), "0: 7F");
 }
 
 void TestCopApiRequest::requestedLengthIsNoCondition_data()

@@ -172,6 +172,11 @@ void TestTcpEvalData::stringIsTakenPlainOrQuoted_data()
              { "\"abc\r\n", "abc" },
              { "\"abc\tdef\"", "abc" },
              { "\"abc\xE9xyz\"", "abc" },
+             { "\"ab\x1F"
+               "c\"",
+               "ab" },
+             { "\"\x1F\"", "" },
+             { "\" \"", " " },
              { "\"", "" },
              { "error", "error" },
              { "\"Error: 5\"", "Error: 5" },

@@ -102,6 +102,11 @@ private Q_SLOTS:
     void characterSkipsNothing();
     void endOfTextIsMinusOne();
     void nullPointersAreTheEnd();
+    void domainIsTakenWithItsPadding_data();
+    void domainIsTakenWithItsPadding();
+    void stringIsTakenWithItsQuotes_data();
+    void stringIsTakenWithItsQuotes();
+    void bytesOf128AndAboveAreNegative();
     void compareIgnoresCase_data();
     void compareIgnoresCase();
 };
@@ -217,6 +222,75 @@ void TestTcpScan::nullPointersAreTheEnd()
     QCOMPARE(ascii2string("abc", nullptr, text, &length, 4), 0);
     QCOMPARE(ascii2string("abc", &cursor, nullptr, &length, 4), 0);
     QCOMPARE(ascii2string("abc", &cursor, text, nullptr, 4), 0);
+}
+
+void TestTcpScan::domainIsTakenWithItsPadding_data()
+{
+    QTest::addColumn<int>("taken");
+    for (auto [text, taken] : std::initializer_list<std::pair<const char*, int>>{ { "QUJD", 4 },
+                                                                                  { "QUJDx", 5 },
+                                                                                  { "QUJD-x", 4 },
+                                                                                  { "QQ==-", 4 },
+                                                                                  { "QQ==QUJD", 4 },
+                                                                                  { "QQ= =", 3 },
+                                                                                  { "QQ=====;", 7 },
+                                                                                  { " \tQUI=\r\n", 6 },
+                                                                                  { "====x", 4 },
+                                                                                  { " ", 1 },
+                                                                                  { "", 0 } })
+        QTest::addRow("\"%s\"", text) << taken;
+}
+
+void TestTcpScan::domainIsTakenWithItsPadding()
+{
+    const QByteArray text = QByteArray(QTest::currentDataTag()).chopped(1).mid(1);
+    std::uint32_t cursor = 0;
+    short length = 0;
+    BYTE data[8];
+    QCOMPARE(ascii2domain(text.constData(), &cursor, data, &length, 8), 1);
+    QTEST(static_cast<int>(cursor), "taken");
+}
+
+void TestTcpScan::stringIsTakenWithItsQuotes_data()
+{
+    QTest::addColumn<int>("taken");
+    for (auto [text, taken] : std::initializer_list<std::pair<const char*, int>>{ { "abc", 3 },
+                                                                                  { "abc def", 3 },
+                                                                                  { " \tabc\r\n", 5 },
+                                                                                  { "'a b'", 2 },
+                                                                                  { "\"a b\"c", 5 },
+                                                                                  { "\"a\"\"b\"\"", 7 },
+                                                                                  { "\"a b", 4 },
+                                                                                  { "\"a\x1F\"", 2 },
+                                                                                  { "\"\"x", 2 },
+                                                                                  { " ", 1 },
+                                                                                  { "", 0 } })
+        QTest::addRow("<%s>", text) << taken;
+}
+
+void TestTcpScan::stringIsTakenWithItsQuotes()
+{
+    const QByteArray text = QByteArray(QTest::currentDataTag()).chopped(1).mid(1);
+    for (const short size : { short(8), short(0) }) {
+        std::uint32_t cursor = 0;
+        short length = 0;
+        char stored[8];
+        QCOMPARE(ascii2string(text.constData(), &cursor, stored, &length, size), 1);
+        QTEST(static_cast<int>(cursor), "taken");
+    }
+}
+
+// That of 255 reads as the end of the text, though it is taken.
+void TestTcpScan::bytesOf128AndAboveAreNegative()
+{
+    for (auto [text, code] : std::initializer_list<std::pair<const char*, int>>{
+             { "\x7F", 127 }, { "\x80", -128 }, { "\xFE", -2 }, { "\xFF", -1 } }) {
+        std::uint32_t cursor = 0;
+        QCOMPARE(lookahead(text, &cursor), code);
+        QCOMPARE(cursor, 0u);
+        QCOMPARE(character(text, &cursor), code);
+        QCOMPARE(cursor, 1u);
+    }
 }
 
 void TestTcpScan::compareIgnoresCase_data()
