@@ -27,6 +27,7 @@ private Q_SLOTS:
     void nullPointersAreFatal();
     void otherNumbersOfBytesAreRefused();
     void sdoTimeoutIsSetAndThePreviousOneTold();
+    void sdoTimeoutOfZeroEndsAtOnce();
     void queueWritesThirtyTwoBitsOnSuccessOnly();
     void queueIsCleared();
     void messageIsRequested();
@@ -191,8 +192,24 @@ void TestCANopenAccessMaster::sdoTimeoutIsSetAndThePreviousOneTold()
     QCOMPARE(on.bus.milliseconds() - start, 70);
     QVERIFY(on.access.setSDOTimeout(300, nullptr));
     QCOMPARE(on.access.getLastError(), -50);
-    QVERIFY(on.access.setSDOTimeout(500, &previous));
-    QCOMPARE(previous, WORD(300));
+    for (const auto& [next, last] : { std::pair(0, 300), std::pair(65535, 0), std::pair(500, 65535) }) {
+        QVERIFY(on.access.setSDOTimeout(WORD(next), &previous));
+        QCOMPARE(int(previous), last);
+    }
+    QVERIFY(on.bus.finished());
+}
+
+void TestCANopenAccessMaster::sdoTimeoutOfZeroEndsAtOnce()
+{
+    tBoundMaster on;
+    QVERIFY(on.access.setSDOTimeout(0, nullptr));
+    const qint64 start = on.bus.milliseconds();
+    on.bus.expect(0x605, "40 00 20 01 00 00 00 00");
+    on.bus.expect(0x605, "80 00 20 01 00 00 04 05");
+    QVERIFY(!readDomain(on.access));
+    QCOMPARE(on.access.getLastError(), -50);
+    QCOMPARE(on.bus.milliseconds() - start, 0);
+    QVERIFY(on.access.setSDOTimeout(500, nullptr));
     QVERIFY(on.bus.finished());
 }
 

@@ -51,6 +51,8 @@ private Q_SLOTS:
     void failedConnectOverAnOpenConnectionLeavesNone();
     void noSocketLeaksOverManyConnections();
     void descriptorBeyondTheReadSetDoesNoHarm();
+    void descriptorsAreUsedUpToTheSizeOfTheReadSet_data();
+    void descriptorsAreUsedUpToTheSizeOfTheReadSet();
     void pipeSignalIsIgnored();
     void gatewayThatHangsUpIsAnErrorCode();
     void sequenceNumbersGoOnOverANewConnection();
@@ -281,6 +283,41 @@ void TestTcpOpen::descriptorBeyondTheReadSetDoesNoHarm()
     CGatewaySession next;
     next.expect("[#] 5 start\r\n", "[#] OK\r\n");
     QCOMPARE(top_start_remote_node(5), 0);
+}
+
+void TestTcpOpen::descriptorsAreUsedUpToTheSizeOfTheReadSet_data()
+{
+    QTest::addColumn<int>("descriptor");
+    QTest::addColumn<int>("result");
+    QTest::newRow("the last one") << FD_SETSIZE - 1 << 0;
+    QTest::newRow("one more") << FD_SETSIZE << int(notConnected);
+}
+
+void TestTcpOpen::descriptorsAreUsedUpToTheSizeOfTheReadSet()
+{
+    QFETCH(int, descriptor);
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max <= FD_SETSIZE)
+        QSKIP("too few descriptors for this test");
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    CFakeGateway gateway;
+    CSystemCalls calls;
+    int closed = 0;
+    calls.socket = [=](auto... arguments) {
+        const int opened = __real_socket(arguments...);
+        dup2(opened, descriptor);
+        __real_close(opened);
+        return descriptor;
+    };
+    calls.close = [&](int which) {
+        closed += which == descriptor;
+        return __real_close(which);
+    };
+    QTEST(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), "result");
+    top_exit();
+    QCOMPARE(closed, 1);
 }
 
 void TestTcpOpen::pipeSignalIsIgnored()

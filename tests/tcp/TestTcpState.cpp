@@ -1,5 +1,5 @@
-// Sequence numbers of the gateway client: which calls use one up, and that they never wrap. No test can send thousands
-// of millions of commands: the source is included here, so that the number can be set.
+// What the gateway client remembers: its sequence numbers, which never wrap, and settings, which no command carries.
+// No test can send thousands of millions of commands: this one includes the source, in order to set and see its state.
 // SPDX-License-Identifier: MIT
 #include "tcp/tcp_open.cpp"
 
@@ -10,7 +10,7 @@
 
 #include <climits>
 
-class TestTcpSequence : public QObject
+class TestTcpState : public QObject
 {
     Q_OBJECT
 
@@ -24,15 +24,17 @@ private Q_SLOTS:
     void onlyCommandsUseUpANumber_data();
     void onlyCommandsUseUpANumber();
     void connectingUsesUpNoNumber();
+    void settingsAreStoredUntilTheExit();
+    void settingsOfAFailedConnectionAreNotStored();
 };
 
-void TestTcpSequence::cleanup()
+void TestTcpState::cleanup()
 {
     top_exit();
     top_sequence = 1;
 }
 
-void TestTcpSequence::numbersNeverWrap_data()
+void TestTcpState::numbersNeverWrap_data()
 {
     QTest::addColumn<long>("number");
     for (const long number :
@@ -40,7 +42,7 @@ void TestTcpSequence::numbersNeverWrap_data()
         QTest::addRow("%ld", number) << number;
 }
 
-void TestTcpSequence::numbersNeverWrap()
+void TestTcpState::numbersNeverWrap()
 {
     QFETCH(long, number);
     CSystemCalls calls;
@@ -56,14 +58,14 @@ void TestTcpSequence::numbersNeverWrap()
                        QByteArray::number(qint64(number + 1)) + "] 5 start\r\n");
 }
 
-void TestTcpSequence::answersAreFoundByLargeNumbers_data()
+void TestTcpState::answersAreFoundByLargeNumbers_data()
 {
     QTest::addColumn<long>("number");
     for (const long number : { 65535L, 0x7FFFFFFFL, 0x80000000L, 0xFFFFFFFFL })
         QTest::addRow("%ld", number) << number;
 }
 
-void TestTcpSequence::answersAreFoundByLargeNumbers()
+void TestTcpState::answersAreFoundByLargeNumbers()
 {
     QFETCH(long, number);
     CGatewaySession gateway;
@@ -75,7 +77,7 @@ void TestTcpSequence::answersAreFoundByLargeNumbers()
     QCOMPARE(gateway.lastNumber(), number);
 }
 
-void TestTcpSequence::onlyCommandsUseUpANumber_data()
+void TestTcpState::onlyCommandsUseUpANumber_data()
 {
     QTest::addColumn<int>("used");
     QTest::addColumn<std::function<void()>>("call");
@@ -106,7 +108,7 @@ void TestTcpSequence::onlyCommandsUseUpANumber_data()
         row(command.line, 1, [&command] { command.run(); });
 }
 
-void TestTcpSequence::onlyCommandsUseUpANumber()
+void TestTcpState::onlyCommandsUseUpANumber()
 {
     QFETCH(int, used);
     QFETCH(std::function<void()>, call);
@@ -122,7 +124,7 @@ void TestTcpSequence::onlyCommandsUseUpANumber()
     }
 }
 
-void TestTcpSequence::connectingUsesUpNoNumber()
+void TestTcpState::connectingUsesUpNoNumber()
 {
     CFakeGateway gateway;
     _top_settings settings = { 1, 2, 3 };
@@ -131,5 +133,32 @@ void TestTcpSequence::connectingUsesUpNoNumber()
     QCOMPARE(top_sequence, 77L);
 }
 
-QTEST_GUILESS_MAIN(TestTcpSequence)
-#include "TestTcpSequence.moc"
+void TestTcpState::settingsAreStoredUntilTheExit()
+{
+    const auto stored = [] { return QList<int>{ top_settings.net, top_settings.node, top_settings.master }; };
+    CFakeGateway gateway;
+    _top_settings settings = { 2, 3, 4 };
+    QCOMPARE(stored(), (QList<int>{ 1, 1, 255 }));
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), &settings, 0), 0);
+    QCOMPARE(stored(), (QList<int>{ 2, 3, 4 }));
+    const int first = top_client;
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    QCOMPARE(stored(), (QList<int>{ 2, 3, 4 }));
+    QCOMPARE(top_exit(), 0);
+    QCOMPARE(stored(), (QList<int>{ 1, 1, 255 }));
+    __real_close(first);
+}
+
+void TestTcpState::settingsOfAFailedConnectionAreNotStored()
+{
+    CSystemCalls calls;
+    calls.connect = [](auto...) { return -1; };
+    _top_settings settings = { 2, 3, 4 };
+    QCOMPARE(top_init(0x7F000001, 1, &settings, 0), top_connect_failed);
+    QCOMPARE(top_settings.net, BYTE(1));
+    QCOMPARE(top_settings.node, BYTE(1));
+    QCOMPARE(top_settings.master, BYTE(255));
+}
+
+QTEST_GUILESS_MAIN(TestTcpState)
+#include "TestTcpState.moc"
