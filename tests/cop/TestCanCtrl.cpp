@@ -26,6 +26,7 @@ private Q_SLOTS:
     void socketOfAFailedBindStaysOpenUntilTheExit();
     void nameIsCutAfter16Characters_data();
     void nameIsCutAfter16Characters();
+    void nameOfAFailedOpeningIsForgotten();
     void exitClosesAndRestoresTheDefaults();
     void exitOnlySetsTheStoppedBit();
     void failedCloseIsNoErrorAndClosesOnce();
@@ -188,6 +189,16 @@ void TestCanCtrl::nameIsCutAfter16Characters()
     QCOMPARE(can_exit(), 0);
     bus.param.ifname = "can0"; // nothing of the long name is left after the short one
     QCOMPARE(can_init(-1, &bus.param), 0);
+    QCOMPARE(can_hardware(), "interface=\"can0\", family=29, type=3, protocol=1");
+}
+
+void TestCanCtrl::nameOfAFailedOpeningIsForgotten()
+{
+    CFakeBus bus;
+    bus.param.ifname = "missing";
+    QCOMPARE(can_init(-1, &bus.param), -10000);
+    bus.param.ifname = "can0";
+    QCOMPARE(can_init(-1, &bus.param), 0); // without an exit
     QCOMPARE(can_hardware(), "interface=\"can0\", family=29, type=3, protocol=1");
 }
 

@@ -32,6 +32,8 @@ private Q_SLOTS:
     void errorIsToldWithAllItsBits_data();
     void errorIsToldWithAllItsBits();
     void errorOfADomainReadIsTold();
+    void answerOfADomainReadIsOddOnlyWhenWhole_data();
+    void answerOfADomainReadIsOddOnlyWhenWhole();
     void whatIsNoWholeErrorIsNotTold_data();
     void whatIsNoWholeErrorIsNotTold();
     void hangUpIsTold();
@@ -66,7 +68,7 @@ void TestTcpAnswer::valueThatIsNoneIsOdd_data()
 {
     QTest::addColumn<QByteArray>("answer");
     QTest::addColumn<int>("how");
-    for (const char* answer : { "", "=", "6AM=", " 6AM= \t", "6AMAAA==" })
+    for (const char* answer : { "", "=", "6AM=", " 6AM= \t", "\t 6AM=", "6AMAAA==" })
         QTest::addRow("value \"%s\"", answer) << QByteArray(answer) << int(top_answer_whole);
     for (const char* answer :
          { "OK", "0x03E8", "100", "6AM", "6AM= x", "?", "6AM =", "6AM=6AM=", "]", "]6AM=", "6===", "6AMA====" })
@@ -127,6 +129,30 @@ void TestTcpAnswer::errorOfADomainReadIsTold()
     uint32_t told = 0;
     QVERIFY(top_last_error(&told));
     QCOMPARE(told, 5U);
+}
+
+void TestTcpAnswer::answerOfADomainReadIsOddOnlyWhenWhole_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("manner");
+    QTest::addColumn<int>("how");
+    QTest::newRow("error") << QByteArray("[#] Error: 5\r\n") << int(tGatewayAnswer::together) << int(top_answer_whole);
+    QTest::newRow("abort") << QByteArray("[#] Error: 0x06020000\r\n") << int(tGatewayAnswer::together)
+                           << int(top_answer_whole);
+    QTest::newRow("cut") << QByteArray("[#] OK") << int(tGatewayAnswer::hangUp) << int(top_answer_cut);
+    QTest::newRow("closed") << QByteArray() << int(tGatewayAnswer::hangUp) << int(top_answer_closed);
+    QTest::newRow("another number") << QByteArray("[#+1] OK\r\n") << int(tGatewayAnswer::hangUp)
+                                    << int(top_answer_closed);
+}
+
+void TestTcpAnswer::answerOfADomainReadIsOddOnlyWhenWhole()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(int, manner);
+    CGatewaySession gateway;
+    gateway.expect("[#] 5 read 0x1017 0x1A d\r\n", { answer.toStdString(), manner });
+    runReadDomain();
+    QTEST(top_last_answer(), "how");
 }
 
 void TestTcpAnswer::whatIsNoWholeErrorIsNotTold_data()

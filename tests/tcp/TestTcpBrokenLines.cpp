@@ -28,6 +28,8 @@ private Q_SLOTS:
     void lineAfterAFailedReceiveIsNoAnswer();
     void lineAfterAFailedReceiveIsEvaluatedAsEmpty();
     void failedReceiveInALaterLineHidesThatLineOnly();
+    void lineWithoutItsBracketIsNoAnswer();
+    void lineThatArrivesAsItsTimeEndsIsRead();
     void timeOutWithinALineEndsTheWait_data();
     void timeOutWithinALineEndsTheWait();
 };
@@ -72,6 +74,36 @@ void TestTcpBrokenLines::failedReceiveInALaterLineHidesThatLineOnly()
     uint8_t value = 77;
     QCOMPARE(top_read_8bit(5, 0x1017, 0, &value), 0);
     QCOMPARE(value, uint8_t(31));
+}
+
+void TestTcpBrokenLines::lineWithoutItsBracketIsNoAnswer()
+{
+    CGatewaySession gateway;
+    for (const char first : { 'x', '<', '-', '#' }) {
+        gateway.answerWith([=](const std::string& line) {
+            const std::string number = std::to_string(gatewayText::numberOf(line));
+            return first + number + "] 42\r\n[#] 31\r\n";
+        });
+        uint8_t value = 77;
+        QCOMPARE(top_read_8bit(5, 0x1017, 0, &value), 0);
+        QCOMPARE(value, uint8_t(31));
+    }
+}
+
+void TestTcpBrokenLines::lineThatArrivesAsItsTimeEndsIsRead()
+{
+    CGatewaySession gateway;
+    gateway.expect(readCommand, "[#] 42\r\n");
+    CSystemCalls calls;
+    calls.select = [](int sockets, fd_set* read, fd_set* write, fd_set* except, timeval* timeout) {
+        timeval whole = { 66, 0 };
+        *timeout = { 0, 0 };
+        return __real_select(sockets, read, write, except, &whole);
+    };
+    uint8_t value = 77;
+    QCOMPARE(top_read_8bit(5, 0x1017, 0, &value), 0);
+    QCOMPARE(value, uint8_t(42));
+    QCOMPARE(top_last_answer(), int(top_answer_whole));
 }
 
 void TestTcpBrokenLines::timeOutWithinALineEndsTheWait_data()

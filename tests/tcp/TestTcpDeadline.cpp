@@ -4,6 +4,7 @@
 
 #include "FakeGateway.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 #include <ctime>
@@ -11,8 +12,9 @@
 namespace
 {
 
-int secondsPerLook = 0; // by which the client's clock moves each time it is read
-time_t secondsPassed = 0;
+int millisecondsPerLook = 0; // by which the client's clock moves each time it is read
+long millisecondsPassed = 0;
+int looksAtOtherClocks = 0;
 
 } // namespace
 
@@ -22,8 +24,11 @@ extern "C" int __wrap_clock_gettime(clockid_t clock, timespec* now);
 extern "C" int __wrap_clock_gettime(clockid_t clock, timespec* now)
 {
     const int result = __real_clock_gettime(clock, now);
-    secondsPassed += secondsPerLook;
-    now->tv_sec += secondsPassed;
+    looksAtOtherClocks += clock != CLOCK_MONOTONIC;
+    millisecondsPassed += millisecondsPerLook;
+    const long nanoseconds = now->tv_nsec + millisecondsPassed % 1000 * 1000000;
+    now->tv_sec += millisecondsPassed / 1000 + nanoseconds / 1000000000;
+    now->tv_nsec = nanoseconds % 1000000000;
     return result;
 }
 
@@ -32,22 +37,56 @@ class TestTcpDeadline : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { secondsPerLook = 0; }
-    void cleanup() { top_exit(); }
+    void init() { millisecondsPerLook = 0; }
+    void cleanup();
 
-    void aFloodWithoutLineEndIsLeftAfter66Seconds();
+    void aFloodWithoutLineEndIsLeftAfterItsTime_data();
+    void aFloodWithoutLineEndIsLeftAfterItsTime();
+    void wallClockDoesNotCount();
     void aLineWithinItsTimeIsReadToItsEnd();
 };
 
-void TestTcpDeadline::aFloodWithoutLineEndIsLeftAfter66Seconds()
+void TestTcpDeadline::cleanup()
 {
+    millisecondsPerLook = 0;
+    top_line_timeout(66000);
+    top_exit();
+}
+
+void TestTcpDeadline::aFloodWithoutLineEndIsLeftAfterItsTime_data()
+{
+    QTest::addColumn<int>("time");
+    QTest::addColumn<int>("perLook");
+    QTest::newRow("66 s") << 66000 << 1000;
+    QTest::newRow("1.5 s") << 1500 << 10;
+    QTest::newRow("0.3 s") << 300 << 10;
+}
+
+void TestTcpDeadline::aFloodWithoutLineEndIsLeftAfterItsTime()
+{
+    QFETCH(int, time);
+    QFETCH(int, perLook);
     CFakeGateway gateway;
     gateway.expect("[#] 5 start\r\n", std::string(1000, 'x'));
     QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
-    secondsPerLook = 1;
-    secondsPassed = 0;
+    top_line_timeout(time);
+    millisecondsPerLook = perLook;
+    millisecondsPassed = 0;
+    QElapsedTimer clock; // what has really passed counts, too
+    clock.start();
     QCOMPARE(top_start_remote_node(5), -70);
-    QVERIFY2(secondsPassed > 66 && secondsPassed < 70, "it has not left the line when its time had passed");
+    const long passed = millisecondsPassed;
+    QVERIFY2(passed + clock.elapsed() > time && passed <= time + 4 * perLook, qPrintable(QString::number(passed)));
+}
+
+void TestTcpDeadline::wallClockDoesNotCount()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] 5 start\r\n", "[#] OK\r\n");
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    looksAtOtherClocks = 0;
+    QCOMPARE(top_start_remote_node(5), 0);
+    QCOMPARE(looksAtOtherClocks, 0);
 }
 
 void TestTcpDeadline::aLineWithinItsTimeIsReadToItsEnd()

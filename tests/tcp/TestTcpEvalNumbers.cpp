@@ -205,6 +205,7 @@ private Q_SLOTS:
     void readInteger32WithinItsLimits() { checkRow(&tcp_eval_sdo_integer32); }
     void everyNumberOfTheNarrowWidthsIsReadInAllForms();
     void endlessDigitsAreRefused();
+    void numbersThatFitOnlyAfterTheyWrapAreRefused();
     void unreadableNumberBecomesZero();
     void unsignedNumbersHaveNoSign();
 
@@ -265,10 +266,29 @@ void TestTcpEvalNumbers::endlessDigitsAreRefused()
     QCOMPARE(zero, uint8_t(0));
 }
 
+// Of each of them, 32 bits are a small number.
+void TestTcpEvalNumbers::numbersThatFitOnlyAfterTheyWrapAreRefused()
+{
+    for (const char* text : { "4294967296", "42949672961", "0x100000000", "0x1000000001", "040000000000",
+                              "0400000000001", "18446744073709551617", "0x10000000000000001" }) {
+        const QByteArray line = QByteArray("[1] ") + text;
+        uint8_t number8 = 0;
+        uint16_t number16 = 0;
+        uint32_t number32 = 0;
+        int8_t signed8 = 0;
+        int32_t signed32 = 0;
+        QCOMPARE(tcp_eval_sdo_unsigned8(line.constData(), &number8, nullptr), int32_t(ERR_FORMAT));
+        QCOMPARE(tcp_eval_sdo_unsigned16(line.constData(), &number16, nullptr), int32_t(ERR_FORMAT));
+        QCOMPARE(tcp_eval_sdo_unsigned32(line.constData(), &number32, nullptr), int32_t(ERR_FORMAT));
+        QCOMPARE(tcp_eval_sdo_integer8(line.constData(), &signed8, nullptr), int32_t(ERR_FORMAT));
+        QCOMPARE(tcp_eval_sdo_integer32(line.constData(), &signed32, nullptr), int32_t(ERR_FORMAT));
+    }
+}
+
 void TestTcpEvalNumbers::unreadableNumberBecomesZero()
 {
-    for (const char* line :
-         { "[1] -", "[1] +", "[1] -x", "[1] +x", "[1] +-5", "[1] -+5", "[1] ++5", "[1] --5", "[1] - 5" }) {
+    for (const char* line : { "[1] -", "[1] +", "[1] -x", "[1] +x", "[1] +-5", "[1] -+5", "[1] ++5", "[1] --5",
+                              "[1] - 5", "[1] +a", "[1] +F", "[1] -a" }) {
         int8_t number = 77;
         QCOMPARE(tcp_eval_sdo_integer8(line, &number, nullptr), int32_t(ERR_FORMAT));
         QCOMPARE(number, int8_t(0));

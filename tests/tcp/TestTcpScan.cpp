@@ -107,6 +107,7 @@ private Q_SLOTS:
     void stringIsTakenWithItsQuotes_data();
     void stringIsTakenWithItsQuotes();
     void bytesOf128AndAboveAreNegative();
+    void minusIsTakenOnlyBeforeADigit();
     void compareIgnoresCase_data();
     void compareIgnoresCase();
 };
@@ -201,6 +202,11 @@ void TestTcpScan::nullPointersAreTheEnd()
     std::uint32_t cursor = 0;
     QCOMPARE(lookahead(nullptr, &cursor), -1);
     QCOMPARE(lookahead("x", nullptr), -1);
+    QCOMPARE(character(nullptr, &cursor), -1);
+    QCOMPARE(character("x", nullptr), -1);
+    QCOMPARE(token(nullptr, &cursor), -1);
+    QCOMPARE(token("ok", nullptr), -1);
+    QCOMPARE(cursor, 0u);
     QCOMPARE(compare(nullptr, "ok"), 0);
     QCOMPARE(compare("ok", nullptr), 0);
     std::uint8_t number = 9;
@@ -290,6 +296,17 @@ void TestTcpScan::bytesOf128AndAboveAreNegative()
         QCOMPARE(cursor, 0u);
         QCOMPARE(character(text, &cursor), code);
         QCOMPARE(cursor, 1u);
+    }
+}
+
+void TestTcpScan::minusIsTakenOnlyBeforeADigit()
+{
+    for (auto [text, taken] : std::initializer_list<std::pair<const char*, std::uint32_t>>{
+             { "-", 0 }, { "-x", 0 }, { "-5", 2 }, { "-a", 0 }, { "--5", 0 }, { "+x", 1 } }) {
+        std::uint32_t cursor = 0;
+        std::int8_t number = 77;
+        ascii2integer8(text, &cursor, &number);
+        QCOMPARE(cursor, taken);
     }
 }
 

@@ -17,6 +17,7 @@ class TestTcpState : public QObject
 private Q_SLOTS:
     void cleanup();
 
+    void nothingHasHappenedAtFirst(); // has to run first
     void numbersNeverWrap_data();
     void numbersNeverWrap();
     void answersAreFoundByLargeNumbers_data();
@@ -32,6 +33,15 @@ void TestTcpState::cleanup()
 {
     top_exit();
     top_sequence = 1;
+}
+
+void TestTcpState::nothingHasHappenedAtFirst()
+{
+    QCOMPARE(top_sequence, 1L);
+    QCOMPARE(top_client, -1);
+    QCOMPARE(top_last_answer(), int(top_answer_none));
+    QVERIFY(!top_last_error(nullptr));
+    QCOMPARE(top_line_timeout(66000), 66000);
 }
 
 void TestTcpState::numbersNeverWrap_data()
@@ -101,6 +111,7 @@ void TestTcpState::onlyCommandsUseUpANumber_data()
     row("top_last_error", 0, [] { top_last_error(nullptr); });
     row("top_line_timeout", 0, [] { top_line_timeout(66000); });
     row("top_version", 0, [] { top_version(); });
+    row("top_write of a negative length", 1, [] { top_write(5, 0x1017, 0, -1, nullptr); });
     row("top_write of nothing", 1, [] { top_write(5, 0x1017, 0, 0, nullptr); });
     row("top_transmit of nothing", 1, [] { top_transmit(0x181, 0, nullptr); });
     row("top_read without room", 1, [] { top_read(5, 0x1017, 0, nullptr, nullptr, 0); });

@@ -266,6 +266,7 @@ void TestTcpTransfers::transmitPutsTheDataOnALineOfTheirOwn_data()
         { "[#] send 0x7FF 8\r\n 0x1 0x2 0x3 0x4 0x5 0x6 0x7 0x8\r\n", 0x7FF, "\x01\x02\x03\x04\x05\x06\x07\x08" },
         { "[#] send 0x1ABCDEF0 3\r\n 0xA 0x80 0xFE\r\n", 0x1ABCDEF0, "\x0A\x80\xFE" },
         { "[#] send 0x7FFFFFFF 9\r\n 0x1 0x1 0x1 0x1 0x1 0x1 0x1 0x1 0x1\r\n", 0x7FFFFFFF, QByteArray(9, '\x01') },
+        { "[#] send 0xFFFFFFFF 0\r\n\r\n", -1, "" },
     };
     for (const auto& row : rows)
         QTest::newRow(row.line) << row.id << row.data;

@@ -1,10 +1,11 @@
-// Bytes of 128 and above in the answers of a gateway. They belong to no item, and 255 reads as the end of the line.
+// Edges of the evaluators: bytes of 128 and above, which belong to no item (255 reads as the end of the line), and
+// missing pointers.
 // SPDX-License-Identifier: MIT
 #include "Evaluators.h"
 
 #include <QtTest>
 
-class TestTcpEvalBytes : public QObject
+class TestTcpEvalEdges : public QObject
 {
     Q_OBJECT
 
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void byteInAnErrorIsAFormatError();
     void byteEndsANumber_data() { addBytes(); }
     void byteEndsANumber();
+    void refusedValueLeavesTheAbortCode();
 
 private:
     static void addBytes()
@@ -38,7 +40,7 @@ private:
     }
 };
 
-void TestTcpEvalBytes::byteInTheHeadIsAFormatError()
+void TestTcpEvalEdges::byteInTheHeadIsAFormatError()
 {
     QFETCH(char, byte);
     for (const QByteArray& line :
@@ -47,7 +49,7 @@ void TestTcpEvalBytes::byteInTheHeadIsAFormatError()
         expect(line, ERR_FORMAT, ERR_FORMAT);
 }
 
-void TestTcpEvalBytes::byteAfterTheHeadIsAnEmptyTextOrAFormatError()
+void TestTcpEvalEdges::byteAfterTheHeadIsAnEmptyTextOrAFormatError()
 {
     QFETCH(char, byte);
     const int32_t ofTexts = byte == '\xFF' ? ERR_FORMAT : ERR_NO_ERROR;
@@ -56,7 +58,7 @@ void TestTcpEvalBytes::byteAfterTheHeadIsAnEmptyTextOrAFormatError()
             expect(QByteArray(head) + byte + rest, ERR_FORMAT, ofTexts);
 }
 
-void TestTcpEvalBytes::byteInAnErrorIsAFormatError()
+void TestTcpEvalEdges::byteInAnErrorIsAFormatError()
 {
     QFETCH(char, byte);
     expect(QByteArray("[12] Error:") + byte, ERR_FORMAT, ERR_FORMAT);
@@ -64,7 +66,7 @@ void TestTcpEvalBytes::byteInAnErrorIsAFormatError()
     expect(QByteArray("[12] Error") + byte + ": 5", ERR_FORMAT, ERR_NO_ERROR); // not the word of an error for a text
 }
 
-void TestTcpEvalBytes::byteEndsANumber()
+void TestTcpEvalEdges::byteEndsANumber()
 {
     QFETCH(char, byte);
     uint16_t value = 0;
@@ -74,5 +76,18 @@ void TestTcpEvalBytes::byteEndsANumber()
     QCOMPARE(tcp_eval_response((QByteArray("[12] OK") + byte).constData()), 0);
 }
 
-QTEST_APPLESS_MAIN(TestTcpEvalBytes)
-#include "TestTcpEvalBytes.moc"
+void TestTcpEvalEdges::refusedValueLeavesTheAbortCode()
+{
+    for (const tEvaluator& evaluator : evaluators) {
+        if (!evaluator.knowsAborts || evaluator.kind == answersOK)
+            continue;
+        uint32_t abort = 77;
+        QCOMPARE(evaluator.run("[12] 5", &abort, true), int32_t(ERR_NULL_POINTER));
+        QCOMPARE(abort, 77U);
+        QCOMPARE(evaluator.run("[12] 5", &abort, false), 0);
+        QCOMPARE(abort, 0U);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestTcpEvalEdges)
+#include "TestTcpEvalEdges.moc"
