@@ -14,6 +14,7 @@ class TestCanCtrlDispatch : public QObject
 private Q_SLOTS:
     void lowestMatchingObjectTakesTheMessage();
     void everyObjectBut14Receives();
+    void everyBitOfTheIdentifierIsCompared();
     void flagsOfTheIdentifier_data();
     void flagsOfTheIdentifier();
     void remoteMessageWithoutDataIsReceived();
@@ -61,6 +62,20 @@ void TestCanCtrlDispatch::everyObjectBut14Receives()
         QCOMPARE(received(object), QString::asprintf("0: %02X", unsigned(object)));
     QCOMPARE(queued(), "20E 0: 0E");
     QCOMPARE(queued(), "-30");
+}
+
+void TestCanCtrlDispatch::everyBitOfTheIdentifierIsCompared()
+{
+    CStartedBus bus;
+    QCOMPARE(can_config(3, 0x123, 0x0803), 0);
+    for (unsigned bit = 0; bit < 11; ++bit) {
+        const uint32_t other = 0x123 ^ 1U << bit;
+        bus.inject(other, "01");
+        QCOMPARE(received(3), "-30");
+        QCOMPARE(queued(), QString::asprintf("%03X 0: 01", unsigned(other)));
+    }
+    bus.inject(0x123, "02");
+    QCOMPARE(received(3), "0: 02");
 }
 
 void TestCanCtrlDispatch::flagsOfTheIdentifier_data()
