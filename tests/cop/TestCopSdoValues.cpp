@@ -18,6 +18,7 @@ private Q_SLOTS:
     void failureAfterTheData_data() { failuresAreThoseOfTheTransfer_data(); }
     void failureAfterTheData();
     void nullPointersAndNodes();
+    void refusalIsLeftAsTheLastResult();
 
 private:
     // "0: 00000005" with the value; a failure is its result, and the value if that has changed: "-60: 05".
@@ -180,6 +181,26 @@ void TestCopSdoValues::nullPointersAndNodes()
     QCOMPARE(ended(sdo_read_16bit(5, 0x2008, 1, nullptr)), QString("-99"));
     QCOMPARE(ended(sdo_read_32bit(5, 0x2008, 1, nullptr)), QString("-99"));
     QCOMPARE(bus.written(), QStringList());
+}
+
+void TestCopSdoValues::refusalIsLeftAsTheLastResult()
+{
+    CSdoBus bus;
+    const std::pair<int32_t (*)(), int32_t> refusals[] = {
+        { [] { return sdo_read_8bit(5, 0x2008, 1, nullptr); }, -99 },
+        { [] { return sdo_read_16bit(5, 0x2008, 1, nullptr); }, -99 },
+        { [] { return sdo_read_32bit(5, 0x2008, 1, nullptr); }, -99 },
+        { [] { return sdo_write(5, 0x2008, 1, 1, nullptr); }, -99 },
+        { [] { return sdo_read(5, 0x2008, 1, nullptr, nullptr, 1); }, -99 },
+        { [] { return sdo_write_8bit(0, 0x2008, 1, 1); }, -90 },
+        { [] { return sdo_write_16bit(128, 0x2008, 1, 1); }, -90 },
+        { [] { return sdo_read(255, 0x2008, 1, nullptr, nullptr, 1); }, -90 },
+    };
+    for (const auto& [refusal, result] : refusals) {
+        cop_error = 77;
+        QCOMPARE(refusal(), result);
+        QCOMPARE(cop_error, result);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCopSdoValues)
