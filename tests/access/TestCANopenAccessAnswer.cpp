@@ -59,6 +59,12 @@ void TestCANopenAccessAnswer::masterTellsATimeOut()
     QCOMPARE(access.lastAnswer(), CCANopenAccess::answerNone);
     QVERIFY(!access.setLineTimeout(1000, nullptr));
     QCOMPARE(access.getLastError(), ERR_NOT_SUPPORTED);
+    QVERIFY(!access.readUnsigned16(128, 0x1017, 0, &value)); // no other failure is silence
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerWhole);
+    bus.expect(0x605, "40 17 10 00 00 00 00 00").answer(0x585, "4F 17 10 00 05 00 00 00");
+    QVERIFY(!access.readUnsigned16(5, 0x1017, 0, &value));
+    QCOMPARE(access.getLastError(), ERR_LENGTH);
+    QCOMPARE(access.lastAnswer(), CCANopenAccess::answerWhole);
 }
 
 void TestCANopenAccessAnswer::refusalOfANodeIsToldWithAllItsBits_data()

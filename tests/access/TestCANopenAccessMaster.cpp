@@ -112,6 +112,12 @@ void TestCANopenAccessMaster::oddAbortCodesAreResultsAsTheyAre()
     QVERIFY(on.access.writeUnsigned8(5, 0x2000, 1, 7));
     QCOMPARE(on.access.getLastError(), 0);
     QCOMPARE(on.access.getLastAbort(), 0L);
+    for (const auto& [bytes, code] : { std::pair("01 00 00 00", 1L), std::pair("FF FF FF 7F", 0x7FFFFFFFL) }) {
+        on.bus.expect(0x605, "2F 00 20 01 07 00 00 00").answer(0x585, (QByteArray("80 00 20 01 ") + bytes).constData());
+        QVERIFY(!on.access.writeUnsigned8(5, 0x2000, 1, 7));
+        QCOMPARE(on.access.getLastError(), 4);
+        QCOMPARE(on.access.getLastAbort(), code);
+    }
     QVERIFY(on.bus.finished());
 }
 
