@@ -54,6 +54,7 @@ class TestDataSheet : public QObject
 
 private Q_SLOTS:
     void configurationGivesItsValuesByEntry();
+    void linesOfEachEntryAreTold();
     void fileNameDecidesWhetherValuesCount_data();
     void fileNameDecidesWhetherValuesCount();
     void refusalNamesLineTextAndRule_data();
@@ -81,6 +82,31 @@ void TestDataSheet::configurationGivesItsValuesByEntry()
     QCOMPARE(valueOf(sheet, 1, 3), QString("none")); // the empty text erases the one before it
     QCOMPARE(valueOf(sheet, 1, 4), QString("last"));
     QCOMPARE(int(sheet.parameterValues().size()), 3);
+}
+
+void TestDataSheet::linesOfEachEntryAreTold()
+{
+    const CSheetFile file(configured, "device.dcf");
+    tSheetLines lines;
+    CDataSheet sheet;
+    QCOMPARE(sheet.load(file.path(), &lines), CDataSheet::loaded);
+    const auto& objects = sheet.dictionary().m_objectArray;
+    const auto told = [&](std::size_t object, std::size_t entry) { // last line: lines of values, whether one has a text
+        const auto found = lines.find(objects[object]->m_objectEntryArray[entry].get());
+        if (found == lines.end())
+            return QString("none");
+        QString text = QString("%1:").arg(found->second.last);
+        for (const int line : found->second.values)
+            text += QString(" %1").arg(line);
+        return text + (found->second.hasValue ? " text" : " no text");
+    };
+    QCOMPARE(told(0, 0), QString("9: 9 text"));
+    QCOMPARE(told(1, 0), QString("15: 15 no text"));
+    QCOMPARE(told(1, 1), QString("18: 17 18 text"));
+    QCOMPARE(told(1, 2), QString("20: no text"));
+    QCOMPARE(told(1, 3), QString("23: 22 23 text")); // the last one is empty, but not the first
+    QCOMPARE(told(1, 4), QString("26: 25 26 text"));
+    QCOMPARE(lines.size(), std::size_t(6));
 }
 
 void TestDataSheet::fileNameDecidesWhetherValuesCount_data()
