@@ -51,7 +51,7 @@ class CCANopenTypes
 public:
     /// Integers: decimal with an optional sign ("-12", "+12"; no "-" for unsigned types), hexadecimal ("0x1F") or octal
     /// ("017"), with blanks and tabs around. Hexadecimal and octal digits are the raw bits: "0xFF" is -1 as INTEGER8.
-    /// After a failure the result is undefined.
+    /// After a failure the result holds the digits read until then, and is no value.
     static bool ascii2integer8(const char* string, SDO_t_INTEGER8* value);
     static bool ascii2integer16(const char* string, SDO_t_INTEGER16* value);
     static bool ascii2integer32(const char* string, SDO_t_INTEGER32* value);

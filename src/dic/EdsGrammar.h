@@ -14,7 +14,7 @@ bool IsObjectEntry(const char* name, unsigned short* index, unsigned char* subIn
 
 /// Unsigned number, decimal ("20", "+20"), hexadecimal ("0x14") or octal ("024"), with blanks and tabs around it. "+"
 /// with only blanks after it is 0. False for an empty text, "+" alone, any other character ("-" included) and numbers
-/// above 255.
+/// above 255; `value` then holds the digits before.
 bool Ascii2Unsigned8(const char* text, unsigned char* value);
 /// The same up to 65535.
 bool Ascii2Unsigned16(const char* text, unsigned short* value);
