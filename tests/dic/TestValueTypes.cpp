@@ -109,6 +109,7 @@ void TestValueTypes::timeOfDayIsLocalTime()
     const auto milliseconds = static_cast<quint64>(12 * 3600 - local.offsetFromUtc()) * 1000;
     QCOMPARE(defaultFromText(QStringLiteral("1984-01-11 12:00:00.000"), valueType(12), 5),
              littleEndian(milliseconds, 4) + littleEndian(10, 2));
+    QCOMPARE(defaultFromText(QStringLiteral("1983-06-11 12:00:00.000"), valueType(12), 5), QByteArray(6, '\0'));
 }
 
 void TestValueTypes::limitsOutsideOfTheTypeLimitNothing_data()
@@ -160,6 +161,8 @@ void TestValueTypes::valuesHaveTheOrderOfTheirType_data()
              { 16, "-1", "1" },
              { 20, "-1", "1" },
              { 21, "-9223372036854775808", "9223372036854775807" },
+             { 21, "-5", "-3" },
+             { 19, "-5", "-3" },
              { 5, "127", "128" },
              { 7, "0x7FFFFFFF", "0x80000000" },
              { 27, "0x7FFFFFFFFFFFFFFF", "0x8000000000000000" },
