@@ -15,10 +15,11 @@ class TestConnectNodeDialog : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void itHasItsTitleAndSize();
+    void itHasItsTitle();
     void theListNamesAllNodes();
     void theNodeIdRunsFrom1To127();
     void labelsStandAroundTheSpinBox();
+    void labelsCarryTheWhatsThisTextOfTheSpinBox();
     void buttonsHaveTheirTextsAndShortcuts_data();
     void buttonsHaveTheirTextsAndShortcuts();
     void widgetsCarryTheirHelpTexts_data();
@@ -42,11 +43,10 @@ private:
     }
 };
 
-void TestConnectNodeDialog::itHasItsTitleAndSize()
+void TestConnectNodeDialog::itHasItsTitle()
 {
     CConnectNodeDialog dialog;
     QCOMPARE(dialog.windowTitle(), QString("Connect a Node"));
-    QVERIFY(dialog.width() >= 500 && dialog.height() >= 310);
 }
 
 void TestConnectNodeDialog::theListNamesAllNodes()
@@ -78,6 +78,15 @@ void TestConnectNodeDialog::labelsStandAroundTheSpinBox()
     }
     QVERIFY(texts.contains("&Node-Id.:"));
     QVERIFY(texts.contains("(1,..,127)"));
+}
+
+void TestConnectNodeDialog::labelsCarryTheWhatsThisTextOfTheSpinBox()
+{
+    CConnectNodeDialog dialog;
+    const QList<QLabel*> labels = dialog.findChildren<QLabel*>();
+    QCOMPARE(labels.size(), 2);
+    for (const QLabel* label : labels)
+        QCOMPARE(label->whatsThis(), spinBox(dialog)->whatsThis());
 }
 
 void TestConnectNodeDialog::buttonsHaveTheirTextsAndShortcuts_data()

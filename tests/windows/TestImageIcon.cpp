@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/ImageIcon.h"
 
+#include <QDir>
 #include <QIcon>
 #include <QPainter>
 #include <QTest>
@@ -30,6 +31,8 @@ private Q_SLOTS:
     void copiesShowTheImage();
     void sizesAreThoseOfTheImage();
     void unknownImageShowsNothing();
+    void everyImageIsTheFileOfItsName();
+    void noTwoImagesAreAlike();
 
 private:
     QIcon m_early; // made before there are images
@@ -117,6 +120,27 @@ void TestImageIcon::sizesAreThoseOfTheImage()
 void TestImageIcon::unknownImageShowsNothing()
 {
     QVERIFY(imageIcon("no such.png").pixmap(16).isNull());
+}
+
+void TestImageIcon::everyImageIsTheFileOfItsName()
+{
+    const QDir files(VELMORA_TEST_DATA "/../../src/images", "*.png");
+    QVERIFY(!files.entryList().isEmpty());
+    QCOMPARE(QDir(":/images").entryList(), files.entryList());
+    for (const QString& name : files.entryList()) {
+        const QImage image(":/images/" + name);
+        QVERIFY2(!image.isNull(), qPrintable(name));
+        QVERIFY2(image == QImage(files.filePath(name)), qPrintable(name));
+    }
+}
+
+// Otherwise tests that compare images could not tell them apart.
+void TestImageIcon::noTwoImagesAreAlike()
+{
+    const QStringList names = QDir(":/images").entryList();
+    for (const QString& name : names)
+        for (const QString& other : names)
+            QCOMPARE(QImage(":/images/" + name) == QImage(":/images/" + other), name == other);
 }
 
 QTEST_MAIN(TestImageIcon)

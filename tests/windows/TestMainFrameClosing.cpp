@@ -51,6 +51,8 @@ private Q_SLOTS:
     void init() { m_store.emplace(); }
 
     void closingClosesTheDocuments();
+    void closedDocumentDeletesItselfAndItsSubWindow_data();
+    void closedDocumentDeletesItselfAndItsSubWindow();
     void closingDisconnectsTheGateway();
     void closingWithoutInterfaceAsksNothing();
     void refusingDocumentKeepsTheFrameOpen();
@@ -76,6 +78,24 @@ void TestMainFrameClosing::closingClosesTheDocuments()
     QVERIFY(driver.frame.close());
     QCOMPARE(driver.documentCount(), 0);
     AWAIT_VERIFY(first.isNull() && second.isNull());
+}
+
+void TestMainFrameClosing::closedDocumentDeletesItselfAndItsSubWindow_data()
+{
+    QTest::addColumn<bool>("subWindowFirst");
+    QTest::newRow("the document itself") << false;
+    QTest::newRow("its sub-window") << true;
+}
+
+void TestMainFrameClosing::closedDocumentDeletesItselfAndItsSubWindow()
+{
+    QFETCH(const bool, subWindowFirst);
+    CFrameDriver driver;
+    const QPointer<CMDIWindow> document = driver.frame.newDocument();
+    const QPointer<QMdiSubWindow> subWindow = driver.subWindow(0);
+    QVERIFY(subWindowFirst ? subWindow->close() : document->close());
+    AWAIT_VERIFY(document.isNull() && subWindow.isNull());
+    QCOMPARE(driver.documentCount(), 0);
 }
 
 void TestMainFrameClosing::closingDisconnectsTheGateway()

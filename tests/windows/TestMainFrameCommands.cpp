@@ -1,4 +1,4 @@
-// The commands of the main frame by their keys and menus: files to open, windows to close, help and boxes.
+// The commands of the main frame by their keys and menus: windows to close, help and boxes.
 // SPDX-License-Identifier: MIT
 #include "BoxCatcher.h"
 #include "FrameDriver.h"
@@ -7,9 +7,7 @@
 
 #include "base/Product.h"
 
-#include <QFileInfo>
 #include <QTest>
-#include <QToolButton>
 #include <QWhatsThis>
 
 #include <optional>
@@ -21,11 +19,6 @@ class TestMainFrameCommands : public QObject
 private Q_SLOTS:
     void init() { m_store.emplace(); }
 
-    void keyOpensTheFileDialog();
-    void toolButtonOpensTheFileDialog();
-    void fileDialogOffersDataSheets();
-    void cancelledFileDialogAborts();
-    void symbolicLinksAreResolved();
     void keysWorkFromInsideADocument();
     void closeKeyClosesTheActiveDocument();
     void closeWithoutDocumentDoesNothing();
@@ -33,83 +26,26 @@ private Q_SLOTS:
     void closeAllClosesEveryDocument();
     void exitKeyClosesTheFrame();
     void exitMenuItemClosesTheFrame();
+    void exitClosesAllWindows_data();
+    void exitClosesAllWindows();
     void notRealizedCommands_data();
     void notRealizedCommands();
     void notRealizedMenuItems();
     void aboutBoxNamesTheProduct();
+    void aboutBoxShowsTheImageOfTheProgram();
     void aboutQtBoxHasTheProgramsTitle();
+    void aboutQtBoxIsThatOfTheToolkit();
     void contextHelpKeyStartsWhatsThisMode();
     void menusOpenByTheirMnemonics();
     void keyboardAloneChoosesAnItem();
     void deviceInfoWithoutDocumentDoesNothing();
     void deviceInfoShowsTheActiveDocument();
+    void hiddenFrameClosesItsCurrentDocument();
+    void hiddenFrameShowsTheDeviceInfoOfItsCurrentDocument();
 
 private:
     std::optional<CTempSettings> m_store;
 };
-
-void TestMainFrameCommands::keyOpensTheFileDialog()
-{
-    const CSheetFile sheet("[FileInfo]\nCreatedBy=me\n");
-    CFrameDriver driver;
-    driver.open(sheet.name());
-    QCOMPARE(driver.documentCount(), 1);
-    QCOMPARE(driver.document(0)->windowTitle(), sheet.name());
-}
-
-void TestMainFrameCommands::toolButtonOpensTheFileDialog()
-{
-    CFrameDriver driver;
-    const CWhenShown<QFileDialog> files(&inDialog::cancel);
-    for (auto* button : driver.frame.findChildren<QToolButton*>())
-        if (button->defaultAction() == driver.action("file open"))
-            QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(files.count(), 1);
-}
-
-void TestMainFrameCommands::fileDialogOffersDataSheets()
-{
-    CFrameDriver driver;
-    QStringList filters, names;
-    QObject* parent = nullptr;
-    const CWhenShown<QFileDialog> files([&](QFileDialog* dialog) {
-        filters = dialog->nameFilters();
-        names << dialog->objectName();
-        parent = dialog->parent();
-        inDialog::cancel(dialog);
-    });
-    driver.choose("&File", "&Open...");
-    QCOMPARE(files.count(), 1);
-    QCOMPARE(filters, QStringList({ "CANopen EDS-files (*.eds)", "Any files (*)" }));
-    QCOMPARE(names, QStringList({ "file open dialog" }));
-    QCOMPARE(parent, &driver.frame);
-}
-
-void TestMainFrameCommands::cancelledFileDialogAborts()
-{
-    CFrameDriver driver;
-    m_store->setValue("Recent File List/File1", "/tmp/a.eds");
-    const CWhenShown<QFileDialog> files(&inDialog::cancel);
-    driver.press(Qt::Key_O);
-    QCOMPARE(files.count(), 1);
-    QCOMPARE(driver.statusText(), QString("Operation aborted"));
-    QCOMPARE(driver.statusTime(), 2000);
-    QCOMPARE(driver.documentCount(), 0);
-    QCOMPARE(driver.frame.windowTitle(), QString("CANopen Object Browser - Version 0.2 Build 61"));
-    QCOMPARE(m_store->value("Recent File List/File1"), QString("/tmp/a.eds"));
-}
-
-void TestMainFrameCommands::symbolicLinksAreResolved()
-{
-    const CSheetFile sheet("[FileInfo]\n");
-    const QString link = sheet.name() + ".link.eds", linkToLink = sheet.name() + ".second.eds";
-    QVERIFY(QFile::link(sheet.name(), link) && QFile::link(link, linkToLink));
-    const QString name = QFileInfo(sheet.name()).canonicalFilePath();
-    CFrameDriver driver;
-    driver.open(linkToLink);
-    QCOMPARE(driver.document(0)->windowTitle(), name);
-    QCOMPARE(m_store->value("Recent File List/File1"), name);
-}
 
 void TestMainFrameCommands::keysWorkFromInsideADocument()
 {
@@ -189,6 +125,27 @@ void TestMainFrameCommands::exitMenuItemClosesTheFrame()
     QVERIFY(!driver.frame.isVisible());
 }
 
+void TestMainFrameCommands::exitClosesAllWindows_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("key") << true;
+    QTest::newRow("menu item") << false;
+}
+
+void TestMainFrameCommands::exitClosesAllWindows()
+{
+    QFETCH(const bool, byKey);
+    CFrameDriver driver;
+    QWidget other;
+    other.show();
+    if (byKey)
+        driver.press(Qt::Key_Q);
+    else
+        driver.choose("&File", "E&xit");
+    QVERIFY(!driver.frame.isVisible());
+    QVERIFY(!other.isVisible());
+}
+
 void TestMainFrameCommands::notRealizedCommands_data()
 {
     QTest::addColumn<int>("key");
@@ -244,6 +201,18 @@ void TestMainFrameCommands::aboutBoxNamesTheProduct()
     QCOMPARE(catcher.only().format, Qt::PlainText);
 }
 
+void TestMainFrameCommands::aboutBoxShowsTheImageOfTheProgram()
+{
+    const CBoxCatcher catcher;
+    CFrameDriver driver;
+    QPixmap shown;
+    const CWhenShown<QMessageBox> boxes([&](QMessageBox* box) { shown = box->iconPixmap(); });
+    driver.choose("&Help", "&About Velmora");
+    QCOMPARE(catcher.only().icon, QMessageBox::NoIcon);
+    QVERIFY(!shown.isNull());
+    QCOMPARE(shown.toImage(), QIcon(":/images/program.png").pixmap(shown.size()).toImage());
+}
+
 void TestMainFrameCommands::aboutQtBoxHasTheProgramsTitle()
 {
     const CBoxCatcher catcher;
@@ -251,6 +220,18 @@ void TestMainFrameCommands::aboutQtBoxHasTheProgramsTitle()
     driver.choose("&Help", "About &Qt");
     QCOMPARE(catcher.only().title, QString("CANopen Object Browser"));
     QVERIFY(catcher.only().text.contains("About Qt"));
+}
+
+void TestMainFrameCommands::aboutQtBoxIsThatOfTheToolkit()
+{
+    const CBoxCatcher catcher;
+    CFrameDriver driver;
+    QStringList texts;
+    const CWhenShown<QMessageBox> boxes([&](QMessageBox* box) { texts << box->text() + box->informativeText(); });
+    driver.choose("&Help", "About &Qt");
+    QMessageBox::aboutQt(&driver.frame);
+    QCOMPARE(texts.size(), 2);
+    QCOMPARE(texts[0], texts[1]);
 }
 
 void TestMainFrameCommands::contextHelpKeyStartsWhatsThisMode()
@@ -300,18 +281,51 @@ void TestMainFrameCommands::deviceInfoWithoutDocumentDoesNothing()
 
 void TestMainFrameCommands::deviceInfoShowsTheActiveDocument()
 {
-    const CSheetFile first("[FileInfo]\n"), second("[FileInfo]\n");
+    const CSheetFile sheets[] = { CSheetFile("[FileInfo]\n"), CSheetFile("[FileInfo]\n"), CSheetFile("[FileInfo]\n") };
     CFrameDriver driver;
-    driver.open(first.name());
-    driver.open(second.name());
-    driver.workspace()->setActiveSubWindow(driver.subWindow(0));
+    for (const CSheetFile& sheet : sheets)
+        driver.open(sheet.name());
+    driver.workspace()->setActiveSubWindow(driver.subWindow(1));
     QStringList titles;
     const CWhenShown<QDialog> dialogs([&](QDialog* dialog) {
         titles << dialog->windowTitle();
         inDialog::cancel(dialog);
     });
     driver.choose("&Device", "Device &Info");
-    QCOMPARE(titles, QStringList{ first.name() });
+    QCOMPARE(titles, QStringList{ sheets[1].name() });
+}
+
+// While the frame is hidden or minimised, the workspace has no active window.
+void TestMainFrameCommands::hiddenFrameClosesItsCurrentDocument()
+{
+    CFrameDriver driver;
+    for (int number = 0; number < 3; ++number)
+        driver.frame.newDocument();
+    QMdiSubWindow* const first = driver.subWindow(0);
+    QMdiSubWindow* const last = driver.subWindow(2);
+    driver.workspace()->setActiveSubWindow(driver.subWindow(1));
+    driver.frame.hide();
+    AWAIT_VERIFY(driver.workspace()->activeSubWindow() == nullptr);
+    driver.frame.fileClose();
+    QCOMPARE(driver.workspace()->subWindowList(), QList<QMdiSubWindow*>({ first, last }));
+}
+
+void TestMainFrameCommands::hiddenFrameShowsTheDeviceInfoOfItsCurrentDocument()
+{
+    const CSheetFile sheets[] = { CSheetFile("[FileInfo]\n"), CSheetFile("[FileInfo]\n"), CSheetFile("[FileInfo]\n") };
+    CFrameDriver driver;
+    for (const CSheetFile& sheet : sheets)
+        driver.open(sheet.name());
+    driver.workspace()->setActiveSubWindow(driver.subWindow(1));
+    driver.frame.hide();
+    AWAIT_VERIFY(driver.workspace()->activeSubWindow() == nullptr);
+    QStringList titles;
+    const CWhenShown<QDialog> dialogs([&](QDialog* dialog) {
+        titles << dialog->windowTitle();
+        inDialog::cancel(dialog);
+    });
+    driver.frame.deviceInfo();
+    QCOMPARE(titles, QStringList{ sheets[1].name() });
 }
 
 QTEST_MAIN(TestMainFrameCommands)
