@@ -25,6 +25,7 @@ private Q_SLOTS:
     void displayModeIsStoredAsANumber();
     void aForeignDisplayModeReadsAsStoredOrAsZero_data();
     void aForeignDisplayModeReadsAsStoredOrAsZero();
+    void settingsOfTheWholeSystemDoNotCount();
     void anUnwritableFileIsIgnored();
     void promotedMovesANameToTheFront_data();
     void promotedMovesANameToTheFront();
@@ -118,6 +119,20 @@ void TestSettings::aForeignDisplayModeReadsAsStoredOrAsZero()
     QFETCH(const QVariant, stored);
     m_store->setValue("Settings/Display", stored);
     QTEST(int{ settings::displayMode() }, "mode");
+}
+
+void TestSettings::settingsOfTheWholeSystemDoNotCount()
+{
+    const QTemporaryDir folder;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, folder.path());
+    {
+        QSettings store(QSettings::SystemScope, "Brask Works");
+        store.setValue("/CANopen Object Browser/Recent File List/File1", "a");
+        store.setValue("/CANopen Object Browser/Settings/Display", 2);
+    }
+    QCOMPARE(QSettings("Brask Works").value("/CANopen Object Browser/Settings/Display").toInt(), 2); // it can be seen
+    QCOMPARE(settings::recentFiles(), QStringList());
+    QCOMPARE(settings::displayMode(), valueFormats::modeHex);
 }
 
 void TestSettings::anUnwritableFileIsIgnored()

@@ -63,6 +63,8 @@ private Q_SLOTS:
     void everyEntryOfASystemMenuHasAName();
     void comboBoxesAreCalledByTheirLabels();
     void aComboBoxOpensByItsAction();
+    void aDisabledComboBoxDoesNotOpen();
+    void comboBoxesSayWhetherTheyCanBeEdited();
     void checkMarksDoNotChange_data();
     void checkMarksDoNotChange();
 
@@ -271,6 +273,27 @@ void TestAccessibility::aComboBoxOpensByItsAction()
     }
 }
 
+void TestAccessibility::aDisabledComboBoxDoesNotOpen()
+{
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    auto* box = dialog.findChild<QComboBox*>("baud rate combo box");
+    QVERIFY(!box->isEnabled());
+    QAccessibleInterface* item = QAccessible::queryAccessibleInterface(box);
+    item->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    QVERIFY(!item->state().expanded);
+}
+
+void TestAccessibility::comboBoxesSayWhetherTheyCanBeEdited()
+{
+    CInitInterfaceDialog dialog;
+    for (auto* box : dialog.findChildren<QComboBox*>()) {
+        const QAccessible::State state = QAccessible::queryAccessibleInterface(box)->state();
+        QCOMPARE(bool(state.editable), box->objectName() == "interface combo box");
+        QVERIFY(state.expandable && state.hasPopup);
+    }
+}
+
 void TestAccessibility::checkMarksDoNotChange_data()
 {
     QTest::addColumn<bool>("on");
@@ -293,6 +316,9 @@ void TestAccessibility::checkMarksDoNotChange()
         QTest::keyRelease(mark, Qt::Key_Space);
         QTest::mouseClick(mark, Qt::LeftButton);
         QCOMPARE(mark->isChecked(), on);
+        const QAccessible::State state = QAccessible::queryAccessibleInterface(mark)->state();
+        QVERIFY(state.checkable && state.readOnly);
+        QCOMPARE(bool(state.checked), on);
         QAccessibleActionInterface* actions = QAccessible::queryAccessibleInterface(mark)->actionInterface();
         for (const QString& action : actions->actionNames())
             actions->doAction(action);

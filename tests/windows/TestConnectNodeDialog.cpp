@@ -3,6 +3,7 @@
 #include "ConnectNodeDialog.h"
 
 #include "BoxCatcher.h"
+#include "Patience.h"
 
 #include <QLabel>
 #include <QListWidget>
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void widgetsCarryTheirHelpTexts_data();
     void widgetsCarryTheirHelpTexts();
     void connectTakesTheNodeOfTheSpinBox();
+    void keyboardAloneConnects();
     void doubleClickOnANodeConnectsAtOnce();
     void aForeignItemDoesNotConnect();
     void aNodeIdOutOfRangeIsRefused_data();
@@ -152,6 +154,20 @@ void TestConnectNodeDialog::connectTakesTheNodeOfTheSpinBox()
     spinBox(dialog)->selectAll();
     QTest::keyClicks(spinBox(dialog), "42");
     QTest::mouseClick(button(dialog, "connect"), Qt::LeftButton);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.getNodeId(), 42);
+    QCOMPARE(dialog.getConnectFlag(), true);
+}
+
+void TestConnectNodeDialog::keyboardAloneConnects()
+{
+    CConnectNodeDialog dialog;
+    dialog.show();
+    dialog.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog, patience));
+    QTest::keyClick(dialog.focusWidget(), 'A', Qt::ControlModifier);
+    QTest::keyClicks(dialog.focusWidget(), "42");
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
     QCOMPARE(dialog.getNodeId(), 42);
     QCOMPARE(dialog.getConnectFlag(), true);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "DeviceInfoDialog.h"
 
+#include "Patience.h"
 #include "SheetFile.h"
 #include "dic/CANopen.h"
 #include "dic/CANopenReader.h"
@@ -11,6 +12,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QWindow>
 
 namespace
 {
@@ -22,7 +24,7 @@ struct tField {
     const char* whatsThis;
 };
 
-// The fields in their order, page by page. The baud rates have one label above all of them.
+// The fields in their order, page by page. The baud rates have no labels of their own.
 const tField fields[] = {
     { 0, "Vendor name:", "Vendor name", "Name of the vendor." },
     { 0, "Vendor number:", "Vendor number", "VendorId from CiA." },
@@ -31,7 +33,7 @@ const tField fields[] = {
     { 0, "Revision number:", "Revision number", "Revision of the device." },
     { 0, "Order code:", "Oder code", "Oder code of the device." },
     { 0, "Description:", "Brief description", "Description of the device." },
-    { 1, "Baud rate:", "Baud rate index 0", "Shows if the given baud rate is supported." },
+    { 1, "", "Baud rate index 0", "Shows if the given baud rate is supported." },
     { 1, "", "Baud rate index 1", "Shows if the given baud rate is supported." },
     { 1, "", "Baud rate index 2", "Shows if the given baud rate is supported." },
     { 1, "", "Baud rate index 3", "Shows if the given baud rate is supported." },
@@ -41,7 +43,7 @@ const tField fields[] = {
     { 1, "", "Baud rate index 8", "Shows if the given baud rate is supported." },
     { 2, "Simple boot-up master:", "Simple boot-up master",
       "Shows if the simple boot-up master function is supported." },
-    { 2, "Simple boot-up slave:", "Simple boot-up slave", nullptr },
+    { 2, "Simple boot-up slave:", "Simple boot-up slave", "Shows if the simple boot-up master function is supported." },
     { 2, "Number of PDOs:", "Number of PDOs", "Shows the number of Receive PDOs and transmit PDOs." },
     { 2, "Granularity:", "PDO granularity", "Shows the PDO mapping granularity." },
     { 2, "Dynamic channels:", "Dynamic channels", "Shows if dynamic channels are supported." },
@@ -53,6 +55,7 @@ const tField fields[] = {
     { 3, "Author:", "Author", "Author of the object dictionary." },
     { 3, "Company:", "Company", "TBD" },
     { 3, "Date:", "Date & time", "Shows date and time of the object dictionary." },
+    { 3, "Description:", "Brief description", "Description of the device." },
 };
 
 // A page's line edits from top to bottom.
@@ -61,6 +64,15 @@ QList<QLineEdit*> editsOf(const CDeviceInfoDialog& dialog, int page)
     const auto* tabs = dialog.findChild<QTabWidget*>();
     QList<QLineEdit*> edits = tabs->widget(page)->findChildren<QLineEdit*>();
     return edits;
+}
+
+// The label that leads to a field; null when there is none.
+const QLabel* labelOf(const CDeviceInfoDialog& dialog, const QLineEdit* edit)
+{
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        if (label->buddy() == edit)
+            return label;
+    return nullptr;
 }
 
 QStringList textsOf(const CDeviceInfoDialog& dialog, int page)
@@ -101,13 +113,20 @@ private Q_SLOTS:
     void thePagesHaveTheirTitles();
     void eachFieldHasItsLabelAndHelp_data();
     void eachFieldHasItsLabelAndHelp();
+    void oneLabelStandsAboveTheBaudRates();
     void theLastPageEndsWithTheDescription();
     void aFullDictionaryFillsAllPages();
+    void everyFlagShowsInItsOwnField_data();
+    void everyFlagShowsInItsOwnField();
+    void baudRate100ShowsNowhere();
     void granularity0IsNotModifiable();
     void aRevisionShowsBothHalves_data();
     void aRevisionShowsBothHalves();
     void withoutDeviceInfoOnlyTheFilePageIsFilled();
     void aNullDictionaryIsReported();
+    void aLongTextIsWholeAndShowsItsBeginning();
+    void aModificationMarkInTheTitleIsShown();
+    void arrowKeysTurnThePages();
     void okClosesIt();
 };
 
@@ -125,7 +144,7 @@ void TestDeviceInfoDialog::eachFieldHasItsLabelAndHelp_data()
 {
     QTest::addColumn<int>("number");
     for (int n = 0; n < int(std::size(fields)); ++n)
-        QTest::newRow(fields[n].toolTip) << n;
+        QTest::addRow("page %d: %s", fields[n].page + 1, fields[n].toolTip) << n;
 }
 
 void TestDeviceInfoDialog::eachFieldHasItsLabelAndHelp()
@@ -134,19 +153,29 @@ void TestDeviceInfoDialog::eachFieldHasItsLabelAndHelp()
     QFETCH(const int, number);
     const tField& field = fields[number];
     int place = 0;
-    while (fields[number - place].page == field.page && number > place)
-        ++place;
-    place -= fields[number - place].page == field.page ? 0 : 1;
+    for (int before = 0; before < number; ++before)
+        place += fields[before].page == field.page ? 1 : 0;
     const QLineEdit* edit = editsOf(dialog, field.page).value(place);
     QVERIFY(edit != nullptr);
     QCOMPARE(edit->toolTip(), QString(field.toolTip));
-    if (field.whatsThis != nullptr)
-        QCOMPARE(edit->whatsThis(), QString(field.whatsThis));
+    QCOMPARE(edit->whatsThis(), QString(field.whatsThis));
     QVERIFY(edit->isReadOnly());
-    QStringList labels;
-    for (const QLabel* label : dialog.findChild<QTabWidget*>()->widget(field.page)->findChildren<QLabel*>())
-        labels << label->text();
-    QVERIFY(labels.contains(field.label) || *field.label == '\0');
+    const QLabel* label = labelOf(dialog, edit);
+    QCOMPARE(label != nullptr ? label->text() : QString(), QString(field.label));
+    if (label != nullptr)
+        QCOMPARE(label->whatsThis(), QString(field.whatsThis));
+}
+
+void TestDeviceInfoDialog::oneLabelStandsAboveTheBaudRates()
+{
+    CDeviceInfoDialog dialog;
+    const QList<QLabel*> labels = dialog.findChild<QTabWidget*>()->widget(1)->findChildren<QLabel*>();
+    QCOMPARE(labels.size(), 1);
+    QCOMPARE(labels[0]->text(), QString("Baud rate:"));
+    QCOMPARE(labels[0]->whatsThis(), QString("Shows if the given baud rate is supported."));
+    dialog.findChild<QTabWidget*>()->setCurrentIndex(1);
+    dialog.show();
+    QVERIFY(labels[0]->y() < editsOf(dialog, 1).first()->y());
 }
 
 void TestDeviceInfoDialog::theLastPageEndsWithTheDescription()
@@ -173,6 +202,43 @@ void TestDeviceInfoDialog::aFullDictionaryFillsAllPages()
                            "8 - dynamic mapping supported", "is not supported", "is supported", "is supported" }));
     QCOMPARE(textsOf(dialog, 3),
              QStringList({ "sheet.eds", "7", "4.2", "me %2", "", "01-02-2026 10:00AM", "A %1 test" }));
+}
+
+void TestDeviceInfoDialog::everyFlagShowsInItsOwnField_data()
+{
+    QTest::addColumn<int>("page");
+    QTest::addColumn<int>("place");
+    int place = 0;
+    for (const char* rate : { "1000", "800", "500", "250", "125", "50", "20", "10" })
+        QTest::addRow("BaudRate_%s", rate) << 1 << place++;
+    QTest::newRow("SimpleBootUpMaster") << 2 << 0;
+    QTest::newRow("SimpleBootUpSlave") << 2 << 1;
+    QTest::newRow("DynamicChannelsSupported") << 2 << 4;
+    QTest::newRow("GroupMessaging") << 2 << 5;
+    QTest::newRow("LSS_Supported") << 2 << 6;
+}
+
+void TestDeviceInfoDialog::everyFlagShowsInItsOwnField()
+{
+    CDeviceInfoDialog dialog, without;
+    QFETCH(const int, page);
+    QFETCH(const int, place);
+    QVERIFY(without.populate(dictionaryOf("[DeviceInfo]\nVendorName=x\n").get()));
+    QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\n" + QByteArray(QTest::currentDataTag()) + "=1\n").get()));
+    QStringList expected = textsOf(without, page);
+    QVERIFY(expected[place].endsWith("is not supported"));
+    expected[place].replace("is not", "is");
+    QCOMPARE(textsOf(dialog, page), expected);
+    QCOMPARE(textsOf(dialog, 3 - page), textsOf(without, 3 - page)); // the other page of flags
+}
+
+void TestDeviceInfoDialog::baudRate100ShowsNowhere()
+{
+    CDeviceInfoDialog dialog, without;
+    QVERIFY(without.populate(dictionaryOf("[DeviceInfo]\nVendorName=x\n").get()));
+    QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nVendorName=x\nBaudRate_100=1\n").get()));
+    for (int page = 0; page < 4; ++page)
+        QCOMPARE(textsOf(dialog, page), textsOf(without, page));
 }
 
 void TestDeviceInfoDialog::granularity0IsNotModifiable()
@@ -215,6 +281,39 @@ void TestDeviceInfoDialog::aNullDictionaryIsReported()
     QTest::ignoreMessage(QtWarningMsg,
                          QRegularExpression("^ASSERT: \"dictionary\" in .*DeviceInfoDialog.* \\([0-9]+\\)$"));
     QCOMPARE(dialog.populate(nullptr), false);
+}
+
+void TestDeviceInfoDialog::aLongTextIsWholeAndShowsItsBeginning()
+{
+    CDeviceInfoDialog dialog;
+    const QByteArray text(60000, 'x');
+    QVERIFY(dialog.populate(dictionaryOf("[DeviceInfo]\nVendorName=" + text + "\n").get()));
+    QLineEdit* edit = editsOf(dialog, 0).first();
+    QCOMPARE(edit->text(), QString(text));
+    QCOMPARE(edit->cursorPosition(), 0);
+}
+
+void TestDeviceInfoDialog::aModificationMarkInTheTitleIsShown()
+{
+    CDeviceInfoDialog dialog;
+    const std::unique_ptr<CCANopen> dictionary = dictionaryOf("[DeviceInfo]\nVendorName=x\n");
+    dictionary->m_fileName = "a[*].eds";
+    QVERIFY(dialog.populate(dictionary.get()));
+    dialog.show();
+    QVERIFY(dialog.windowHandle()->title().startsWith("a[*].eds"));
+}
+
+void TestDeviceInfoDialog::arrowKeysTurnThePages()
+{
+    CDeviceInfoDialog dialog;
+    dialog.show();
+    dialog.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog, patience));
+    const auto* tabs = dialog.findChild<QTabWidget*>();
+    for (const int page : { 1, 2, 3 }) {
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Right);
+        QCOMPARE(tabs->currentIndex(), page);
+    }
 }
 
 void TestDeviceInfoDialog::okClosesIt()

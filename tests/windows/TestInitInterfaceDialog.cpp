@@ -51,6 +51,7 @@ private Q_SLOTS:
     void labelsCarryTheWhatsThisTextsOfTheirFields();
     void buttonsHaveTheirShortcuts();
     void withNothingStoredTheBoxIsEmptyAndOkWarns();
+    void okAcceptsAGivenInterface_data();
     void okAcceptsAGivenInterface();
     void returnAcceptsAGivenInterface();
     void cancelRejects();
@@ -107,16 +108,11 @@ void TestInitInterfaceDialog::labelsNameTheFields_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("buddy");
-    QTest::newRow("interface") << "&Interface:"
-                               << "interface combo box";
-    QTest::newRow("baud rate") << "&Baud rate:"
-                               << "baud rate combo box";
-    QTest::newRow("unit") << "Kbps (CiA Bit-timing)"
-                          << "";
-    QTest::newRow("node-id") << "&Node-Id.:"
-                             << "master id spin box";
-    QTest::newRow("master") << "for CANopen Master"
-                            << "";
+    for (const auto& [text, buddy] :
+         { std::pair("&Interface:", "interface combo box"), std::pair("&Baud rate:", "baud rate combo box"),
+           std::pair("Kbps (CiA Bit-timing)", ""), std::pair("&Node-Id.:", "master id spin box"),
+           std::pair("for CANopen Master", "") })
+        QTest::newRow(text) << QString(text) << QString(buddy);
 }
 
 void TestInitInterfaceDialog::labelsNameTheFields()
@@ -240,15 +236,23 @@ void TestInitInterfaceDialog::withNothingStoredTheBoxIsEmptyAndOkWarns()
     QCOMPARE(dialog.getInterface(), static_cast<const char*>(nullptr));
 }
 
+void TestInitInterfaceDialog::okAcceptsAGivenInterface_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (const char* text : { "can0", " ", " can0 " }) // blanks count
+        QTest::newRow(text) << QByteArray(text);
+}
+
 void TestInitInterfaceDialog::okAcceptsAGivenInterface()
 {
     CInitInterfaceDialog dialog;
+    QFETCH(const QByteArray, text);
     dialog.show();
-    QTest::keyClicks(interfaceBox(dialog)->lineEdit(), "can0");
+    QTest::keyClicks(interfaceBox(dialog)->lineEdit(), text);
     QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
     QVERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.getInterface(), "can0");
+    QCOMPARE(QByteArray(dialog.getInterface()), text);
 }
 
 void TestInitInterfaceDialog::returnAcceptsAGivenInterface()

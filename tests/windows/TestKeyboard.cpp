@@ -49,9 +49,14 @@ private Q_SLOTS:
 
     void theTabKeyGoesThroughTheDocumentInReadingOrder();
     void f10OpensTheFirstMenu();
+    void f10WithAnotherKeyIsNotThatOfTheMenu_data();
+    void f10WithAnotherKeyIsNotThatOfTheMenu();
+    void ctrlF4ClosesTheActiveDocument();
     void theTableOfTheFieldsIsComplete();
     void helpInTheFrameIsAModeFirst_data();
     void helpInTheFrameIsAModeFirst();
+    void helpOfAControlWithoutAnyIsNotShown();
+    void documentStartsInItsTree();
     void helpOfTheFocusedControlIsShown_data();
     void helpOfTheFocusedControlIsShown();
 
@@ -97,6 +102,36 @@ void TestKeyboard::f10OpensTheFirstMenu()
         QTest::keyClick(&driver.frame, Qt::Key_Escape);
         AWAIT_VERIFY(QApplication::activePopupWidget() == nullptr);
     }
+}
+
+void TestKeyboard::f10WithAnotherKeyIsNotThatOfTheMenu_data()
+{
+    QTest::addColumn<Qt::KeyboardModifier>("modifier");
+    QTest::newRow("Shift") << Qt::ShiftModifier;
+    QTest::newRow("Ctrl") << Qt::ControlModifier;
+    QTest::newRow("Alt") << Qt::AltModifier;
+}
+
+void TestKeyboard::f10WithAnotherKeyIsNotThatOfTheMenu()
+{
+    QFETCH(const Qt::KeyboardModifier, modifier);
+    CFrameDriver driver;
+    driver.press(Qt::Key_F10, modifier);
+    QCoreApplication::processEvents();
+    QVERIFY(!driver.menu("&File")->isVisible());
+}
+
+void TestKeyboard::ctrlF4ClosesTheActiveDocument()
+{
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    for (int number = 0; number < 3; ++number)
+        driver.open(sheet.name());
+    QMdiSubWindow* const first = driver.subWindow(0);
+    QMdiSubWindow* const last = driver.subWindow(2);
+    driver.workspace()->setActiveSubWindow(driver.subWindow(1));
+    driver.press(Qt::Key_F4);
+    QCOMPARE(driver.workspace()->subWindowList(), QList<QMdiSubWindow*>({ first, last }));
 }
 
 /// What the help window looks like, which is then closed.
@@ -156,6 +191,31 @@ void TestKeyboard::helpInTheFrameIsAModeFirst()
     driver.press(Qt::Key_F1, Qt::ShiftModifier);
     QVERIFY(!QWhatsThis::inWhatsThisMode());
     QVERIFY(helpIsShown(widget->whatsThis()));
+}
+
+void TestKeyboard::helpOfAControlWithoutAnyIsNotShown()
+{
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    driver.open(sheet.name());
+    auto* tree = driver.document(0)->findChild<QWidget*>("object dictionary list view");
+    tree->setWhatsThis(QString());
+    tree->setFocus();
+    driver.press(Qt::Key_F1, Qt::ShiftModifier);
+    driver.press(Qt::Key_F1, Qt::ShiftModifier);
+    QVERIFY(!QWhatsThis::inWhatsThisMode());
+    QVERIFY(takeHelp().isNull());
+}
+
+void TestKeyboard::documentStartsInItsTree()
+{
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    for (int number = 0; number < 2; ++number) {
+        driver.open(sheet.name());
+        QCOMPARE(QApplication::focusWidget(),
+                 driver.document(number)->findChild<QWidget*>("object dictionary list view"));
+    }
 }
 
 void TestKeyboard::helpOfTheFocusedControlIsShown_data()

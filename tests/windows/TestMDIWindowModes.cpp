@@ -21,6 +21,7 @@ private Q_SLOTS:
     void theStoredModeIsSwitchedOn();
     void choosingAModeStoresIt_data();
     void choosingAModeStoresIt();
+    void everySlotSwitchesItsButtonOn();
     void arrowKeysChangeTheMode();
     void choosingAModeReformatsNothing();
     void everyWindowKeepsItsOwnMode();
@@ -97,6 +98,18 @@ void TestMDIWindowModes::choosingAModeStoresIt()
     QCOMPARE(document.modes(), mode);
     QCOMPARE(document.statuses(), QStringList());
     QCOMPARE(CNewDocument().modes(), mode);
+}
+
+void TestMDIWindowModes::everySlotSwitchesItsButtonOn()
+{
+    const CNewDocument document;
+    const std::pair<void (CMDIWindow::*)(), const char*> rows[] = { { &CMDIWindow::buttonOctClicked, "oct" },
+                                                                    { &CMDIWindow::buttonDecClicked, "dec" },
+                                                                    { &CMDIWindow::buttonHexClicked, "hex" } };
+    for (const auto& [slot, mode] : rows) {
+        (document.window->*slot)();
+        QCOMPARE(document.modes(), QString(mode));
+    }
 }
 
 void TestMDIWindowModes::arrowKeysChangeTheMode()

@@ -84,17 +84,19 @@ void TestMainFrameFileDialog::fileDialogOpensOneExistingFile()
     QCOMPARE(titles, QStringList{ QFileDialog().windowTitle() }); // the toolkit's
 }
 
+// The toolkit keeps the folder in which a file was last looked for; the program has none of its own.
 void TestMainFrameFileDialog::fileDialogStartsInTheFolderOfTheToolkit()
 {
+    const QTemporaryDir last;
     CFrameDriver driver;
-    const QString folder = QFileDialog().directory().absolutePath(); // without one of the program's own
+    QFileDialog().setDirectory(last.path());
     QStringList folders;
     const CWhenShown<QFileDialog> files([&](QFileDialog* dialog) {
         folders << dialog->directory().absolutePath();
         inDialog::cancel(dialog);
     });
     driver.press(Qt::Key_O);
-    QCOMPARE(folders, QStringList{ folder });
+    QCOMPARE(folders, QStringList{ last.path() });
 }
 
 void TestMainFrameFileDialog::cancelledFileDialogAborts()

@@ -4,6 +4,7 @@
 #include "FakeGateway.h"
 #include "FrameDriver.h"
 #include "SheetFile.h"
+#include "SystemCalls.h"
 #include "TempSettings.h"
 
 #include <QTest>
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void dialogIsAChildOfTheFrame();
     void withoutInterfaceNoNodeIsAskedFor();
     void keyboardAloneInitialises();
+    void waitCursorIsShownWhileTheGatewayIsAsked();
 
 private:
     QString history(int slot) const { return m_store->value("Used Interfaces/Interface" + QString::number(slot)); }
@@ -367,6 +369,29 @@ void TestMainFrameInterface::keyboardAloneInitialises()
     QTest::keyClick(driver.menu("&Interface"), Qt::Key_I);
     QCOMPARE(driver.statusText(), QString("CAN interface successfully initialized"));
     QCOMPARE(history(1), loopback(gateway));
+}
+
+void TestMainFrameInterface::waitCursorIsShownWhileTheGatewayIsAsked()
+{
+    const CBoxCatcher catcher;
+    CFakeGateway gateway;
+    gateway.answerWith([](auto&) { return "[#] text\r\n"; });
+    CFrameDriver driver;
+    QList<bool> shown; // when connecting, and for each command of the properties
+    const auto note = [&] { shown << (QGuiApplication::overrideCursor() != nullptr); };
+    CSystemCalls calls;
+    calls.connect = [&](auto... arguments) {
+        note();
+        return __real_connect(arguments...);
+    };
+    calls.send = [&](auto... arguments) {
+        note();
+        return __real_send(arguments...);
+    };
+    driver.initialize(loopback(gateway));
+    driver.frame.interfaceProperties();
+    QCOMPARE(shown, QList<bool>({ true, true, true }));
+    QVERIFY(!catcher.only().waitCursor);
 }
 
 QTEST_MAIN(TestMainFrameInterface)
