@@ -87,7 +87,8 @@ static bool can_open_socket()
     if (!can_is_between(fd, 0, FD_SETSIZE - 1))
         return false;
     // When no other node acknowledges, the send buffer fills up; sending must then fail and not block.
-    fcntl(fd, F_SETFL, O_NONBLOCK);
+    if (fcntl(fd, F_SETFL, O_NONBLOCK) != 0)
+        return false;
 
     ifreq request = {};
     std::memcpy(request.ifr_name, ifname, sizeof ifname);

@@ -75,9 +75,9 @@ void CFakeBus::fail(ECall call, int error, int nth, int times)
     m_failures.push_back({ call, nth, times, error, -1 });
 }
 
-void CFakeBus::shortWrite(int bytes)
+void CFakeBus::shorten(ECall call, int bytes, int nth)
 {
-    m_failures.push_back({ Write, 1, 1, 0, bytes });
+    m_failures.push_back({ call, nth, 1, 0, bytes });
 }
 
 qint64 CFakeBus::milliseconds() const
@@ -115,7 +115,7 @@ const CFakeBus::tFailure* CFakeBus::failure(ECall call)
 bool CFakeBus::readable() const
 {
     const auto next = [](const tFailure& armed) {
-        return armed.call == Read && armed.nth <= 1 && armed.nth - 1 > -armed.times;
+        return armed.call == Read && armed.result < 0 && armed.nth <= 1 && armed.nth - 1 > -armed.times;
     };
     const bool arrived = !m_wire.empty() && m_wire.begin()->first <= m_now;
     return arrived || std::any_of(m_failures.begin(), m_failures.end(), next);

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-/// The linker's --wrap leads socket, bind, ioctl, write, read, select, close, gettimeofday and usleep here (link
+/// The linker's --wrap leads socket, fcntl, bind, ioctl, write, read, select, close, gettimeofday and usleep here (link
 /// `velmora_fake_bus`). While an object lives, its thread's calls reach this bus; one object at a time. Nothing is open
 /// at first; the end of the object calls can_exit().
 ///
@@ -31,7 +31,7 @@
 class CFakeBus
 {
 public:
-    enum ECall { Socket, Bind, Ioctl, Write, Read, Select, Close, Gettimeofday, Usleep };
+    enum ECall { Socket, Fcntl, Bind, Ioctl, Write, Read, Select, Close, Gettimeofday, Usleep };
 
     CFakeBus();
     ~CFakeBus();
@@ -63,7 +63,9 @@ public:
     /// read also makes the socket readable, as an interface that goes down does. close() still releases the descriptor.
     void fail(ECall call, int error, int nth = 1, int times = 1);
     /// Makes the next write() take only `bytes` of the frame; nothing is sent.
-    void shortWrite(int bytes);
+    void shortWrite(int bytes) { shorten(Write, bytes); }
+    /// The same for the `nth` write() from now on, or a read(): the rest of its frame is lost.
+    void shorten(ECall call, int bytes, int nth = 1);
     void heal() { m_failures.clear(); } ///< no call fails from now on
     std::function<void(ECall)> before;  ///< called at the start of each call, which count() includes
 
@@ -76,7 +78,7 @@ public:
     // What has happened.
 
     QStringList written() const { return m_written; } ///< the frames, in order
-    /// All calls in order but select and gettimeofday, which are counted only:
+    /// All calls in order but fcntl, select and gettimeofday, which are counted only:
     /// socket(29, 3, 1)   ioctl("can0", -1) with the index preset   bind(29, 7, 16) with family, index and length
     /// write(605: 40 08)   read()   usleep(100000)   close()
     QStringList calls() const { return m_calls; }

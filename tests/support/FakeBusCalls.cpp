@@ -17,6 +17,7 @@
 
 extern "C" {
 int __real_socket(int family, int type, int protocol);
+int __real_fcntl(int descriptor, int command, ...);
 int __real_bind(int socket, const sockaddr* address, socklen_t size);
 int __real_ioctl(int descriptor, unsigned long request, ...);
 ssize_t __real_write(int descriptor, const void* data, size_t size);
@@ -27,6 +28,7 @@ int __real_gettimeofday(timeval* now, void* zone);
 int __real_usleep(useconds_t microseconds);
 
 int __wrap_socket(int family, int type, int protocol);
+int __wrap_fcntl(int descriptor, int command, ...);
 int __wrap_bind(int socket, const sockaddr* address, socklen_t size);
 int __wrap_ioctl(int descriptor, unsigned long request, ...);
 ssize_t __wrap_write(int descriptor, const void* data, size_t size);
@@ -51,11 +53,18 @@ struct CFakeBusCalls {
         if (const auto* failure = bus.failure(CFakeBus::Socket))
             return failure->result;
         const int opened = __real_socket(AF_UNIX, SOCK_DGRAM, 0); // stands for one of the bus; carries nothing
-        const int descriptor = fcntl(opened, F_DUPFD, bus.lowestDescriptor);
+        const int descriptor = __real_fcntl(opened, F_DUPFD, bus.lowestDescriptor);
         __real_close(opened);
         if (descriptor >= 0)
             bus.m_sockets[descriptor] = { family, false, true };
         return descriptor;
+    }
+
+    static int fcntl(CFakeBus& bus, int descriptor, int command, long argument)
+    {
+        if (const auto* failure = bus.failure(CFakeBus::Fcntl))
+            return failure->result;
+        return __real_fcntl(descriptor, command, argument);
     }
 
     static int ioctl(CFakeBus& bus, unsigned long request, void* argument)
@@ -103,7 +112,7 @@ struct CFakeBusCalls {
     // The calls must not block: the bus may be busy, or another reader may have taken the message.
     static void checkNonBlocking(CFakeBus& bus, int descriptor, const char* call)
     {
-        if ((fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
+        if ((__real_fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0)
             bus.problem(QString("%1 on a socket that blocks").arg(call));
     }
 
@@ -131,7 +140,8 @@ struct CFakeBusCalls {
         checkNonBlocking(bus, descriptor, "read()");
         if (!bus.responder)
             bus.m_calls += "read()";
-        if (const auto* failure = bus.failure(CFakeBus::Read))
+        const auto* failure = bus.failure(CFakeBus::Read);
+        if (failure != nullptr && failure->result < 0)
             return failure->result;
         if (!bus.readable() || !bus.m_sockets[descriptor].bound) {
             errno = EAGAIN;
@@ -139,7 +149,7 @@ struct CFakeBusCalls {
         }
         const QByteArray bytes = bus.m_wire.begin()->second;
         bus.m_wire.erase(bus.m_wire.begin());
-        const size_t count = qMin(size, size_t(bytes.size()));
+        const size_t count = qMin(failure != nullptr ? size_t(failure->result) : size, size_t(bytes.size()));
         std::memcpy(data, bytes.constData(), count);
         return ssize_t(count);
     }
@@ -199,6 +209,17 @@ int __wrap_socket(int family, int type, int protocol)
 {
     CFakeBus* bus = CFakeBusCalls::bus();
     return bus != nullptr ? CFakeBusCalls::socket(*bus, family, type, protocol) : __real_socket(family, type, protocol);
+}
+
+int __wrap_fcntl(int descriptor, int command, ...)
+{
+    va_list arguments;
+    va_start(arguments, command);
+    const long argument = va_arg(arguments, long);
+    va_end(arguments);
+    CFakeBus* bus = CFakeBusCalls::busOf(descriptor);
+    return bus != nullptr ? CFakeBusCalls::fcntl(*bus, descriptor, command, argument)
+                          : __real_fcntl(descriptor, command, argument);
 }
 
 int __wrap_bind(int socket, const sockaddr* address, socklen_t size)
