@@ -5,6 +5,11 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
+
 namespace
 {
 
@@ -14,9 +19,23 @@ bool put(QFileDevice& file, const QByteArray& content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
 }
 
+// What a file system says that cannot do it is no error.
+int syncError(int descriptor)
+{
+    int error = 0;
+    do
+        error = fsync(descriptor) == 0 ? 0 : errno;
+    while (error == EINTR);
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP ? 0 : error;
+}
+
+[[noreturn]] void endUnwritten(const QString& fileName, const QString& reason)
+{
+    throw tEnd{ exitUsage, QStringLiteral("cannot write %1: %2").arg(fileName, reason) };
+}
 [[noreturn]] void endUnwritten(const QFileDevice& file, const QString& fileName)
 {
-    throw tEnd{ exitUsage, QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString()) };
+    endUnwritten(fileName, file.errorString());
 }
 
 } // namespace
@@ -39,6 +58,11 @@ void writeOutput(CConsole& console, const QString& fileName, const QByteArray& c
         return;
     }
     QSaveFile file(fileName);
-    if (!put(file, content) || !file.commit())
+    if (!put(file, content))
+        endUnwritten(file, fileName);
+    // A commit would pass over the error of a disk that takes the bytes only now.
+    if (const int error = syncError(file.handle()); error != 0)
+        endUnwritten(fileName, QString::fromLocal8Bit(std::strerror(error)));
+    if (!file.commit())
         endUnwritten(file, fileName);
 }

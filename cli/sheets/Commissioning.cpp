@@ -3,8 +3,10 @@
 #include "sheets/Commissioning.h"
 
 #include "base/NodeId.h"
+#include "dic/DataSheet.h"
 #include "dic/IniReader.h"
 #include "sheets/EntryText.h"
+#include "sheets/SheetFile.h"
 
 #include <QFile>
 
@@ -21,6 +23,8 @@ void readSection(const QString& fileName, Use use)
     for (int item = reader.moveToNextItem(); item > 0; item = reader.moveToNextItem())
         if (reader.section() == std::string_view(commissioning::section))
             use(reader);
+    if (!reader.isWhole())
+        throw tEnd{ exitUsage, unreadText(fileName) };
 }
 
 } // namespace

@@ -53,7 +53,7 @@ QString shown(std::string_view utf8)
     return visibleLine(textFromUtf8(utf8.substr(0, enough)));
 }
 
-std::vector<tFinding> CFindings::take(const char* fileName)
+std::vector<tFinding> CFindings::take(const char* fileName, bool& isRead)
 {
     const auto place = [](const tFinding& finding) { return std::pair(finding.place.line, finding.place.offset); };
     std::ranges::stable_sort(m_findings, {}, place);
@@ -67,5 +67,6 @@ std::vector<tFinding> CFindings::take(const char* fileName)
         else
             finding.column = finding.length = 1; // the file has become shorter
     }
+    isRead = isRead && (m_findings.empty() || lines.isWhole());
     return std::move(m_findings);
 }

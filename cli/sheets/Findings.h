@@ -55,8 +55,9 @@ public:
             m_findings.push_back({ rule, place, compose(), 0, 0, {}, 0, 0 });
     }
 
-    /// All of them, in the order of their places, with columns and excerpts from the file.
-    std::vector<tFinding> take(const char* fileName);
+    /// All of them, in the order of their places, with columns and excerpts from the file. `isRead` becomes false when
+    /// these cannot be read.
+    std::vector<tFinding> take(const char* fileName, bool& isRead);
 
     /// How many of a rule were found.
     int count(tRule rule) const { return m_counts[rule]; }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "sheets/LineEdits.h"
 
+#include "dic/DataSheet.h"
 #include "dic/LineFile.h"
 #include "dic/Utf8Text.h"
 #include "sheets/SheetFile.h"
@@ -18,13 +19,16 @@ namespace
 std::vector<qsizetype> lineStarts(const QString& fileName, const QByteArray& bytes, bool isUtf8)
 {
     CLineFile file;
-    file.open(QFile::encodeName(fileName).constData());
+    if (!file.open(QFile::encodeName(fileName).constData()))
+        throw tEnd{ exitUsage, unreadText(fileName) };
     constexpr QByteArrayView byteOrderMark("\xEF\xBB\xBF");
     std::vector<qsizetype> starts{ isUtf8 && bytes.startsWith(byteOrderMark) ? byteOrderMark.size() : 0 };
     for (auto line = file.readLine(); !line.empty(); line = file.readLine()) {
         const auto characters = std::count_if(line.begin(), line.end(), [](char c) { return !isContinuation(c); });
         starts.push_back(starts.back() + (isUtf8 ? static_cast<qsizetype>(line.size()) : characters));
     }
+    if (!file.isWhole())
+        throw tEnd{ exitUsage, unreadText(fileName) };
     if (starts.back() != bytes.size())
         throw tEnd{ exitUsage, QStringLiteral("cannot read %1: it changes").arg(fileName) };
     return starts;

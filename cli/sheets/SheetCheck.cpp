@@ -43,10 +43,11 @@ bool loadSheet(tCheckResult& result)
 
 // The character set of a file where it is none that the browser reads; else empty. Without a mark, the first character
 // of a sheet is one of ASCII.
-std::string_view otherCharacters(const QString& fileName)
+std::string_view otherCharacters(const QString& fileName, bool& isRead)
 {
     QFile file(fileName);
     const QByteArray start = file.open(QIODevice::ReadOnly) ? file.read(4) : QByteArray();
+    isRead = file.error() == QFileDevice::NoError;
     if (start == QByteArrayView("\xFF\xFE\0\0", 4) || start == QByteArrayView("\0\0\xFE\xFF", 4))
         return "UTF-32";
     const bool isMarked = start.startsWith("\xFF\xFE") || start.startsWith("\xFE\xFF");
@@ -54,14 +55,17 @@ std::string_view otherCharacters(const QString& fileName)
     return isMarked || hasZero ? "UTF-16" : "";
 }
 
-void readSheet(const QString& fileName, const char* name, tSheetModel& model, CFindings& findings)
+// False when the file cannot be read.
+bool readSheet(const QString& fileName, const char* name, tSheetModel& model, CFindings& findings)
 {
-    CSectionReader sections(model, findings, otherCharacters(fileName));
+    bool isRead = false;
+    CSectionReader sections(model, findings, otherCharacters(fileName, isRead));
     CSheetLines lines(name);
     tSheetLine line;
     while (lines.next(line))
         sections.take(line);
     sections.finish();
+    return isRead && lines.isWhole();
 }
 
 } // namespace
@@ -84,7 +88,7 @@ tCheckResult checkSheet(const QString& fileName, const tRuleSet& rules)
         return result;
     const QByteArray name = QFile::encodeName(fileName);
     CFindings findings(rules);
-    readSheet(fileName, name.constData(), model, findings);
+    result.isRead = readSheet(fileName, name.constData(), model, findings);
     if (!result.isLoaded && !model.isBroken)
         findings.add(ruleNoObjects, { 1, 0, 0 }, [] {
             return tAdvice{ QStringLiteral("the browser finds no object in the file"), {} };
@@ -94,7 +98,13 @@ tCheckResult checkSheet(const QString& fileName, const tRuleSet& rules)
         checkObjects(model, objects, findings);
         checkMappings(model, objects, findings);
     }
-    result.findings = findings.take(name.constData());
+    result.findings = findings.take(name.constData(), result.isRead);
+    if (!result.isRead) {
+        result = tCheckResult();
+        result.fileName = fileName;
+        result.verdict = unreadText(fileName);
+        return result;
+    }
     for (const tRuleRow& row : sheetRules())
         result.counts[row.rule] = findings.count(row.rule);
     return result;

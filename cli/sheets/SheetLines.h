@@ -35,6 +35,9 @@ public:
     /// The same with no more than number and text, in a fraction of the time. Either or.
     bool nextText(tSheetLine& line);
 
+    /// Whether the file could be read as far as lines were asked for.
+    bool isWhole() const { return m_file.isWhole(); }
+
 private:
     void take(tSheetLine& line);
     void takeHeader(tSheetLine& line);

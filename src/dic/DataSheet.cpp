@@ -22,7 +22,7 @@ QString readError(const QString& fileName)
         return QStringLiteral("not a file: %1").arg(visibleText(fileName));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot read %1").arg(visibleText(fileName));
+        return unreadText(fileName);
     return QString();
 }
 
@@ -74,7 +74,12 @@ CDataSheet::tResult CDataSheet::load(const QString& fileName, tSheetLines* lines
         fileName.endsWith(QLatin1String(".dcf"), Qt::CaseInsensitive) ? CCANopen::typeDCF : CCANopen::typeEDS;
     tEdsReport report;
     report.lines = lines;
-    if (!loadEdsFile(m_dictionary, QFile::encodeName(fileName).constData(), &report)) {
+    const bool isSheet = loadEdsFile(m_dictionary, QFile::encodeName(fileName).constData(), &report);
+    if (!report.isWhole) {
+        m_error = unreadText(fileName);
+        return noFile;
+    }
+    if (!isSheet) {
         m_error = refusal(fileName, report);
         return refused;
     }
@@ -85,6 +90,11 @@ CDataSheet::tResult CDataSheet::load(const QString& fileName, tSheetLines* lines
     if (m_dictionary.m_fileType == CCANopen::typeDCF)
         m_parameterValues = std::move(report.parameterValues);
     return loaded;
+}
+
+QString unreadText(const QString& fileName)
+{
+    return QStringLiteral("cannot read %1").arg(visibleText(fileName));
 }
 
 QString visibleText(const QString& text)

@@ -32,6 +32,9 @@ private:
     QString m_error;
 };
 
+/// "cannot read FILE".
+QString unreadText(const QString& fileName);
+
 /// A text for a message, such as the name of a file: control and format characters as "\t", "\r", "\x1B" or "\u200B".
 QString visibleText(const QString& text);
 

@@ -358,6 +358,7 @@ CCANopenObjectEntry& CEdsLoad::appendEntry(unsigned short index, unsigned char s
 [[gnu::cold, gnu::noinline]] bool refuse(const CIniReader& reader, tEdsReport* report)
 {
     if (report) {
+        report->isWhole = reader.isWhole();
         report->line = reader.getLineOfError();
         report->text = reader.textOfError();
         report->rule = reader.ruleOfError();
@@ -375,6 +376,8 @@ bool loadEdsFile(CCANopen& dictionary, const char* fileName, tEdsReport* report)
     while (true) {
         switch (reader.moveToNextItem()) {
         case -1:
+            if (report != nullptr)
+                report->isWhole = reader.isWhole();
             return true;
         case 1:
             load.enterSection(reader.section());

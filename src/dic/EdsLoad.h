@@ -27,6 +27,7 @@ using tSheetLines = std::unordered_map<const CCANopenObjectEntry*, tEntryLines>;
 struct tEdsReport {
     tParameterValues parameterValues;
     tSheetLines* lines = nullptr; ///< where to put the lines of the entries; borrowed, null for those who need none
+    bool isWhole = true;          ///< false when an error of the system hid some of the file, or all of it
     // Where reading stopped; after success line 0.
     int line = 0;
     std::string text; ///< of that line, UTF-8

@@ -34,6 +34,9 @@ public:
     std::string_view keyName() const { return m_key; }
     const char* keyValue() const { return m_value.data(); }
 
+    /// Whether the file could be read as far as items were asked for: false after an error, and without a file.
+    bool isWhole() const { return m_file.isWhole(); }
+
     /// Number of the line reached, from 1; -1 before any file was opened.
     int getLineOfError() const;
     /// After the result 0: that line as UTF-8, without its end. Valid as long as the reader.

@@ -87,7 +87,8 @@ bool CLineFile::open(const char* fileName)
     const qint64 size = m_file.size();
     m_bytesLeft = size;
     m_isUtf8 = isUtf8();
-    m_bytesLeft = m_file.seek(0) ? size : 0;
+    m_hasFailed = !m_file.seek(0) || m_hasFailed;
+    m_bytesLeft = m_hasFailed ? 0 : size;
     m_next = m_end = m_text.data();
     if (m_isUtf8 && appendBlock() && QByteArrayView(m_next, m_end).startsWith(byteOrderMark))
         m_next += byteOrderMark.size();
@@ -112,6 +113,7 @@ qint64 CLineFile::readBytes(char* bytes, qint64 most)
 {
     const qint64 count = m_file.read(bytes, std::min(most, m_bytesLeft));
     m_bytesLeft = count > 0 ? m_bytesLeft - count : 0;
+    m_hasFailed = count < 0 || m_hasFailed;
     return std::max<qint64>(count, 0);
 }
 

@@ -25,6 +25,9 @@ public:
     /// and devices are refused: some of them never end. False if nothing was opened.
     bool open(const char* fileName);
     bool isOpen() const { return m_isOpen; }
+    /// Whether all that was wanted of the file so far could be read. False after an error of the system, which otherwise
+    /// looks like the end of the file, and without a file.
+    bool isWhole() const { return m_isOpen && !m_hasFailed; }
 
     /// Takes the next line if all of it has been read from the file already; the line before stays valid then. No line
     /// otherwise, see `readLine`.
@@ -53,6 +56,7 @@ private:
     QFile m_file;
     qint64 m_bytesLeft = 0; // of the size found when the file was opened
     bool m_isOpen = false;
+    bool m_hasFailed = false; // a part could not be read
     bool m_isUtf8 = false;
     QByteArray m_block;           // bytes of the file that are not UTF-8 yet
     QByteArray m_text;            // UTF-8
