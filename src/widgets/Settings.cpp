@@ -4,14 +4,23 @@
 
 #include "base/Product.h"
 
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QMap>
 #include <QSettings>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <system_error>
 
 namespace
 {
 
-constexpr char recentFileKey[] = "/%1/Recent File List/File%2";
-constexpr char usedInterfaceKey[] = "/%1/Used Interfaces/Interface%2";
-constexpr char displayModeKey[] = "/%1/Settings/Display";
+constexpr char recentFileKey[] = "%1/Recent File List/File%2";
+constexpr char usedInterfaceKey[] = "%1/Used Interfaces/Interface%2";
+constexpr char displayModeKey[] = "%1/Settings/Display";
 
 // The user's own settings only: a settings file of the whole system must not add to the user's lists.
 class CUserSettings : public QSettings
@@ -37,12 +46,75 @@ QStringList usedSlots(const char* pattern)
     return list;
 }
 
+// The number of whole lines with values in a file; none when it cannot be read.
+std::optional<qsizetype> valuesIn(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QList<QByteArray> lines = file.readAll().split('\n');
+    if (file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    lines.removeLast(); // what has no line end
+    return std::count_if(lines.begin(), lines.end(),
+                         [](const QByteArray& line) { return line.contains('=') && !line.startsWith(';'); });
+}
+
+// Whether `store` holds what is in its file: one that cannot be read looks like an empty one.
+bool holdsItsFile(const QSettings& store)
+{
+    if (!store.allKeys().isEmpty())
+        return true;
+    std::error_code error;
+    const bool exists = std::filesystem::exists(QFile::encodeName(store.fileName()).toStdString(), error);
+    return (!exists && !error) || valuesIn(store.fileName()) == 0;
+}
+
+// Puts a file with these values in place of another one.
+void replaceFile(const QString& fileName, const QMap<QString, QVariant>& values)
+{
+    const QString existing = QFileInfo(fileName).canonicalFilePath(); // where a link leads
+    const QString target = existing.isEmpty() ? fileName : existing;
+    const QString copy = target + QStringLiteral(".%1").arg(QCoreApplication::applicationPid());
+    const auto remove = [&copy](const char* end) { QFile::remove(copy + QLatin1String(end)); };
+    remove(".lock"); // left by this process: the library would wait for its end
+    remove("");
+    {
+        QSettings store(copy, QSettings::NativeFormat);
+        for (auto value = values.cbegin(); value != values.cend(); ++value)
+            store.setValue(value.key(), value.value());
+    }
+    remove(".lock"); // in case the library could not
+    if (!existing.isEmpty())
+        QFile::setPermissions(copy, QFile::permissions(existing));
+    // The library does not notice that there was no room for the last bytes.
+    if (valuesIn(copy) != values.size() ||
+        std::rename(QFile::encodeName(copy).constData(), QFile::encodeName(target).constData()) != 0)
+        remove("");
+}
+
+// The library would write the file as it is when there is no room, and without what it cannot read once more. A copy is
+// therefore written, and nothing where the stored values are not known.
+void write(const QMap<QString, QVariant>& values)
+{
+    const CUserSettings store;
+    if (!holdsItsFile(store))
+        return;
+    QMap<QString, QVariant> all;
+    for (const QString& key : store.allKeys())
+        all.insert(key, store.value(key));
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+        all.insert(value.key(), value.value());
+    replaceFile(store.fileName(), all);
+}
+
 // Kept: slots after the end of the list keep their value: compatible behaviour.
 void writeSlots(const char* pattern, const QStringList& list)
 {
-    CUserSettings store;
+    QMap<QString, QVariant> values;
     for (int slot = 1; slot <= settings::listSlots && slot <= list.size(); ++slot)
-        store.setValue(slotKey(pattern, slot), list[slot - 1]);
+        values.insert(slotKey(pattern, slot), list[slot - 1]);
+    write(values);
 }
 
 QString displayKey()
@@ -79,7 +151,7 @@ valueFormats::TDisplayMode settings::displayMode()
 
 void settings::setDisplayMode(valueFormats::TDisplayMode mode)
 {
-    CUserSettings().setValue(displayKey(), int{ mode });
+    write({ { displayKey(), int{ mode } } });
 }
 
 QStringList settings::promoted(const QStringList& list, const QString& name)
