@@ -5,6 +5,7 @@
 #include "Patience.h"
 
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStringList>
 
 #include <csignal>
@@ -16,10 +17,8 @@ struct tCliRun {
     QByteArray error;
 };
 
-inline tCliRun runProgram(const QString& program, const QStringList& arguments, const QString& folder = {})
+inline tCliRun runProcess(QProcess& process, const QString& program, const QStringList& arguments)
 {
-    QProcess process;
-    process.setWorkingDirectory(folder);
     process.start(program, arguments);
     tCliRun run;
     if (process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit)
@@ -30,6 +29,21 @@ inline tCliRun runProgram(const QString& program, const QStringList& arguments, 
     run.output = process.readAllStandardOutput();
     run.error = process.readAllStandardError();
     return run;
+}
+
+inline tCliRun runProgram(const QString& program, const QStringList& arguments, const QString& folder = {})
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    return runProcess(process, program, arguments);
+}
+
+/// In an environment of its own.
+inline tCliRun runProgram(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    return runProcess(process, program, arguments);
 }
 
 inline tCliRun runCli(const QStringList& arguments, const QString& folder = {})
