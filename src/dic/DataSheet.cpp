@@ -49,6 +49,18 @@ bool isVisible(char32_t character)
     }
 }
 
+// The character at the place, which moves behind it. A surrogate without its other half is U+FFFD. Not by
+// `QString::toUcs4`, which crashes when memory runs out.
+char32_t nextCharacter(const QString& text, qsizetype& place)
+{
+    const QChar unit = text[place++];
+    if (!unit.isSurrogate())
+        return unit.unicode();
+    if (!unit.isHighSurrogate() || place == text.size() || !text[place].isLowSurrogate())
+        return QChar::ReplacementCharacter;
+    return QChar::surrogateToUcs4(unit, text[place++]);
+}
+
 QString visibleCharacter(char32_t character)
 {
     if (isVisible(character))
@@ -100,16 +112,16 @@ QString unreadText(const QString& fileName)
 QString visibleText(const QString& text)
 {
     QString visible;
-    for (const char32_t character : text.toUcs4())
-        visible += visibleCharacter(character);
+    for (qsizetype place = 0; place < text.size();)
+        visible += visibleCharacter(nextCharacter(text, place));
     return visible;
 }
 
 QString visibleLine(const QString& line)
 {
     QString visible;
-    for (const char32_t character : line.toUcs4()) {
-        const QString text = visibleCharacter(character);
+    for (qsizetype place = 0; place < line.size();) {
+        const QString text = visibleCharacter(nextCharacter(line, place));
         if (visible.size() + text.size() > longestLine)
             return visible + QStringLiteral("...");
         visible += text;
