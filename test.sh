@@ -5,28 +5,51 @@
 #   ./test.sh                  everything
 #   ./test.sh --without-can    all but what needs vcan0
 #   ./test.sh --quick          the suite in dev only, without what needs vcan0
+#   ./test.sh --coverage       the suite and the tests on vcan0 with coverage counters; fails below the aims
 # SPDX-License-Identifier: MIT
 set -euo pipefail
 cd "$(dirname "$0")"
 . scripts/common.sh
 
 quick=false
+coverage=false
 can=true
 case "${1:-}" in
     "") ;;
     --quick) quick=true can=false ;;
     --without-can) can=false ;;
-    *) echo "usage: ./test.sh [--quick | --without-can]" >&2; exit 2 ;;
+    --coverage) coverage=true ;;
+    *) echo "usage: ./test.sh [--quick | --without-can | --coverage]" >&2; exit 2 ;;
 esac
 mkdir -p build
-summaries=()
+summary=$PWD/build/summary.txt
+: > "$summary"
+summarise() { echo "$*" >> "$summary"; }
+
+# beside FUNCTION: runs it beside what follows. `await FUNCTION` shows its output, and ends the script if it failed.
+declare -A beside=()
+beside() {
+    set -m # a process group of its own, which can be ended as a whole
+    "$1" > "build/$1.log" 2>&1 < /dev/null &
+    set +m
+    beside[$1]=$!
+}
+await() {
+    local status=0
+    wait "${beside[$1]}" || status=$?
+    unset "beside[$1]"
+    cat "build/$1.log"
+    [ $status -eq 0 ] || exit 1
+}
+end_beside() { for process in "${beside[@]}"; do kill -- "-$process" 2> /dev/null || true; done; }
+trap end_beside EXIT
 
 # suite PRESET: builds and runs the tests; keeps ctest's result line for the summary.
 suite() {
     build "$1"
     stage "Testing $1"
     ctest --preset "$1" 2>&1 | tee "build/$1.ctest.log" || fail "tests of $1 failed"
-    summaries+=("$1: $(grep 'tests passed' "build/$1.ctest.log")")
+    summarise "$1: $(grep 'tests passed' "build/$1.ctest.log")"
 }
 
 # The tests on vcan0; `way` is the one that with-vcan takes.
@@ -35,14 +58,14 @@ suite_on_vcan() {
     tests/vcan/check-with-vcan || fail "the checks of scripts/vcan/with-vcan failed"
     stage "Testing on vcan0: $way"
     scripts/vcan/with-vcan ctest --preset vcan 2>&1 | tee build/vcan.ctest.log || fail "tests on vcan0 failed"
-    summaries+=("vcan0: $(grep 'tests passed' build/vcan.ctest.log)")
+    summarise "vcan0: $(grep 'tests passed' build/vcan.ctest.log)"
 }
 
 # Versions of clang-format format differently: only version 14 checks.
 format() {
     local checker=clang-format-14 files
     if ! command -v $checker > /dev/null; then
-        summaries+=("formatting: not checked, it takes $checker")
+        summarise "formatting: not checked, it takes $checker"
         return
     fi
     stage "Formatting"
@@ -80,7 +103,53 @@ tidy() {
 performance() {
     tests/bench/check-bench || fail "bench.sh does not compare with the aims"
     ./bench.sh --counted --check 2>&1 | tee build/bench.log || fail "a row of bench/aims.txt is missed"
-    summaries+=("performance: $(grep -c '| met ' build/bench.log) aims met")
+    summarise "performance: $(grep -c '| met ' build/bench.log) aims met"
+}
+
+windows_from_outside() {
+    stage "The windows from outside"
+    tests/atspi/check-atspi || fail "assistive programs and keys do not find everything"
+}
+
+package() {
+    stage "The package"
+    tests/package/check-package || fail "the package is not sound"
+}
+
+release() {
+    build release
+    ! grep 'warning:' build/release.build.log || fail "release has warnings"
+    tests/package/check-hardening build/release/{src/velmora,cli/velmora-cli,sim/velmora-sim} ||
+        fail "release is not hardened"
+}
+
+demonstrations() {
+    stage "Demonstration without a display"
+    tests/demo/check-demo || fail "demo.sh does not report programs that end"
+    tests/demo/check-progress || fail "a long build does not show that it goes on"
+    ./demo.sh --headless
+    tests/docs/check-handbook || fail "the handbook names what is not there"
+    if $can; then ./demo.sh --can --headless; fi
+}
+
+# covered WHAT OPTION...: prints the table and fails below the aims.
+covered() {
+    stage "Coverage of $1"
+    gcovr -r . --object-directory build/coverage --exclude-throw-branches --exclude-unreachable-branches -s "${@:2}" |
+        tee build/gcovr.log || fail "the coverage of $1 is below the aim"
+    summarise "coverage of $1: $(grep -E '^(lines|branches):' build/gcovr.log | tr '\n' ' ')"
+}
+
+measure_coverage() {
+    find build/coverage -name '*.gcda' -delete 2> /dev/null || true
+    suite coverage
+    stage "Testing on vcan0: $way"
+    # No process may end while another one is writing the same counters: one at a time.
+    scripts/vcan/with-vcan ctest --test-dir build/coverage -L '^vcan$' --output-on-failure > build/vcan.ctest.log ||
+        { cat build/vcan.ctest.log; fail "tests on vcan0 failed"; }
+    covered "all sources" -f src -f sim -f cli --fail-under-line 97
+    covered "all but the windows" -f 'src/[a-v]*/' -f 'src/CANopen' -f sim -f cli --fail-under-line 99 \
+        --fail-under-branch 95
 }
 
 if $quick; then
@@ -95,24 +164,27 @@ else
         [ "$(id -u)" -eq 0 ] || export VELMORA_VCAN=${VELMORA_VCAN:-uml}
         way=$(scripts/vcan/with-vcan --way) || fail "no vcan0 here; ./test.sh --without-can leaves out what needs it"
     fi
-    comments
-    format
-    suite dev
-    suite asan
-    if $can; then suite_on_vcan; fi
-    tidy
-    performance
-    stage "The windows from outside"
-    tests/atspi/check-atspi || fail "assistive programs and keys do not find everything"
-    stage "The package"
-    tests/package/check-package || fail "the package is not sound"
-    build release
-    stage "Demonstration without a display"
-    tests/demo/check-demo || fail "demo.sh does not report programs that end"
-    tests/demo/check-progress || fail "a long build does not show that it goes on"
-    ./demo.sh --headless
-    tests/docs/check-handbook || fail "the handbook names what is not there"
+    if $coverage; then
+        install_missing gcovr
+        measure_coverage
+    else
+        # What mostly waits, or uses one processor, is run beside what uses all of them.
+        comments
+        format
+        suite dev
+        if $can; then beside suite_on_vcan; fi
+        beside windows_from_outside
+        suite asan
+        if $can; then await suite_on_vcan; fi
+        await windows_from_outside
+        beside package
+        tidy
+        performance
+        await package
+        release
+        demonstrations
+    fi
 fi
-$can || summaries+=("vcan0: left out")
+$can || summarise "vcan0: left out"
 stage "Summary"
-printf '%s\n' "${summaries[@]}"
+cat "$summary"

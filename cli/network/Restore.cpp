@@ -102,8 +102,8 @@ private:
         const bool isLeftOut = std::any_of(std::begin(leftOut), std::end(leftOut), [&entry](const auto& range) {
             return entry.index >= range.first && entry.index <= range.last;
         });
-        return m_options.exclude.count(entry.index) == 0 &&
-               ((!isLeftOut && isReadable(entry)) || m_options.include.count(entry.index) != 0);
+        return !m_options.exclude.contains(entry.index) &&
+               ((!isLeftOut && isReadable(entry)) || m_options.include.contains(entry.index));
     }
 
     bool isCompared(const tSnapshotEntry& entry) const
