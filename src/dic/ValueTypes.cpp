@@ -137,6 +137,16 @@ QString textFromReal(const QByteArray& bytes)
     return textFromNumber(numberOf(bytes, { kindUnsigned, 0 }), static_cast<int>(bytes.size()));
 }
 
+// The float nearest to a decimal number that Qt reads as `value`. Qt reads a double first, and rounds some twice.
+float nearestFloat(const QString& text, float value)
+{
+    const QByteArray digits = text.toLatin1();
+    const char* begin = digits.constData() + (digits.startsWith('+') ? 1 : 0);
+    if (std::isfinite(value))
+        std::from_chars(begin, digits.constData() + digits.size(), value);
+    return value;
+}
+
 // Whether a line of a data sheet can hold the text as a value.
 bool fitsIntoLine(const QString& text)
 {
@@ -206,8 +216,8 @@ std::optional<QByteArray> realFromText(const QString& text, int width)
         return littleEndian(number->bits, width);
     bool ok = false;
     const QString plain = text.trimmed();
-    const quint64 bits =
-        width == 4 ? std::bit_cast<quint32>(plain.toFloat(&ok)) : std::bit_cast<quint64>(plain.toDouble(&ok));
+    const quint64 bits = width == 4 ? std::bit_cast<quint32>(nearestFloat(plain, plain.toFloat(&ok)))
+                                    : std::bit_cast<quint64>(plain.toDouble(&ok));
     if (!ok)
         return std::nullopt;
     return littleEndian(bits, width);

@@ -59,6 +59,7 @@ void TestValueTypes::defaultsBecomeLittleEndianBytes_data()
              { "UNSIGNED32 with node-id at the end", 7, "0x180+$NODEID", hex("85010000") },
              { "REAL32", 8, "1.5", hex("0000C03F") },
              { "REAL32 as pattern", 8, "0x3FC00000", hex("0000C03F") },
+             { "REAL32 just below the middle of two", 8, "+1.00000017881393432617187499", hex("0100803F") },
              { "REAL32 too large", 8, "1e99", hex("00000000") },
              { "VISIBLE_STRING", 9, "Velmora", "Velmora" },
              { "VISIBLE_STRING that looks like a number", 9, "0x10", "0x10" },
