@@ -236,6 +236,18 @@ void TestDataSheet::linesAreShownCutAndVisible_data()
     QTest::newRow("byte order mark") << QChar(0xFEFF) + QString("[a]") << "\\uFEFF[a]";
     QTest::newRow("line separator") << "\u2028"
                                     << "\\u2028";
+    QTest::newRow("paragraph separator") << "\u2029"
+                                         << "\\u2029";
+    QTest::newRow("soft hyphen") << "\u00AD"
+                                 << "\\xAD";
+    QTest::newRow("private use") << "\uE000"
+                                 << "\\uE000";
+    QTest::newRow("private use beyond 16 bits") << "\U000F0000"
+                                                << "\\uF0000";
+    QTest::newRow("not assigned") << "\u0378"
+                                  << "\\u0378";
+    QTest::newRow("half of a pair") << QString(QChar(0xD800)) + "a"
+                                    << "\uFFFDa";
 }
 
 void TestDataSheet::linesAreShownCutAndVisible()

@@ -111,6 +111,7 @@ void TestNumberText::termsAreAddedUp()
 
 void TestNumberText::hexadecimalNumbersHaveAllTheirDigits()
 {
+    QCOMPARE(hexadecimalText(0, 0), "0x0");
     QCOMPARE(hexadecimalText(0, 1), "0x0");
     QCOMPARE(hexadecimalText(0, 4), "0x0000");
     QCOMPARE(hexadecimalText(0x9AF, 1), "0x9AF");

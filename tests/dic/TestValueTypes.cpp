@@ -27,6 +27,7 @@ private Q_SLOTS:
     void limitsOutsideOfTheTypeLimitNothing();
     void valuesHaveTheOrderOfTheirType_data();
     void valuesHaveTheOrderOfTheirType();
+    void nodeIdIsKnownInAnyCase();
     void textsStandForValues_data();
     void textsStandForValues();
     void wrongTextsAreNoValues_data();
@@ -188,6 +189,15 @@ void TestValueTypes::valuesHaveTheOrderOfTheirType()
 }
 
 // Each text is what `textFromValue` writes and what `valueFromText` reads.
+void TestValueTypes::nodeIdIsKnownInAnyCase()
+{
+    for (const char* text : { "$NODEID+0x180", "$nodeid+0x180", "0x180+$NodeID", "$NODEID" }) {
+        QVERIFY(isRelative(text));
+        QCOMPARE(valueFromText(text, valueType(7), 5).value().at(0), char(text[0] == '$' && text[7] == 0 ? 5 : 0x85));
+    }
+    QVERIFY(!isRelative("NODEID+0x180"));
+}
+
 void TestValueTypes::textsStandForValues_data()
 {
     QTest::addColumn<int>("dataType");

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void unsigned32WithinItsLimits() { check(CCANopenTypes::ascii2unsigned32); }
     void integer32WithinItsLimits_data();
     void integer32WithinItsLimits() { check(CCANopenTypes::ascii2integer32); }
+    void aSignIsNoPartOfTheLimits();
     void aNullTextIsReportedAndCountsAsEmpty();
     void aNullResultIsReportedAndNotStored();
     void whatWasReadBeforeAFailureIsStored_data();
@@ -168,6 +169,23 @@ void TestCANopenTypes::integer32WithinItsLimits_data()
         { "0x100000000", refused },
         { "", refused },
     });
+}
+
+void TestCANopenTypes::aSignIsNoPartOfTheLimits()
+{
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned8, "+255"), tResult(255));
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned8, "+256"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2integer8, "+127"), tResult(127));
+    QCOMPARE(read(CCANopenTypes::ascii2integer8, "+128"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned16, "+65535"), tResult(65535));
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned16, "+65536"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2integer16, "+32767"), tResult(32767));
+    QCOMPARE(read(CCANopenTypes::ascii2integer16, "+32768"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned32, "+4294967295"), tResult(4294967295));
+    QCOMPARE(read(CCANopenTypes::ascii2unsigned32, "+4294967296"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2integer32, "+2147483647"), tResult(2147483647));
+    QCOMPARE(read(CCANopenTypes::ascii2integer32, "+2147483648"), refused);
+    QCOMPARE(read(CCANopenTypes::ascii2integer32, "-0002147483648"), tResult(-2147483648));
 }
 
 void TestCANopenTypes::aNullTextIsReportedAndCountsAsEmpty()
