@@ -80,9 +80,14 @@ void TestParameterTransfer::aValueIsReadAsText_data()
                           "cke\0x",
                           8)),
         "Brücke");
+    for (const char* text : { "A", "AB", "ABC", "ABCD" }) // no zero byte after them
+        row(TEntry::typeVisibleString, modeDec, "d", base64(text), text);
+    row(TEntry::typeVisibleString, modeDec, "d", "=", "");
     const QByteArray date = QByteArray::fromHex("923B1E12180C09");
     row(TEntry::typeDate, modeDec, "d", base64(date), "2009-12-24 18:30:15.250");
     row(TEntry::typeDate, modeHex, "d", base64(date), "0x92 0x3B 0x1E 0x12 0x18 0x0C 0x09 ");
+    row(TEntry::typeDate, modeHex, "d", base64(date.left(3)), "0x92 0x3B 0x1E ");
+    row(TEntry::typeDate, modeDec, "d", base64(date.left(3)), "1970-01-01 00:30:15.250"); // the rest is 0
     row(TEntry::typeTimeOfDay, modeDec, "d", base64(QByteArray(6, '\0')), "1984-01-01 01:00:00.000");
     row(TEntry::typeTimeOfDay, modeOct, "d", base64(QByteArray(6, '\x09')), "011 011 011 011 011 011 ");
     for (const int type : otherTypes)
