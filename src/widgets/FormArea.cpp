@@ -16,6 +16,12 @@ CFormArea::CFormArea(QWidget* parent) : QScrollArea(parent)
     connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, const QWidget* now) { showFocus(now); });
 }
 
+// A field that is deleted, or hidden, together with the area loses the focus after this.
+CFormArea::~CFormArea()
+{
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 int CFormArea::neededWidth() const
 {
     if (widget() == nullptr)

@@ -11,6 +11,7 @@ class CFormArea : public QScrollArea
 
 public:
     explicit CFormArea(QWidget* parent);
+    ~CFormArea() override;
 
     /// The width with which nothing is to the right or left of what is shown.
     int neededWidth() const;
