@@ -19,11 +19,11 @@ const QStringList faults = {
     "drop@2005",    "garbage@2006",  "bytewise@2007", "overlong@2008", "error=101@2009",
 };
 
-// 4 is an abort; errors of a gateway are -600 and below.
+// 4 is an abort, -600 - n the error n of a gateway: garbage, too, may read as any number.
 bool isStated(int code)
 {
-    static const std::set<int> codes{ 4, -30, -70, -98, -793, -701 };
-    return codes.count(code) != 0;
+    static const std::set<int> codes{ 4, -30, -70, -98, -793 };
+    return codes.count(code) != 0 || code <= -600;
 }
 
 bool connect(CCANopenAccess& access, unsigned short port)

@@ -37,6 +37,13 @@ const BYTE* bytesOf(const QByteArray& bytes)
     return reinterpret_cast<const BYTE*>(bytes.constData());
 }
 
+int32_t init(CNodeOnBus& bus, bool& kept)
+{
+    const int32_t result = cop_init(-1, &bus.param, 0);
+    kept = bus.descriptors() == (result == 0 ? 1 : 0);
+    return result;
+}
+
 int32_t readSegments(CNodeOnBus& bus, bool& kept)
 {
     BYTE data[segmented + 4] = {};
@@ -109,7 +116,7 @@ int32_t request(CNodeOnBus& bus, bool& kept)
 
 // ERR_NOT_INITIALIZED, as after an opening that failed, is stated for all.
 const QList<tStep> session = {
-    { "cop_init", [](CNodeOnBus& bus, bool&) { return cop_init(-1, &bus.param, 0); }, { -10000 } },
+    { "cop_init", init, { -10000 } },
     { "nmt_start", [](CNodeOnBus&, bool&) { return nmt_start_remote_node(5); }, { ERR_TRANSMITTER_BUSY } },
     { "sdo_write_16bit", writeNumber, { ERR_TRANSMITTER_BUSY, ERR_TIMEOUT } },
     { "sdo_write", writeSegments, { ERR_TRANSMITTER_BUSY, ERR_TIMEOUT } },
