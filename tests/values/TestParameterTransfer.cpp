@@ -90,6 +90,8 @@ void TestParameterTransfer::aValueIsReadAsText_data()
     row(TEntry::typeDate, modeDec, "d", base64(date.left(3)), "1970-01-01 00:30:15.250"); // the rest is 0
     row(TEntry::typeTimeOfDay, modeDec, "d", base64(QByteArray(6, '\0')), "1984-01-01 01:00:00.000");
     row(TEntry::typeTimeOfDay, modeOct, "d", base64(QByteArray(6, '\x09')), "011 011 011 011 011 011 ");
+    row(TEntry::typeDate, modeHex, "d", "=", ""); // no bytes
+    row(TEntry::typeDomain, modeHex, "d", "=", "");
     for (const int type : otherTypes)
         row(type, modeDec, "d", base64(QByteArray::fromHex("00FF07")), "0 255 7 ");
 }
