@@ -10,7 +10,6 @@
 #include <QSettings>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -70,42 +69,57 @@ bool holdsItsFile(const QSettings& store)
     return (!exists && !error) || valuesIn(store.fileName()) == 0;
 }
 
-// Puts a file with these values in place of another one.
-void replaceFile(const QString& fileName, const QMap<QString, QVariant>& values)
+// Keeps a second name of the settings file while it is written: the library puts an empty file in its place, and says
+// nothing, when there is no room for the last bytes.
+class CKeptFile
 {
-    const QString existing = QFileInfo(fileName).canonicalFilePath(); // where a link leads
-    const QString target = existing.isEmpty() ? fileName : existing;
-    const QString copy = target + QStringLiteral(".%1").arg(QCoreApplication::applicationPid());
-    const auto remove = [&copy](const char* end) { QFile::remove(copy + QLatin1String(end)); };
-    remove(".lock"); // left by this process: the library would wait for its end
-    remove("");
+public:
+    explicit CKeptFile(const QString& fileName)
+        : m_name(QFileInfo(fileName).canonicalFilePath()), // where a link leads; empty when there is no file
+          m_copy(QStringLiteral("%1.%2").arg(m_name).arg(QCoreApplication::applicationPid()))
     {
-        QSettings store(copy, QSettings::NativeFormat);
-        for (auto value = values.cbegin(); value != values.cend(); ++value)
-            store.setValue(value.key(), value.value());
+        if (m_name.isEmpty())
+            return;
+        QFile::remove(m_copy); // left by a process that was killed
+        std::error_code error;
+        std::filesystem::create_hard_link(pathOf(m_name), pathOf(m_copy), error);
     }
-    remove(".lock"); // in case the library could not
-    if (!existing.isEmpty())
-        QFile::setPermissions(copy, QFile::permissions(existing));
-    // The library does not notice that there was no room for the last bytes.
-    if (valuesIn(copy) != values.size() ||
-        std::rename(QFile::encodeName(copy).constData(), QFile::encodeName(target).constData()) != 0)
-        remove("");
-}
+    ~CKeptFile()
+    {
+        if (!m_name.isEmpty())
+            QFile::remove(m_copy);
+    }
+    CKeptFile(const CKeptFile&) = delete;
+    CKeptFile& operator=(const CKeptFile&) = delete;
 
-// The library would write the file as it is when there is no room, and without what it cannot read once more. A copy is
-// therefore written, and nothing where the stored values are not known.
+    void putBack(const QString& fileName) const
+    {
+        std::error_code error;
+        if (m_name.isEmpty())
+            QFile::remove(fileName);
+        else
+            std::filesystem::rename(pathOf(m_copy), pathOf(m_name), error);
+    }
+
+private:
+    static std::filesystem::path pathOf(const QString& name) { return QFile::encodeName(name).toStdString(); }
+
+    QString m_name;
+    QString m_copy;
+};
+
 void write(const QMap<QString, QVariant>& values)
 {
-    const CUserSettings store;
+    CUserSettings store;
     if (!holdsItsFile(store))
         return;
-    QMap<QString, QVariant> all;
-    for (const QString& key : store.allKeys())
-        all.insert(key, store.value(key));
+    const CKeptFile kept(store.fileName());
     for (auto value = values.cbegin(); value != values.cend(); ++value)
-        all.insert(value.key(), value.value());
-    replaceFile(store.fileName(), all);
+        store.setValue(value.key(), value.value());
+    const qsizetype count = store.allKeys().size();
+    store.sync();
+    if (valuesIn(store.fileName()) != count)
+        kept.putBack(store.fileName());
 }
 
 // Kept: slots after the end of the list keep their value: compatible behaviour.

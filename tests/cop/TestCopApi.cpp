@@ -174,7 +174,8 @@ void TestCopApi::openingOverAndOverLeaksNothing()
 void TestCopApi::eachCallFailsOnceInEachPlace_data()
 {
     QTest::addColumn<int>("call");
-    const char* const names[] = { "socket", "bind", "ioctl", "write", "read", "select", "close", "clock", "usleep" };
+    const char* const names[] = { "socket", "fcntl",  "bind",  "ioctl", "write",
+                                  "read",   "select", "close", "clock", "usleep" };
     for (int call = CFakeBus::Socket; call <= CFakeBus::Usleep; ++call)
         QTest::newRow(names[call]) << call;
 }

@@ -84,12 +84,15 @@ void TestFailingSettings::whatIsStoredIsTheOldOrTheNew()
         const auto names = QDir(QFileInfo(name).path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
         if (fault.call != "unlink" && names.size() != (QFile::exists(name) ? 1 : 0))
             return "left over: " + names.join(' ');
+        QFile::remove(name + ".lock"); // one that could not be removed: the library would wait half a minute for it
         settings::setDisplayMode(valueFormats::modeOct);
         const QStringList olds = exists ? files : QStringList();
         const QStringList news = QStringList("/new.eds") + olds;
         const QString rest = ", " + (exists ? interfaces.join(' ') : QString()) + ", 2";
         const QString now = stored();
-        return now == (content == after ? news : olds).join(' ') + rest ? QString() : "then stored: " + now;
+        // The library may keep what it could not write, and write it along with the next value.
+        const bool isOld = content != after && now == olds.join(' ') + rest;
+        return isOld || now == news.join(' ') + rest ? QString() : "then stored: " + now;
     };
     const int failed = failEach(
         QFileInfo(name).path(), prepare,

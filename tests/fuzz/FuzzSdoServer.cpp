@@ -71,7 +71,7 @@ static QByteArray takeRequest(CFuzzInput& input)
     case 6:
         return frame(0x80, takeIndex(input), 0, takeBytes(input, 4));
     default:
-        return takeBytes(input, kind == 0xFF ? input.byte() % 12 : 8);
+        return takeBytes(input, kind == 0xFF ? input.byte() % 12U : 8U);
     }
 }
 

@@ -93,6 +93,8 @@ struct tReading {
 };
 
 /// Digit by digit with 128 bits; cut from there on, which leaves all lower bits right.
+__extension__ using tWide = unsigned __int128;
+
 template <typename Number>
 static tReading<Number> readDigits(const std::string& text, size_t start, const char* digits, bool negative,
                                    uint64_t limit)
@@ -107,7 +109,7 @@ static tReading<Number> readDigits(const std::string& text, size_t start, const 
             letter == '\0' ? nullptr : std::strchr(digits, letter >= 'A' && letter <= 'F' ? letter + 32 : letter);
         if (digit == nullptr)
             break;
-        const auto wide = static_cast<unsigned __int128>(bits) * base + static_cast<unsigned>(digit - digits);
+        const auto wide = static_cast<tWide>(bits) * base + static_cast<unsigned>(digit - digits);
         reading.fits = reading.fits && wide <= limit;
         bits = static_cast<uint64_t>(wide);
     }
