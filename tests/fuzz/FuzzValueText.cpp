@@ -23,7 +23,7 @@
 using entry = CCANopenObjectEntry;
 using types = CCANopenTypes;
 using namespace valueFormats;
-using tWide = __int128;
+__extension__ using tWide = __int128;
 
 // Integers
 
@@ -138,7 +138,7 @@ static bool isDecimal(const std::string& text)
     if (text[at] == '.')
         at = std::min(text.find_first_not_of("0123456789", at + 1), text.size());
     if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
-        at += text[at + 1] == '+' || text[at + 1] == '-' ? 2 : 1;
+        at += text[at + 1] == '+' || text[at + 1] == '-' ? 2U : 1U;
         return at < text.size() && text.find_first_not_of("0123456789", at) == std::string::npos;
     }
     return at == text.size();
