@@ -128,9 +128,9 @@ static std::optional<QByteArray> upload(CSdoServer& server, unsigned index)
 }
 
 /// Writes in segments. @return the abort code, 0 after success
-static quint32 download(CSdoServer& server, unsigned index, const QByteArray& data)
+static quint32 download(CSdoServer& server, unsigned index, const QByteArray& data, qsizetype announced)
 {
-    QByteArray answer = server.answer(frame(0x21, index, 0, QByteArray(1, char(data.size()))));
+    QByteArray answer = server.answer(frame(0x21, index, 0, QByteArray(1, char(announced))));
     qsizetype at = 0;
     for (unsigned toggle = 0; byteOf(answer, 0) != 0x80; toggle ^= 0x10) {
         require(byteOf(answer, 0) == (at == 0 ? 0x60U : 0x20U | (toggle ^ 0x10U)));
@@ -178,11 +178,13 @@ static void byTheRules(CSdoServer& server, CSimulatedNode& node, CFuzzInput& inp
     require(value.has_value() == (held.abortCode == abortNone) && (!value || *value == held.data));
     const QByteArray data = takeBytes(input, input.byte() % 12);
     const QByteArray before = node.value(index, 0);
-    tAbortCode expected = node.checkWrite(index, 0, data.size());
-    const quint32 code = download(server, index, data);
+    const tAbortCode expected = node.checkWrite(index, 0, data.size());
+    const quint32 code = download(server, index, data, data.size());
     require(expected == abortNone || code == expected);
     require(code == abortNone || code == expected || code == abortValueHigh || code == abortValueLow);
-    require(node.value(index, 0) == (code == abortNone ? data : before));
+    const QByteArray& now = code == abortNone ? data : before;
+    require(node.value(index, 0) == now);
+    require(download(server, index, data, data.size() + 1) != abortNone && node.value(index, 0) == now);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

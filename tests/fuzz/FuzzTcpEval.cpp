@@ -92,9 +92,7 @@ struct tReading {
     size_t end;
 };
 
-/// Digit by digit with 128 bits; cut from there on, which leaves all lower bits right.
-__extension__ using tWide = unsigned __int128;
-
+/// Digit by digit with 64 bits, of which 32 are kept: the limits are below that.
 template <typename Number>
 static tReading<Number> readDigits(const std::string& text, size_t start, const char* digits, bool negative,
                                    uint64_t limit)
@@ -109,9 +107,9 @@ static tReading<Number> readDigits(const std::string& text, size_t start, const 
             letter == '\0' ? nullptr : std::strchr(digits, letter >= 'A' && letter <= 'F' ? letter + 32 : letter);
         if (digit == nullptr)
             break;
-        const auto wide = static_cast<tWide>(bits) * base + static_cast<unsigned>(digit - digits);
+        const uint64_t wide = bits * base + static_cast<unsigned>(digit - digits);
         reading.fits = reading.fits && wide <= limit;
-        bits = static_cast<uint64_t>(wide);
+        bits = wide & 0xFFFFFFFF;
     }
     reading.value = static_cast<Number>(negative ? 0 - bits : bits);
     return reading;

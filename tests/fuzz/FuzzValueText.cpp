@@ -23,7 +23,7 @@
 using entry = CCANopenObjectEntry;
 using types = CCANopenTypes;
 using namespace valueFormats;
-__extension__ using tWide = __int128;
+__extension__ typedef __int128 tWide;
 
 // Integers
 

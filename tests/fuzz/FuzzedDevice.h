@@ -92,7 +92,7 @@ inline unsigned takeIndex(CFuzzInput& input)
         return input.word();
     if (which >= 0xF0)
         return (which & 1) != 0 ? storeIndex : restoreIndex;
-    return firstIndex + which % static_cast<unsigned>(std::size(rows) + 1);
+    return firstIndex + which % unsigned{ std::size(rows) + 1 };
 }
 
 } // namespace fuzzedDevice
