@@ -34,6 +34,7 @@ private Q_SLOTS:
     void whichObjectsHaveChildItems();
     void twoEntriesOfOneSubIndexAreTwoItems();
     void namesAreShownAsTheyAre();
+    void emptySlotsAreReportedAndLeftOut();
     void populatingReplacesWhatIsShown();
     void whatAnItemStandsFor_data();
     void whatAnItemStandsFor();
@@ -254,6 +255,18 @@ void TestDictionaryTree::namesAreShownAsTheyAre()
     add(0x2000, "%1 & %2 <b>Ü</b>", "");
     entry(add(0x2001, "", "", "", record), 1, "");
     QCOMPARE(shown(), QString("root +|- Other objects|-- 2000: %1 & %2 <b>Ü</b>|-- 2001: |---  1: "));
+}
+
+void TestDictionaryTree::emptySlotsAreReportedAndLeftOut()
+{
+    m_dictionary->m_objectArray.emplace_back();
+    auto* object = add(0x2000, "Record", "", "", CCANopenObject::classRECORD);
+    object->m_objectEntryArray.emplace_back();
+    entry(object, 1, "Entry");
+    for (const char* slot : { "ptrObject", "ptrEntry" })
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression(QString("^ASSERT: \"%1\" in .+ \\([0-9]+\\)$").arg(slot)));
+    QCOMPARE(shown(), QString("root +|- Other objects|-- 2000: Record|---  1: Entry"));
 }
 
 void TestDictionaryTree::populatingReplacesWhatIsShown()

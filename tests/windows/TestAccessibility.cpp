@@ -64,9 +64,11 @@ private Q_SLOTS:
     void comboBoxesAreCalledByTheirLabels();
     void aComboBoxOpensByItsAction();
     void aDisabledComboBoxDoesNotOpen();
+    void theTreeSaysHowItIsUsed();
     void comboBoxesSayWhetherTheyCanBeEdited();
     void checkMarksDoNotChange_data();
     void checkMarksDoNotChange();
+    void aClickOnACheckMarkLeavesTheFocus();
 
 private:
     std::optional<CTempSettings> m_store;
@@ -163,7 +165,8 @@ void TestAccessibility::everyControlOfTheFileDialogHasAName()
     });
     driver.press(Qt::Key_O);
     QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
-    QVERIFY(walk.names.contains("sheet.eds"));
+    for (const char* name : { "sheet.eds", "Places and files", "Width of the places" })
+        QVERIFY2(walk.names.contains(name), name);
     QVERIFY2(walk.count > 20, qPrintable(QString::number(walk.count)));
 }
 
@@ -284,6 +287,14 @@ void TestAccessibility::aDisabledComboBoxDoesNotOpen()
     QVERIFY(!item->state().expanded);
 }
 
+void TestAccessibility::theTreeSaysHowItIsUsed()
+{
+    const CNewDocument document;
+    QCOMPARE(
+        QAccessible::queryAccessibleInterface(document.tree())->text(QAccessible::Description),
+        QString("By category. The cursor keys move, Return shows an object or entry and opens or closes its item."));
+}
+
 void TestAccessibility::comboBoxesSayWhetherTheyCanBeEdited()
 {
     CInitInterfaceDialog dialog;
@@ -324,6 +335,16 @@ void TestAccessibility::checkMarksDoNotChange()
             actions->doAction(action);
         QCOMPARE(mark->isChecked(), on);
     }
+}
+
+void TestAccessibility::aClickOnACheckMarkLeavesTheFocus()
+{
+    const CNewDocument document;
+    document.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
+    document.newValue()->setFocus();
+    QTest::mouseClick(document.find<QCheckBox>("mandatory object check box"), Qt::LeftButton);
+    QVERIFY(document.newValue()->hasFocus());
 }
 
 QTEST_MAIN(TestAccessibility)

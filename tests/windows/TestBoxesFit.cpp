@@ -13,7 +13,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QScrollBar>
-#include <QTextEdit>
+#include <QTextBrowser>
 
 namespace
 {
@@ -84,6 +84,7 @@ private Q_SLOTS:
     void aTextThatFitsIsALabel_data();
     void aTextThatFitsIsALabel();
     void aTextOnlyScrollsWhereItMust();
+    void aLinkInATextThatScrollsOpensOutside();
     void aLongWordIsWrapped();
     void theToolkitsBoxStaysOnASmallScreen();
     void theToolkitsBoxIsAsItWasWhereItFits();
@@ -192,6 +193,18 @@ void TestBoxesFit::aTextOnlyScrollsWhereItMust()
     }
     QVERIFY(scrolls);
     QVERIFY2(highestLabel > screenSizes[0].height() - 80, qPrintable(QString::number(highestLabel)));
+}
+
+void TestBoxesFit::aLinkInATextThatScrollsOpensOutside()
+{
+    QWidget parent;
+    putOn(&parent, screenSizes[0]);
+    const CWhenShown<QMessageBox> watch([](QMessageBox* box) {
+        const auto accept = qScopeGuard([box] { box->accept(); });
+        QVERIFY(box->findChild<QTextBrowser*>("message text edit")->openExternalLinks());
+    });
+    messageBox::critical(&parent, "Title", QString("line\n").repeated(500));
+    QCOMPARE(watch.count(), 1);
 }
 
 void TestBoxesFit::aLongWordIsWrapped()

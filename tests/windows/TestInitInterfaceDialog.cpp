@@ -213,12 +213,10 @@ void TestInitInterfaceDialog::labelsCarryTheWhatsThisTextsOfTheirFields()
 void TestInitInterfaceDialog::buttonsHaveTheirShortcuts()
 {
     CInitInterfaceDialog dialog;
-    const auto* ok = button(dialog, "ok");
-    QCOMPARE(ok->text(), QString("&OK"));
-    QCOMPARE(ok->shortcut(), QKeySequence("Alt+O"));
-    const auto* cancel = button(dialog, "cancel");
-    QCOMPARE(cancel->text(), QString("&Cancel"));
-    QCOMPARE(cancel->shortcut(), QKeySequence("Alt+C"));
+    QCOMPARE(button(dialog, "ok")->text(), QString("&OK"));
+    QCOMPARE(button(dialog, "ok")->shortcut(), QKeySequence("Alt+O"));
+    QCOMPARE(button(dialog, "cancel")->text(), QString("&Cancel"));
+    QCOMPARE(button(dialog, "cancel")->shortcut(), QKeySequence("Alt+C"));
 }
 
 void TestInitInterfaceDialog::withNothingStoredTheBoxIsEmptyAndOkWarns()
@@ -247,6 +245,7 @@ void TestInitInterfaceDialog::okAcceptsAGivenInterface()
 {
     CInitInterfaceDialog dialog;
     QFETCH(const QByteArray, text);
+    const CBoxCatcher boxes;
     dialog.show();
     QTest::keyClicks(interfaceBox(dialog)->lineEdit(), text);
     QTest::mouseClick(button(dialog, "ok"), Qt::LeftButton);

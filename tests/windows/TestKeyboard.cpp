@@ -55,8 +55,6 @@ private Q_SLOTS:
     void theTableOfTheFieldsIsComplete();
     void helpInTheFrameIsAModeFirst_data();
     void helpInTheFrameIsAModeFirst();
-    void helpOfAControlWithoutAnyIsNotShown();
-    void documentStartsInItsTree();
     void helpOfTheFocusedControlIsShown_data();
     void helpOfTheFocusedControlIsShown();
 
@@ -191,31 +189,6 @@ void TestKeyboard::helpInTheFrameIsAModeFirst()
     driver.press(Qt::Key_F1, Qt::ShiftModifier);
     QVERIFY(!QWhatsThis::inWhatsThisMode());
     QVERIFY(helpIsShown(widget->whatsThis()));
-}
-
-void TestKeyboard::helpOfAControlWithoutAnyIsNotShown()
-{
-    const CSheetFile sheet(sheetText);
-    CFrameDriver driver;
-    driver.open(sheet.name());
-    auto* tree = driver.document(0)->findChild<QWidget*>("object dictionary list view");
-    tree->setWhatsThis(QString());
-    tree->setFocus();
-    driver.press(Qt::Key_F1, Qt::ShiftModifier);
-    driver.press(Qt::Key_F1, Qt::ShiftModifier);
-    QVERIFY(!QWhatsThis::inWhatsThisMode());
-    QVERIFY(takeHelp().isNull());
-}
-
-void TestKeyboard::documentStartsInItsTree()
-{
-    const CSheetFile sheet(sheetText);
-    CFrameDriver driver;
-    for (int number = 0; number < 2; ++number) {
-        driver.open(sheet.name());
-        QCOMPARE(QApplication::focusWidget(),
-                 driver.document(number)->findChild<QWidget*>("object dictionary list view"));
-    }
 }
 
 void TestKeyboard::helpOfTheFocusedControlIsShown_data()

@@ -130,17 +130,6 @@ const QStringList noEntry = { "Entry description", "", "", "", "", "", "-", "-" 
 const QStringList identity = { "Object: Index 1018h", "Identity Object", "RECORD", "Identity", "x", "x" };
 const QStringList vendorId = { "Entry: Subndex  1h", "Vendor Id", "Unsigned32", "RO", "...,", "", "x", "-" };
 
-// No sheet gives a category other than mandatory and optional: a test sets it in the dictionary of the document, which
-// is private. An explicit instantiation may name it.
-struct tDictionaryOf {
-    friend CCANopen CMDIWindow::*memberOf(tDictionaryOf);
-};
-template <CCANopen CMDIWindow::*Member>
-struct tOpen {
-    friend CCANopen CMDIWindow::*memberOf(tDictionaryOf) { return Member; }
-};
-template struct tOpen<&CMDIWindow::m_dictionary>;
-
 } // namespace
 
 class TestMDIWindowForm : public QObject
@@ -164,8 +153,6 @@ private Q_SLOTS:
     void aCompoundObjectWithoutEntriesMissesItsEntryOnTheSecondPress();
     void subIndexFFEqualsNone();
     void anEntryBelowAnObjectWithoutANameReadsAsAnObject();
-    void everyCategoryButOptionalShowsAsMandatory_data();
-    void everyCategoryButOptionalShowsAsMandatory();
 
 private:
     CBoxCatcher m_boxes;
@@ -362,31 +349,6 @@ void TestMDIWindowForm::anEntryBelowAnObjectWithoutANameReadsAsAnObject()
     QCOMPARE(m_document->objectPart(), noObject);
     QCOMPARE(m_document->entryPart(), noEntry);
     QCOMPARE(m_document->statuses(), QStringList{ nothingLoaded });
-}
-
-void TestMDIWindowForm::everyCategoryButOptionalShowsAsMandatory_data()
-{
-    QTest::addColumn<int>("ofObject");
-    QTest::addColumn<int>("ofEntry");
-    QTest::newRow("conditional object") << int{ CCANopenObject::categoryConditional }
-                                        << int{ CCANopenObjectEntry::categoryOptional };
-    QTest::newRow("conditional entry") << int{ CCANopenObject::categoryOptional }
-                                       << int{ CCANopenObjectEntry::categoryConditional };
-    QTest::newRow("both mandatory") << int{ CCANopenObject::categoryMandatory }
-                                    << int{ CCANopenObjectEntry::categoryMandatory };
-}
-
-void TestMDIWindowForm::everyCategoryButOptionalShowsAsMandatory()
-{
-    QFETCH(const int, ofObject);
-    QFETCH(const int, ofEntry);
-    CCANopen& dictionary = m_document->window->*memberOf(tDictionaryOf());
-    auto& object = dictionary.m_objectArray[static_cast<std::size_t>(dictionary.find(0x1010))];
-    object->setCategory(ofObject);
-    object->m_objectEntryArray[0]->setCategory(ofEntry);
-    m_document->press("1010: Store", " 1: Save all");
-    QCOMPARE(m_document->checked("mandatory object"), ofObject != CCANopenObject::categoryOptional);
-    QCOMPARE(m_document->checked("mandatory entry"), ofEntry != CCANopenObjectEntry::categoryOptional);
 }
 
 QTEST_MAIN(TestMDIWindowForm)

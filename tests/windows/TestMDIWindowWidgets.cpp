@@ -61,6 +61,7 @@ void TestMDIWindowWidgets::theTreeStandsLeftOfTheForm()
     const auto* splitter = m_document->find<QSplitter>("client splitter window");
     QCOMPARE(splitter->orientation(), Qt::Horizontal);
     QCOMPARE(splitter->count(), 2);
+    QVERIFY(!splitter->childrenCollapsible());
     QCOMPARE(splitter->widget(0), m_document->tree());
     QCOMPARE(splitter->widget(1)->objectName(), QString("object attributes form widget"));
 }

@@ -46,6 +46,7 @@ private Q_SLOTS:
     void captionStaysWhenTheDocumentOpensNoFile();
     void windowsMenuWithoutWindows();
     void windowsMenuListsTheDocuments();
+    void windowsMenuShowsNamesAsTheyAre_data();
     void windowsMenuShowsNamesAsTheyAre();
     void windowsMenuChecksTheActiveDocument();
     void windowsMenuActivatesTheDocumentInNormalSize();
@@ -239,9 +240,17 @@ void TestMainFrameDocuments::windowsMenuListsTheDocuments()
         QVERIFY(item->isEnabled() || item->isSeparator());
 }
 
+void TestMainFrameDocuments::windowsMenuShowsNamesAsTheyAre_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : { "R&D\tsheet.eds", "a[*].eds", "[*][*].eds" })
+        QTest::newRow(name) << QString(name);
+}
+
 void TestMainFrameDocuments::windowsMenuShowsNamesAsTheyAre()
 {
-    const CSheetFile sheet(sheetText, "R&D\tsheet.eds");
+    QFETCH(const QString, name);
+    const CSheetFile sheet(sheetText, name);
     CFrameDriver driver;
     driver.open(sheet.name());
     QCOMPARE(CFrameDriver::textsOf(driver.seeMenu("&Windows")).value(3), sheet.name());
@@ -327,7 +336,9 @@ void TestMainFrameDocuments::cascadeOverlapsTheDocuments()
     CFrameDriver driver;
     for (int number = 0; number < 3; ++number)
         driver.frame.newDocument();
+    const auto order = driver.workspace()->activationOrder();
     driver.choose("&Windows", "&Cascade");
+    QCOMPARE(driver.workspace()->activationOrder(), order);
     QList<QPoint> corners;
     for (int position = 0; position < 3; ++position) {
         QVERIFY(!driver.subWindow(position)->isMaximized());

@@ -364,6 +364,8 @@ void TestMainFrameInterface::keyboardAloneInitialises()
     const CWhenShown<CInitInterfaceDialog> dialog([&](CInitInterfaceDialog* shown) {
         QTest::keyClicks(shown->focusWidget(), loopback(gateway));
         QTest::keyClick(shown->focusWidget(), Qt::Key_Return);
+        if (shown->isVisible())
+            shown->reject();
     });
     driver.press(Qt::Key_I, Qt::AltModifier);
     QTest::keyClick(driver.menu("&Interface"), Qt::Key_I);
