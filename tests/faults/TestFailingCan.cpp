@@ -238,7 +238,5 @@ void TestFailingCan::everyCallFails()
     QVERIFY2(!call.isFelt || failed > 0, "no step has noticed a fault");
 }
 
-Q_DECLARE_METATYPE(tCall)
-
 QTEST_GUILESS_MAIN(TestFailingCan)
 #include "TestFailingCan.moc"

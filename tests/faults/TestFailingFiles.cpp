@@ -248,7 +248,5 @@ void TestFailingFiles::browserReadsOnAfterAFault()
     failedCalls += failed;
 }
 
-Q_DECLARE_METATYPE(tOperation)
-
 QTEST_GUILESS_MAIN(TestFailingFiles)
 #include "TestFailingFiles.moc"
