@@ -21,6 +21,7 @@ private Q_SLOTS:
     void theSettingsFileHasTheseGroupsAndKeys();
     void onlyTenElementsAreWritten();
     void aShorterListLeavesTheTailSlots();
+    void whatIsWrittenAtOnceIsRead();
     void emptySlotsAreUnused();
     void displayModeIsStoredAsANumber();
     void aForeignDisplayModeReadsAsStoredOrAsZero_data();
@@ -85,6 +86,20 @@ void TestSettings::aShorterListLeavesTheTailSlots()
     settings::setRecentFiles({ "a", "b", "c" });
     settings::setRecentFiles({ "b", "c" });
     QCOMPARE(settings::recentFiles(), QStringList({ "b", "c", "c" }));
+}
+
+// All within a tick of the file system's clock, and of the same size.
+void TestSettings::whatIsWrittenAtOnceIsRead()
+{
+    for (int turn = 0; turn < 100; ++turn) {
+        const auto mode = turn % 2 == 0 ? valueFormats::modeDec : valueFormats::modeOct;
+        const QStringList files = turn % 2 == 0 ? QStringList({ "a", "b" }) : QStringList({ "b", "a" });
+        settings::setDisplayMode(mode);
+        QCOMPARE(settings::displayMode(), mode);
+        settings::setRecentFiles(files);
+        QCOMPARE(settings::recentFiles(), files);
+        QCOMPARE(settings::displayMode(), mode);
+    }
 }
 
 void TestSettings::emptySlotsAreUnused()
