@@ -74,6 +74,12 @@ format() {
     xargs $checker --dry-run -Werror <<< "$files" || fail "run $checker -i on these files"
 }
 
+# The examples of mutants.sh.
+mutations() {
+    stage "Mutations"
+    python3 -m doctest tests/mutants/mutations.py || fail "the mutations are not those that are described"
+}
+
 # The formatting leaves comments as they are.
 comments() {
     local status=0
@@ -170,6 +176,7 @@ else
     else
         # What mostly waits, or uses one processor, is run beside what uses all of them.
         comments
+        mutations
         format
         suite dev
         if $can; then beside suite_on_vcan; fi

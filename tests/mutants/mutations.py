@@ -36,6 +36,8 @@ REPLACEMENTS = {
     "+=": "-=", "-=": "+=", "|=": "&=", "&=": "|=", "++": "--", "--": "++", "!": "",
     "true": "false", "false": "true",
 }  # fmt: skip
+# A row of a table that ends with the place of a widget in its grid.
+PLACE = re.compile(r'(?:" \}, |^ +)(?:\d, )*$')
 CONDITION = re.compile(r"\b(?P<kind>if|while) \((?!constexpr)")
 # A call or an assignment on lines of its own; a declaration that is left out would not compile.
 STATEMENT = re.compile(
@@ -57,6 +59,8 @@ def mutations(path: str, source: str) -> list[Mutation]:
     []
     >>> mutations("a.cpp", "{\\n    grid->setSpacing(3);\\n}\\n")
     []
+    >>> [m.after for m in mutations("a.cpp", '    { "name", "text" }, 1, 2, 3 },\\n')]
+    ['{ "namx", "text" }, 1, 2, 3 },', '{ "name", "texx" }, 1, 2, 3 },']
     """
     found = sorted([*_tokens(source), *_conditions(source), *_statements(source)])
     described = (_described(path, source, *place) for place in found)
@@ -78,7 +82,11 @@ def _tokens(source: str) -> Iterator[tuple[int, int, str]]:
             yield token.end() - 2, token.end() - 1, _other_character(source[token.end() - 2])
         elif kind == "char" and len(text) == 3:
             yield token.start() + 1, token.end() - 1, _other_character(text[1])
-        elif token["number"] and source[token.end() : token.end() + 2] != "];":  # a larger array does nothing else
+        elif token["number"]:
+            if source[token.end() : token.end() + 2] == "];":  # a larger array does nothing else
+                continue
+            if PLACE.search(source[source.rfind("\n", 0, token.start()) + 1 : token.start()]):
+                continue
             digits = text[: len(text) - len(token["suffix"])]
             more = int(digits, 0 if digits.startswith("0x") else 10) + 1
             width = len(digits) - 2
