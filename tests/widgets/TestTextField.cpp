@@ -11,6 +11,7 @@ class TestTextField : public QObject
 private Q_SLOTS:
     void aKeySelectsAllFromItsEnd_data();
     void aKeySelectsAllFromItsEnd();
+    void aFieldToWriteInHasItsCursorAtTheEnd();
     void otherReasonsLeaveTheSelection_data();
     void otherReasonsLeaveTheSelection();
 
@@ -40,6 +41,15 @@ void TestTextField::aKeySelectsAllFromItsEnd()
     focus(&field, reason);
     QCOMPARE(field.selectedText(), field.text());
     QCOMPARE(field.cursorPosition(), 0); // shows its beginning
+}
+
+void TestTextField::aFieldToWriteInHasItsCursorAtTheEnd()
+{
+    CTextField field(nullptr);
+    field.setText("0x000F0191");
+    focus(&field, Qt::TabFocusReason);
+    QCOMPARE(field.selectedText(), field.text());
+    QCOMPARE(field.cursorPosition(), 10);
 }
 
 void TestTextField::otherReasonsLeaveTheSelection_data()

@@ -50,6 +50,7 @@ private Q_SLOTS:
     void init() { m_store.emplace(); }
 
     void everyControlOfTheFrameHasAName();
+    void partsOfTheFrameHaveTheseNames();
     void everyControlOfADialogHasAName_data();
     void everyControlOfADialogHasAName();
     void everyControlOfABoxHasAName_data();
@@ -90,6 +91,17 @@ void TestAccessibility::everyControlOfTheFrameHasAName()
         QVERIFY2(walk.missing.isEmpty() && walk.count > 1, qPrintable(walk.missing.join("\n")));
         driver.closeMenu();
     }
+}
+
+void TestAccessibility::partsOfTheFrameHaveTheseNames()
+{
+    const CSheetFile sheet(sheetText);
+    CFrameDriver driver;
+    driver.open(sheet.name());
+    const QStringList names = tWalk::of(&driver.frame).names;
+    for (const char* name : { "Menus", "File Operations", "Workspace", "Documents", "Document", "Tree and attributes",
+                              "Objects and entries", "Width of the tree", "Size of the window" })
+        QVERIFY2(names.contains(name), name);
 }
 
 void TestAccessibility::everyControlOfADialogHasAName_data()
@@ -165,7 +177,7 @@ void TestAccessibility::everyControlOfTheFileDialogHasAName()
     });
     driver.press(Qt::Key_O);
     QVERIFY2(walk.missing.isEmpty(), qPrintable(walk.missing.join("\n")));
-    for (const char* name : { "sheet.eds", "Places and files", "Width of the places" })
+    for (const char* name : { "sheet.eds", "Places and files", "Width of the places", "Choices", "Size of the window" })
         QVERIFY2(walk.names.contains(name), name);
     QVERIFY2(walk.count > 20, qPrintable(QString::number(walk.count)));
 }

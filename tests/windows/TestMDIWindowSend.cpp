@@ -1,6 +1,7 @@
 // Sending a parameter: the command for each data type and text, what is refused, and what is shown afterwards.
 // SPDX-License-Identifier: MIT
 #include "OnlineDocument.h"
+#include "Patience.h"
 
 #include "BoxCatcher.h"
 #include "TempSettings.h"
@@ -34,6 +35,7 @@ private Q_SLOTS:
     void theReturnKeyInTheNewValueSends_data();
     void theReturnKeyInTheNewValueSends();
     void subIndexesAreAddressed();
+    void leavingTheFieldSendsNothing();
     void namesWithPlaceholdersAreShownAsTheyAre();
 
 private:
@@ -325,6 +327,20 @@ void TestMDIWindowSend::namesWithPlaceholdersAreShownAsTheyAre()
     document.send("x");
     QCOMPARE(document.statuses(), QStringList({ "Parameter '%2 & %1' successfully sent to node #127",
                                                 "Parameter '%2 & %1' could not be sent to node #127" }));
+}
+
+void TestMDIWindowSend::leavingTheFieldSendsNothing()
+{
+    COnlineDocument document(sheetOf(0x2000, CCANopenObjectEntry::typeUnsigned8, "wo"));
+    document.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(document.window, patience));
+    document.press("2000: Value");
+    document.type("5");
+    QTest::keyClick(document.newValue(), Qt::Key_Tab);
+    QVERIFY(!document.newValue()->hasFocus());
+    document.window->hide();
+    QCOMPARE(document.gateway.received(), std::string());
+    QCOMPARE(document.statuses(), QStringList());
 }
 
 QTEST_MAIN(TestMDIWindowSend)
