@@ -43,6 +43,7 @@ void TestFormArea::aKeyScrollsToTheFocusAndAClickDoesNot()
     CFormArea area(nullptr);
     auto* form = new QWidget;
     form->setMinimumSize(100, 400);
+    auto* first = new QLineEdit(form);
     auto* field = new QLineEdit(form);
     area.setWidget(form);
     area.resize(200, 200);
@@ -50,6 +51,8 @@ void TestFormArea::aKeyScrollsToTheFocusAndAClickDoesNot()
     area.show();
     area.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&area, patience));
+    first->setFocus();
+    area.verticalScrollBar()->setValue(0);
     if (byKey)
         field->setFocus(Qt::TabFocusReason);
     else
