@@ -1,5 +1,5 @@
-// One SDO transfer of the CANopen master on the fake bus, against any answers: exactly one at once to each request, where
-// a second client says what must come of it; or any number of frames of any kind, with pauses, foreign frames and
+// One SDO transfer of the CANopen master on the fake bus, against any answers: one at once to each request, where a
+// second client says what must come of it; or any number of frames of any kind, with pauses, foreign frames and
 // failing calls, where only what is stated must hold.
 // SPDX-License-Identifier: MIT
 #include "FakeBus.h"

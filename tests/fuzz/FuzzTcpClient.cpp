@@ -1,5 +1,5 @@
-// Commands of the gateway client on a scripted socket: any bytes, pauses, failing calls and closings. A second reader of
-// the same script says which line is the answer and how it came; the result must be what the evaluator makes of it.
+// Commands of the gateway client on a scripted socket: any bytes, pauses, failing calls and closings. A second reader
+// of the same script says which line is the answer and how it came; the result must be what the evaluator makes of it.
 // SPDX-License-Identifier: MIT
 #include "FuzzInput.h"
 #include "ScriptedSocket.h"
