@@ -25,7 +25,7 @@ public:
     /// and devices are refused: some of them never end. False if nothing was opened.
     bool open(const char* fileName);
     bool isOpen() const { return m_isOpen; }
-    /// Whether all that was wanted of the file so far could be read. False after an error of the system, which otherwise
+    /// Whether all that was wanted of the file so far could be read. False after an error of the system, which else
     /// looks like the end of the file, and without a file.
     bool isWhole() const { return m_isOpen && !m_hasFailed; }
 

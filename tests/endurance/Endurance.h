@@ -28,8 +28,8 @@ struct tRun {
 class COperations
 {
 public:
-    /// `faulty`: objects with faults; `slow`: those that make the client wait. `isStated`: whether the code of a failure
-    /// is one that the headers state.
+    /// `faulty`: objects with faults; `slow`: those that make the client wait. `isStated`: whether the code of a
+    /// failure is one that the headers state.
     COperations(quint32 seed, const QList<WORD>& slow, const QList<WORD>& faulty, bool (*isStated)(int code));
 
     /// A random number below `most`.

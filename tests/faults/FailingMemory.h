@@ -1,4 +1,4 @@
-// Memory that runs out: a library that stands before the C library's heap, linked by a test or preloaded into a program.
+// Memory that runs out: a library before the C library's heap, linked by a test or preloaded into a program.
 // SPDX-License-Identifier: MIT
 #pragma once
 

@@ -208,7 +208,7 @@ void TestFailingCan::everyCallFails_data()
     }
 }
 
-// The session is run so often as it has such calls. After each run, nothing is open, and a session without faults works.
+// The session is run as often as it has such calls. After each run nothing is open, and a session without faults works.
 void TestFailingCan::everyCallFails()
 {
     QFETCH(const tCall, call);

@@ -22,7 +22,7 @@ using faultRun::tFault;
 namespace
 {
 
-// A sheet of several blocks, most of it comments, with characters of Windows-1252 at its end, so that each block counts.
+// A sheet of several blocks, most of it comments, with characters of Windows-1252 at its end, so that all blocks count.
 QByteArray largeSheet(bool isConfiguration)
 {
     QByteArray list, sections;
