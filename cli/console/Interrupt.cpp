@@ -63,7 +63,7 @@ void sleepUntil(std::chrono::steady_clock::time_point moment)
     while (true) {
         endWhenInterrupted();
         const auto rest = moment - std::chrono::steady_clock::now();
-        if (rest <= rest.zero())
+        if (rest <= std::chrono::nanoseconds::zero())
             return;
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(rest);
         const timespec time = { seconds.count(),

@@ -69,7 +69,7 @@ void addMissing(std::vector<tDifference>& differences, const tSnapshot& source, 
 {
     const auto known = entriesOf(other);
     for (const tSnapshotEntry& entry : source.entries) {
-        if (!hasValue(entry) || known.count({ entry.index, entry.subIndex }) != 0)
+        if (!hasValue(entry) || known.contains({ entry.index, entry.subIndex }))
             continue;
         const QString value = valueText(entry, entry);
         const QString none = QLatin1String(notThere);
@@ -141,7 +141,7 @@ void tellMissing(const tSnapshot& dump, const QString& name, const tSnapshot& ot
     const auto known = entriesOf(other);
     std::vector<const tSnapshotEntry*> missing;
     for (const tSnapshotEntry& entry : dump.entries) {
-        if (!entry.value && isReadable(entry) && known.count({ entry.index, entry.subIndex }) != 0)
+        if (!entry.value && isReadable(entry) && known.contains({ entry.index, entry.subIndex }))
             missing.push_back(&entry);
     }
     if (!missing.empty())

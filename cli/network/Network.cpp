@@ -265,7 +265,7 @@ void CNetwork::watch(const tCanMessage& message)
     const unsigned node = message.identifier & highestNodeId;
     const bool answer = message.identifier > sdoAnswerCobId && message.identifier <= sdoAnswerCobId + highestNodeId;
     const bool request = message.identifier > sdoRequestCobId && message.identifier <= sdoRequestCobId + highestNodeId;
-    if (m_warned || !(request || (answer && m_late.count(node) == 0)))
+    if (m_warned || !(request || (answer && !m_late.contains(node))))
         return;
     m_warned = true;
     m_console.message(

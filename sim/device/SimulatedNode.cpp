@@ -155,9 +155,9 @@ void CSimulatedNode::command(tNmtCommand command)
 
 tAbortCode CSimulatedNode::findEntry(unsigned index, unsigned subIndex) const
 {
-    if (m_objects.count(index) == 0)
+    if (!m_objects.contains(index))
         return abortNoObject;
-    return m_entries.count(keyOf(index, subIndex)) == 0 ? abortNoSubIndex : abortNone;
+    return m_entries.contains(keyOf(index, subIndex)) ? abortNone : abortNoSubIndex;
 }
 
 tAbortCode CSimulatedNode::checkLimits(const tEntry& entry, const QByteArray& data) const

@@ -44,7 +44,12 @@ inline constexpr long mostGrowth = 1024;
 class CResources
 {
 public:
-    explicit CResources(int operations) : m_warm(operations / 10) { m_clock.start(); }
+    /// `each`: kilobytes that an operation may keep, where the toolkit keeps some.
+    explicit CResources(int operations, long each = 0)
+        : m_warm(operations / 10), m_growth(mostGrowth + each * operations)
+    {
+        m_clock.start();
+    }
 
     void step(int done)
     {
@@ -59,7 +64,7 @@ public:
     {
         const long memory = residentMemory();
         const auto descriptors = openDescriptors();
-        if (memory > m_memory + mostGrowth) {
+        if (memory > m_memory + m_growth) {
             std::printf("PROBLEM: the memory grows\n");
             ++problems;
         }
@@ -75,6 +80,7 @@ public:
 
 private:
     const int m_warm;
+    const long m_growth;
     long m_memory = 0;
     qsizetype m_descriptors = 0;
     QElapsedTimer m_clock;
