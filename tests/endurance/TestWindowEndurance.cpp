@@ -17,8 +17,8 @@ namespace
 
 constexpr int few = 100;
 
-// Kilobytes for each window: a bare main window with menus and a tool bar makes the toolkit keep 1, dialogs and documents
-// 3 more. A document or a tree that stays takes 100.
+// Kilobytes for each window: a bare main window with menus makes the toolkit keep 1, dialogs and documents 3 more. A
+// document or a tree that stays takes 100.
 constexpr long keptByTheToolkit = 8;
 
 tGatewayAnswer answerTo(const std::string& line)
