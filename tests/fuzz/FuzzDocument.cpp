@@ -174,6 +174,13 @@ private:
     size_t m_objects = 0;
 };
 
+/// For the address sanitizer: the library of the fonts keeps what it has read, since the application never ends.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig";
+}
+
 /// The program, without its main window; its message boxes are accepted.
 struct tProgram {
     int count = 1;
