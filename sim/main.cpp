@@ -126,7 +126,7 @@ int run(tOptions options)
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    const tOptions options = readOptions(application.arguments());
+    const tOptions options = readOptions(QCoreApplication::arguments());
     if (!options.error.isEmpty())
         return failWithHint(options.error);
     if (options.output.isEmpty())

@@ -24,7 +24,7 @@ public:
 
     /// " (SupportedObjects=4 with all mends of the lists)" where a list that gets or loses a line needs that, too;
     /// empty where the count is right then, or has a finding of its own.
-    QString thenCount(tSectionKind list) const;
+    QString thenCount(tSectionKind kind) const;
 
     /// Reports the counts that differ.
     void check(CFindings& findings) const;

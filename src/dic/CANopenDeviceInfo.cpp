@@ -27,7 +27,7 @@ constexpr tName booleans[] = {
 // dictionaries, objects and entries match in any case.
 constexpr auto states = stateNames<CCANopenDeviceInfo>(matchWord);
 
-static_assert(valueOf(rates, "0800", -1) == -1 && valueOf(booleans, "yes", false) == false);
+static_assert(valueOf(rates, "0800", -1) == -1 && !valueOf(booleans, "yes", false));
 
 } // namespace
 
