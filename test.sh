@@ -88,14 +88,21 @@ comments() {
     [ $status -eq 1 ] || fail "comments have at most 120 characters in a line" # 1: git has found none
 }
 
-# The sources that this branch changes; all of them when a header has changed or there is no origin/main.
+# The sources that this branch changes, or whose headers it changes; all of them when the checks have changed or there is
+# no origin/main.
 tidy_files() {
-    if git rev-parse -q --verify origin/main > /dev/null &&
-        git diff --quiet origin/main -- 'src/*.h' 'sim/*.h' 'cli/*.h' .clang-tidy; then
-        git diff --name-only --diff-filter=d origin/main -- 'src/*.cpp' 'sim/*.cpp' 'cli/*.cpp'
-    else
+    if ! git rev-parse -q --verify origin/main > /dev/null || ! git diff --quiet origin/main -- .clang-tidy; then
         git ls-files 'src/*.cpp' 'sim/*.cpp' 'cli/*.cpp'
+        return
     fi
+    git diff --name-only --diff-filter=d origin/main -- src sim cli > build/changed.txt
+    # What each object was built from: its name, then in lines of their own the source and its headers.
+    ninja -C build/asan -t deps | awk -v root="$PWD/" '
+        FNR == NR { changed[root $0]; next }
+        /^[^ ]/ { source = "" }
+        source == "" && $1 ~ /\.cpp$/ { source = $1 }
+        $1 in changed { print substr(source, length(root) + 1) }' build/changed.txt - |
+        sed -nE '/^(src|sim|cli)\//p' | sort -u
 }
 
 tidy() {
