@@ -4,15 +4,15 @@
 
 #include "base/Product.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
-#include <QMap>
 #include <QSettings>
 
-#include <algorithm>
-#include <filesystem>
+#include <cerrno>
+#include <cstdio>
+#include <functional>
 #include <optional>
-#include <system_error>
+
+#include <unistd.h>
 
 namespace
 {
@@ -51,12 +51,12 @@ std::optional<qsizetype> valuesIn(const QString& fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    QList<QByteArray> lines = file.readAll().split('\n');
+    qsizetype count = 0;
+    for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine())
+        count += line.endsWith('\n') && line.contains('=') && !line.startsWith(';') ? 1 : 0;
     if (file.error() != QFileDevice::NoError)
         return std::nullopt;
-    lines.removeLast(); // what has no line end
-    return std::count_if(lines.begin(), lines.end(),
-                         [](const QByteArray& line) { return line.contains('=') && !line.startsWith(';'); });
+    return count;
 }
 
 // Whether `store` holds what is in its file: one that cannot be read looks like an empty one.
@@ -64,9 +64,8 @@ bool holdsItsFile(const QSettings& store)
 {
     if (!store.allKeys().isEmpty())
         return true;
-    std::error_code error;
-    const bool exists = std::filesystem::exists(QFile::encodeName(store.fileName()).toStdString(), error);
-    return (!exists && !error) || valuesIn(store.fileName()) == 0;
+    const bool isMissing = access(QFile::encodeName(store.fileName()).constData(), F_OK) != 0 && errno == ENOENT;
+    return isMissing || valuesIn(store.fileName()) == 0;
 }
 
 // Keeps a second name of the settings file while it is written: the library puts an empty file in its place, and says
@@ -75,47 +74,45 @@ class CKeptFile
 {
 public:
     explicit CKeptFile(const QString& fileName)
-        : m_name(QFileInfo(fileName).canonicalFilePath()), // where a link leads; empty when there is no file
-          m_copy(QStringLiteral("%1.%2").arg(m_name).arg(QCoreApplication::applicationPid()))
+        // Where a link leads; empty when there is no file.
+        : m_name(QFile::encodeName(QFileInfo(fileName).canonicalFilePath())),
+          m_copy(m_name + '.' + QByteArray::number(getpid()))
     {
         if (m_name.isEmpty())
             return;
-        QFile::remove(m_copy); // left by a process that was killed
-        std::error_code error;
-        std::filesystem::create_hard_link(pathOf(m_name), pathOf(m_copy), error);
+        unlink(m_copy.constData()); // left by a process that was killed
+        m_isKept = link(m_name.constData(), m_copy.constData()) == 0;
     }
     ~CKeptFile()
     {
-        if (!m_name.isEmpty())
-            QFile::remove(m_copy);
+        if (m_isKept)
+            unlink(m_copy.constData());
     }
     CKeptFile(const CKeptFile&) = delete;
     CKeptFile& operator=(const CKeptFile&) = delete;
 
     void putBack(const QString& fileName) const
     {
-        std::error_code error;
         if (m_name.isEmpty())
             QFile::remove(fileName);
-        else
-            std::filesystem::rename(pathOf(m_copy), pathOf(m_name), error);
+        else if (m_isKept)
+            (void)std::rename(m_copy.constData(), m_name.constData());
     }
 
 private:
-    static std::filesystem::path pathOf(const QString& name) { return QFile::encodeName(name).toStdString(); }
-
-    QString m_name;
-    QString m_copy;
+    QByteArray m_name;
+    QByteArray m_copy;
+    bool m_isKept = false;
 };
 
-void write(const QMap<QString, QVariant>& values)
+// `change` sets the values.
+void write(const std::function<void(QSettings&)>& change)
 {
     CUserSettings store;
     if (!holdsItsFile(store))
         return;
     const CKeptFile kept(store.fileName());
-    for (auto value = values.cbegin(); value != values.cend(); ++value)
-        store.setValue(value.key(), value.value());
+    change(store);
     const qsizetype count = store.allKeys().size();
     store.sync();
     if (valuesIn(store.fileName()) != count)
@@ -125,10 +122,10 @@ void write(const QMap<QString, QVariant>& values)
 // Kept: slots after the end of the list keep their value: compatible behaviour.
 void writeSlots(const char* pattern, const QStringList& list)
 {
-    QMap<QString, QVariant> values;
-    for (int slot = 1; slot <= settings::listSlots && slot <= list.size(); ++slot)
-        values.insert(slotKey(pattern, slot), list[slot - 1]);
-    write(values);
+    write([pattern, &list](QSettings& store) {
+        for (int slot = 1; slot <= settings::listSlots && slot <= list.size(); ++slot)
+            store.setValue(slotKey(pattern, slot), list[slot - 1]);
+    });
 }
 
 QString displayKey()
@@ -165,7 +162,7 @@ valueFormats::TDisplayMode settings::displayMode()
 
 void settings::setDisplayMode(valueFormats::TDisplayMode mode)
 {
-    write({ { displayKey(), int{ mode } } });
+    write([mode](QSettings& store) { store.setValue(displayKey(), int{ mode }); });
 }
 
 QStringList settings::promoted(const QStringList& list, const QString& name)
