@@ -4,6 +4,7 @@
 
 #include "base/Product.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 
