@@ -124,7 +124,7 @@ windows_from_outside() {
     tests/atspi/check-atspi || fail "assistive programs and keys do not find everything"
 }
 
-package() {
+the_package() {
     stage "The package"
     tests/package/check-package || fail "the package is not sound"
 }
@@ -191,10 +191,10 @@ else
         suite asan
         if $can; then await suite_on_vcan; fi
         await windows_from_outside
-        beside package
+        beside the_package
         tidy
         performance
-        await package
+        await the_package
         release
         demonstrations
     fi
