@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 . scripts/common.sh
 
 mkdir -p build
-install_missing git python3 "${build_packages[@]}"
+install_missing git python3 mold "${build_packages[@]}" # mold: most of the time would be spent in linking
 CXX=$(find_gcc) || fail "gcc $least_gcc or later is needed"
 export CXX
 exec python3 tests/mutants/run.py "$@"

@@ -5,6 +5,7 @@ places widgets is left alone. The sources are formatted, so that a binary operat
 """
 # SPDX-License-Identifier: MIT
 import re
+from collections import Counter
 from typing import Iterator, NamedTuple
 
 
@@ -16,6 +17,7 @@ class Mutation(NamedTuple):
     line: int  # the number of the first line, from 1
     before: str  # the changed lines, each without its indentation
     after: str
+    number: int  # among those of the file that read the same, from 1
 
 
 # Comments and texts are taken as a whole, so that nothing inside is an operator.
@@ -57,22 +59,29 @@ def mutations(path: str, source: str) -> list[Mutation]:
     ['const char* a = "x < 2"; // 2 < 3']
     >>> mutations("a.h", "template <int count = 3> struct tList; static_assert(1 < 2);\\n#define A 1\\n")
     []
+    >>> [m.number for m in mutations("a.cpp", "a = 1;\\nb = 1;\\na = 1;\\n") if m.before == "a = 1;"]
+    [1, 2]
     >>> mutations("a.cpp", "{\\n    grid->setSpacing(3);\\n}\\n")
     []
     >>> [m.after for m in mutations("a.cpp", '    { "name", "text" }, 1, 2, 3 },\\n')]
     ['{ "namx", "text" }, 1, 2, 3 },', '{ "name", "texx" }, 1, 2, 3 },']
     """
-    found = sorted([*_tokens(source), *_conditions(source), *_statements(source)])
-    described = (_described(path, source, *place) for place in found)
-    return [mutation for mutation in described if not LAYOUT.search(mutation.before)]
+    numbers: Counter = Counter()
+    found = []
+    for place in sorted([*_tokens(source), *_conditions(source), *_statements(source)]):
+        line, before, after = _described(source, *place)
+        numbers[before, after] += 1
+        if not LAYOUT.search(before):
+            found.append(Mutation(path, *place, line, before, after, numbers[before, after]))
+    return found
 
 
-def _described(path: str, source: str, start: int, end: int, text: str) -> Mutation:
+def _described(source: str, start: int, end: int, text: str) -> tuple[int, str, str]:
     first = source.rfind("\n", 0, start) + 1
     last = source.find("\n", end)
     before, after = source[first:last], source[first:start] + text + source[end:last]
     strip = lambda lines: " ".join(line.strip() for line in lines.splitlines()).strip()
-    return Mutation(path, start, end, text, source.count("\n", 0, start) + 1, strip(before), strip(after))
+    return source.count("\n", 0, start) + 1, strip(before), strip(after)
 
 
 def _tokens(source: str) -> Iterator[tuple[int, int, str]]:

@@ -11,10 +11,11 @@ in tests/mutants.txt, a block each:
 """
 # SPDX-License-Identifier: MIT
 import argparse
+import functools
+import hashlib
 import json
 import os
 import pathlib
-import random
 import re
 import resource
 import shutil
@@ -29,25 +30,31 @@ from mutations import Mutation, mutations
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 WORK = ROOT / "build/mutants"
 TREE, BUILD, RESULTS = WORK / "tree", WORK / "build", WORK / "results.jsonl"
+SECONDS = WORK / "seconds.json"  # how long each test took, and the hash of the program that it was
 LISTED = ROOT / "tests/mutants.txt"
 
-# The folders of tests that notice a change of a folder of sources, those of the unit itself first.
+# The tests, or folders of tests, that notice a change of a folder of sources, those of the unit itself first.
 TESTS_OF = {
     "src/base": ["base", "cop", "tcp", "access", "dic", "values"],
-    "src/cop": ["cop", "access"],
-    "src/tcp": ["tcp", "access"],
+    "src/cop": ["cop", "access", "faults/TestFailingCan"],
+    "src/tcp": ["tcp", "access", "faults/TestFailingGateway"],
     "src/access": ["access", "values", "windows"],
-    "src/dic": ["dic"],
+    "src/dic": ["dic", "faults/TestFailingFiles"],
     "src/values": ["values"],
-    "src/widgets": ["widgets", "windows"],
+    "src/widgets": ["widgets", "windows", "faults/TestFailingSettings"],
     "src": ["windows", "access", "values", "e2e"],
 }
-LONGEST = 60  # seconds for a test that takes a few: only ends what would go on for ever
+LONGEST = 60  # seconds for a test that takes a few
 MEMORY = 4 << 30  # bytes that a test may take
 
 
 def output(*command: str, folder: pathlib.Path = ROOT) -> str:
     return subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
+
+
+def belongs(test: dict, places: list[str]) -> bool:
+    program = pathlib.Path(test.get("command", ["not built"])[0])
+    return any(place in (program, program.parent) for place in (BUILD / "tests" / place for place in places))
 
 
 class Workshop:
@@ -62,7 +69,8 @@ class Workshop:
             sheets.symlink_to(ROOT.parent / "shared")
         compiler = os.environ.get("CXX", "g++")
         output("cmake", "-S", str(TREE), "-B", str(BUILD), "-G", "Ninja", "-D", f"CMAKE_CXX_COMPILER={compiler}",
-               "-D", "CMAKE_BUILD_TYPE=None", "-D", "CMAKE_CXX_FLAGS=-O0")  # fmt: skip
+               "-D", "CMAKE_BUILD_TYPE=None", "-D", "CMAKE_CXX_FLAGS=-O0",
+               "-D", "CMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold")  # fmt: skip
         self.tests: dict[str, dict] = {}
         self.seconds: dict[str, float] = {}
         self.killers: dict[str, Counter] = {}
@@ -89,8 +97,8 @@ class Workshop:
             stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY)))  # fmt: skip
         try:
-            return process.wait(LONGEST) == 0
-        except subprocess.TimeoutExpired:
+            return process.wait(min(LONGEST, 10 + 10 * self.seconds.get(name, LONGEST))) == 0
+        except subprocess.TimeoutExpired:  # a loop that has lost its end
             return False
         finally:
             try:
@@ -101,28 +109,30 @@ class Workshop:
 
     def tests_for(self, path: str) -> list[str]:
         """The tests of the file's unit: those that noticed most so far first, then those that take least."""
-        names = []
-        for folder in TESTS_OF[os.path.dirname(path)]:
-            place = BUILD / "tests" / folder
-            names += [name for name, test in self.tests.items() if pathlib.Path(test["command"][0]).parent == place]
+        names = [name for name, test in self.tests.items() if belongs(test, TESTS_OF[os.path.dirname(path)])]
         killers = self.killers.setdefault(path, Counter())
         return sorted(names, key=lambda name: (-killers[name], self.seconds[name]))
 
     def prepare(self, paths: list[str]) -> None:
-        """Builds and runs the tests of these files without any change."""
-        folders = sorted({folder for path in paths for folder in TESTS_OF[os.path.dirname(path)]})
-        if not self.build([f"tests/{folder}/all" for folder in folders]):
+        """Builds the tests of these files, and runs those that have changed, without any change of the files."""
+        places = sorted({place for path in paths for place in TESTS_OF[os.path.dirname(path)]})
+        if not self.build([f"tests/{place}" if "/" in place else f"tests/{place}/all" for place in places]):
             sys.exit("mutants: the tests do not build")
         for test in json.loads(output("ctest", "--show-only=json-v1", folder=BUILD))["tests"]:
-            program = pathlib.Path(test.get("command", ["not built"])[0])
-            if program.parent in [BUILD / "tests" / folder for folder in folders]:
+            if belongs(test, places):
                 self.tests[test["name"]] = test
+        known = json.loads(SECONDS.read_text()) if SECONDS.exists() else {}
         failed = []
-        for name in self.tests:
-            started = time.monotonic()
-            if not self.passes(name):
-                failed.append(name)
-            self.seconds[name] = time.monotonic() - started
+        for name, test in self.tests.items():
+            program = hashlib.sha256(pathlib.Path(test["command"][0]).read_bytes()).hexdigest()
+            if known.get(name, [""])[0] != program:
+                started = time.monotonic()
+                if not self.passes(name):
+                    failed.append(name)
+                    continue
+                known[name] = [program, time.monotonic() - started]
+            self.seconds[name] = known[name][1]
+        SECONDS.write_text(json.dumps(known))
         if failed:
             sys.exit("mutants: these fail without any change: " + " ".join(failed))
 
@@ -145,10 +155,20 @@ class Workshop:
             self.restore(mutation.path)
 
 
-def key(mutation: Mutation) -> tuple[str, str, str]:
-    return mutation.path, mutation.before, mutation.after
+def key(mutation: Mutation) -> tuple[str, str, str, int]:
+    return mutation.path, mutation.before, mutation.after, mutation.number
 
 
+def is_listed(mutation: Mutation) -> bool:
+    return key(mutation)[:3] in listed()
+
+
+def place_in_sample(mutation: Mutation, seed: int) -> bytes:
+    """A random place, which stays when other lines change."""
+    return hashlib.sha256(repr((seed, *key(mutation))).encode()).digest()
+
+
+@functools.cache
 def listed() -> set[tuple[str, str, str]]:
     blocks = re.split(r"\n\n+", LISTED.read_text()) if LISTED.exists() else []
     found = set()
@@ -180,7 +200,7 @@ def chosen(arguments: argparse.Namespace) -> list[Mutation]:
             in_file = [mutation for mutation in in_file if mutation.line in lines]
         found += in_file
     if arguments.sample:
-        random.Random(arguments.seed).shuffle(found)
+        found.sort(key=lambda mutation: place_in_sample(mutation, arguments.seed))
     return found
 
 
@@ -212,7 +232,6 @@ def main() -> int:
             workshop.killers.setdefault(path, Counter())[result.removeprefix("noticed by ")] += 1
 
     counts, survivors = Counter(), []
-    accepted = listed()
     wanted = arguments.sample or len(todo)
     while todo and counts.total() < wanted:
         size = min(wanted - counts.total(), 100)
@@ -220,14 +239,14 @@ def main() -> int:
         for mutation in chunk:
             started = time.monotonic()
             result = known.get(key(mutation), "survived")
-            if result == "survived" and not (key(mutation) in accepted and key(mutation) in known):
+            if result == "survived" and not (is_listed(mutation) and key(mutation) in known):
                 result = workshop.outcome(mutation)
                 with RESULTS.open("a") as results:
                     print(json.dumps([*key(mutation), result]), file=results)
             if result == "does not compile":
                 continue
             counts["survived" if result == "survived" else "noticed"] += 1
-            if result == "survived" and key(mutation) not in accepted:
+            if result == "survived" and not is_listed(mutation):
                 survivors.append(mutation)
                 print(f"{mutation.path}:{mutation.line}\n- {mutation.before}\n+ {mutation.after}\n", flush=True)
             elif time.monotonic() - started > 1 and counts.total() % 50 == 0:
