@@ -12,7 +12,6 @@ namespace endurance
 namespace
 {
 
-constexpr BYTE node = 5;
 constexpr short room = 200;
 
 // On CAN, writing no data sends four bytes.
@@ -31,7 +30,8 @@ bool isSure(bool ok, const CCANopenAccess& access)
 
 tRun::tRun(int argc, char* argv[], int few)
     : operations(argc > 1 ? QByteArray(argv[1]).toInt() : few),
-      seed(argc > 2 ? QByteArray(argv[2]).toUInt() : QRandomGenerator::system()->generate())
+      seed(argc > 2 ? QByteArray(argv[2]).toUInt() : QRandomGenerator::system()->generate()),
+      silences(argc > 3 ? QByteArray(argv[3]).toInt() : 0)
 {
     std::printf("%d operations, seed %u\n", operations, seed);
     std::fflush(stdout);

@@ -15,12 +15,16 @@
 namespace endurance
 {
 
-/// The arguments of a driver: OPERATIONS SEED.
+/// The node of the operations.
+inline constexpr BYTE node = 5;
+
+/// The arguments of a driver: OPERATIONS SEED SILENCES.
 struct tRun {
     int operations;
     quint32 seed;
+    int silences; // only TestGatewayEndurance has them
 
-    /// Prints both. Without arguments: `few`, and another seed each time.
+    /// Prints the first two. Without arguments: `few`, another seed each time, and no silences.
     tRun(int argc, char* argv[], int few);
 };
 

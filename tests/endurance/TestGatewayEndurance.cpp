@@ -1,18 +1,23 @@
 // Endurance of the gateway client, against the simulator's gateway with faults and connections that are dropped.
-//   build/dev/tests/endurance/TestGatewayEndurance 100000 [SEED]     the long run, about ten minutes
-// A line is awaited for half a second: silences of 66 s are left to TestTcpDeadline, which moves the clock.
+//   build/dev/tests/endurance/TestGatewayEndurance 100000 [SEED [SILENCES]]     the long run, about ten minutes
+// A line is awaited for half a second, SILENCES times for 66 s, none at first: TestTcpDeadline moves the clock instead.
 // SPDX-License-Identifier: MIT
 #include "Endurance.h"
 #include "Resources.h"
 #include "SimulatorProcess.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <climits>
 
 namespace
 {
 
 constexpr int few = 500;
 constexpr int lineTimeout = 500;
+constexpr int silentTimeout = 66000; // milliseconds, that of the client
+constexpr WORD silentObject = 0x2000;
 
 const QStringList faults = {
     "silence@2000", "sequence@2001", "delay=20@2002", "double@2003",   "abort=0x06060000@2004",
@@ -30,6 +35,22 @@ bool connect(CCANopenAccess& access, unsigned short port)
 {
     _top_param address = { 0x7F000001, port, { 1, 1, 255 } };
     return access.initialize(libraryGateway, -1, &address, 0) && access.setLineTimeout(lineTimeout, nullptr);
+}
+
+// The whole wait for an object that is not answered.
+void beSilent(CCANopenAccess& access, endurance::COperations& operations)
+{
+    BYTE data[4];
+    short length = 0;
+    QElapsedTimer clock;
+    access.setLineTimeout(silentTimeout, nullptr);
+    clock.start();
+    access.read(endurance::node, silentObject, 0, &length, data, sizeof data);
+    const qint64 waited = clock.elapsed();
+    access.setLineTimeout(lineTimeout, nullptr);
+    std::printf("silent for %.3f s\n", static_cast<double>(waited) / 1000);
+    if (access.lastAnswer() != CCANopenAccess::answerNone || waited < silentTimeout)
+        operations.problem("the silent object was answered");
 }
 
 } // namespace
@@ -51,8 +72,11 @@ int main(int argc, char* argv[])
     if (!connect(access, simulator.port()))
         qFatal("no connection");
     int connections = 1;
+    const int untilSilence = run.silences > 0 ? run.operations / run.silences : INT_MAX;
     for (int done = 0; done < run.operations; ++done) {
         resources.step(done);
+        if (done % untilSilence == untilSilence - 1)
+            beSilent(access, operations);
         if (operations.step(access) && operations.chance(1000) != 0)
             continue;
         ++connections;
