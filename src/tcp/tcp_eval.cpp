@@ -4,6 +4,8 @@
 
 #include "tcp/tcp_scan.h"
 
+#include <type_traits>
+
 // The grammar of a line; each evaluator accepts only its own kinds of value:
 //
 //   line     = "[" number "]" ( "OK" | error | value )
@@ -99,7 +101,7 @@ template <typename Number>
 static int32_t tcp_eval_sdo_number(const char* line, Number* value, uint32_t* abort,
                                    int (*read)(const char*, uint32_t*, Number*))
 {
-    constexpr bool with_sign = static_cast<Number>(-1) < 0;
+    constexpr bool with_sign = std::is_signed_v<Number>;
     uint32_t cursor = 0;
     if (!tcp_eval_head(line, &cursor))
         return ERR_FORMAT;

@@ -296,8 +296,7 @@ int ascii2domain(const char* text, uint32_t* cursor, BYTE* buffer, short* length
         tcp_scan_decode(text + *cursor - 4, 4, buffer, length, size);
         count = 0;
     }
-    if (count > 0)
-        tcp_scan_decode(text + *cursor - count, count, buffer, length, size);
+    tcp_scan_decode(text + *cursor - count, count, buffer, length, size);
     while (text[*cursor] == '=')
         ++*cursor;
     return 1;

@@ -39,7 +39,7 @@ private Q_SLOTS:
     void stateNameReadsAsNumberInExactCase_data();
     void stateNameReadsAsNumberInExactCase() { compareName(&CCANopenDeviceInfo::getStateByName); }
     void stateShowsAsName() { compareTexts(&CCANopenDeviceInfo::getStateByIndex, "Invalid", stateTexts); }
-    void versionIsAText() { QVERIFY(!QString(CCANopenDeviceInfo::version()).isEmpty()); }
+    void versionIsARevision() { QCOMPARE(QByteArray(CCANopenDeviceInfo::version()), QByteArray("$Rev: 1 $")); }
 };
 
 void TestCANopenDeviceInfo::newDeviceInfoHoldsDefaultsOnly()

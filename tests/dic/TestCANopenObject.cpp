@@ -65,7 +65,7 @@ private Q_SLOTS:
     void dataTypeShowsAsName(); // 0 included: "void" is read, but not shown
     void categoryShowsAsName();
     void stateShowsAsName() { compareTexts(&CCANopenObject::getStateByIndex, "Invalid", stateTexts); }
-    void versionIsAText() { QVERIFY(!QString(CCANopenObject::version()).isEmpty()); }
+    void versionIsARevision() { QCOMPARE(QByteArray(CCANopenObject::version()), QByteArray("$Rev: 1 $")); }
 
 private:
     static void expectEmpty(const CCANopenObject& object)

@@ -53,7 +53,7 @@ private Q_SLOTS:
     void mappingShowsAsName();
     void storableShowsAsName();
     void stateShowsAsName() { compareTexts(&CCANopenObjectEntry::getStateByIndex, "Invalid", stateTexts); }
-    void versionIsAText() { QVERIFY(!QString(CCANopenObjectEntry::version()).isEmpty()); }
+    void versionIsARevision() { QCOMPARE(QByteArray(CCANopenObjectEntry::version()), QByteArray("$Rev: 1 $")); }
 };
 
 void TestCANopenObjectEntry::newEntryIsEmptyButForIndexAndSubIndex()
