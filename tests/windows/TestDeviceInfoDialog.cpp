@@ -114,6 +114,7 @@ private Q_SLOTS:
     void eachFieldHasItsLabelAndHelp_data();
     void eachFieldHasItsLabelAndHelp();
     void oneLabelStandsAboveTheBaudRates();
+    void baudRatesAreNamedForAssistivePrograms();
     void theLastPageEndsWithTheDescription();
     void aFullDictionaryFillsAllPages();
     void everyFlagShowsInItsOwnField_data();
@@ -176,6 +177,17 @@ void TestDeviceInfoDialog::oneLabelStandsAboveTheBaudRates()
     dialog.findChild<QTabWidget*>()->setCurrentIndex(1);
     dialog.show();
     QVERIFY(labels[0]->y() < editsOf(dialog, 1).first()->y());
+}
+
+void TestDeviceInfoDialog::baudRatesAreNamedForAssistivePrograms()
+{
+    CDeviceInfoDialog dialog;
+    QStringList names;
+    for (const QLineEdit* edit : editsOf(dialog, 1))
+        names << edit->accessibleName();
+    QCOMPARE(names, QStringList({ "Baud rate 1000 kbit/s", "Baud rate 800 kbit/s", "Baud rate 500 kbit/s",
+                                  "Baud rate 250 kbit/s", "Baud rate 125 kbit/s", "Baud rate 50 kbit/s",
+                                  "Baud rate 20 kbit/s", "Baud rate 10 kbit/s" }));
 }
 
 void TestDeviceInfoDialog::theLastPageEndsWithTheDescription()

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void menusOfLongNamesStayOnTheScreen();
     void shortNamesInAMenuAreWhole();
     void longTextsOfASheetAreWhole();
+    void longNamesInAMenuDifferByTheirEnds_data();
     void longNamesInAMenuDifferByTheirEnds();
 
 private:
@@ -111,10 +112,19 @@ void TestLongTexts::menusOfLongNamesStayOnTheScreen()
     driver.closeMenu();
 }
 
+void TestLongTexts::longNamesInAMenuDifferByTheirEnds_data()
+{
+    QTest::addColumn<QString>("style");
+    QTest::newRow("leaves out the middle itself") << "Fusion";
+    QTest::newRow("cuts off the end") << "Windows";
+}
+
 void TestLongTexts::longNamesInAMenuDifferByTheirEnds()
 {
     CFrameDriver driver;
+    QFETCH(const QString, style);
     for (QMenu* menu : { driver.menu("&Windows"), driver.menu("&File")->actions().at(1)->menu() }) {
+        qobject_cast<QProxyStyle*>(menu->style())->setBaseStyle(QStyleFactory::create(style));
         QList<QImage> pictures;
         for (const char* end : { "x.eds", "W.eds", "x.eds" }) {
             menu->clear();
