@@ -41,6 +41,23 @@ if(VELMORA_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)
 endif()
+# velmora_count_branches(TARGET...): for coverage, compiles the sources that neither throw nor catch without exceptions.
+# Otherwise the compiler puts branches of its own into them, which only run when there is no memory left.
+function(velmora_count_branches)
+    foreach(target IN LISTS ARGN)
+        get_target_property(sources ${target} SOURCES)
+        get_target_property(folder ${target} SOURCE_DIR)
+        list(FILTER sources INCLUDE REGEX "\\.cpp$")
+        foreach(source IN LISTS sources)
+            file(STRINGS ${folder}/${source} throwing REGEX "throw |catch \\(|CLI/CLI.hpp|console/Interrupt.h")
+            if(NOT throwing)
+                set_source_files_properties(${folder}/${source} TARGET_DIRECTORY ${target} PROPERTIES
+                    COMPILE_OPTIONS -fno-exceptions)
+            endif()
+        endforeach()
+    endforeach()
+endfunction()
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
     # What nothing calls does not get into the programs.
     add_compile_options(-ffunction-sections -fdata-sections)
