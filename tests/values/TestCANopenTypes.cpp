@@ -46,6 +46,10 @@ class TestCANopenTypes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void versionIsPinned()
+    {
+        QCOMPARE(QByteArray(CCANopenTypes::version()), QByteArray("Velmora value types, revision 2026-11-21"));
+    }
     void unsigned8WithinItsLimits_data();
     void unsigned8WithinItsLimits() { check(CCANopenTypes::ascii2unsigned8); }
     void integer8WithinItsLimits_data();

@@ -13,6 +13,9 @@
 #include <QSpinBox>
 #include <QTest>
 
+// Of the toolkit: whether "&" in a text makes a shortcut.
+extern Q_GUI_EXPORT void qt_set_sequence_auto_mnemonic(bool on);
+
 namespace
 {
 
@@ -50,6 +53,7 @@ private Q_SLOTS:
     void widgetsCarryTheirHelpTexts();
     void labelsCarryTheWhatsThisTextsOfTheirFields();
     void buttonsHaveTheirShortcuts();
+    void buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics();
     void withNothingStoredTheBoxIsEmptyAndOkWarns();
     void okAcceptsAGivenInterface_data();
     void okAcceptsAGivenInterface();
@@ -217,6 +221,14 @@ void TestInitInterfaceDialog::buttonsHaveTheirShortcuts()
     QCOMPARE(button(dialog, "ok")->shortcut(), QKeySequence("Alt+O"));
     QCOMPARE(button(dialog, "cancel")->text(), QString("&Cancel"));
     QCOMPARE(button(dialog, "cancel")->shortcut(), QKeySequence("Alt+C"));
+}
+
+void TestInitInterfaceDialog::buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics()
+{
+    qt_set_sequence_auto_mnemonic(false);
+    const auto setBack = qScopeGuard([] { qt_set_sequence_auto_mnemonic(true); });
+    QVERIFY(QPushButton("&OK").shortcut().isEmpty());
+    buttonsHaveTheirShortcuts();
 }
 
 void TestInitInterfaceDialog::withNothingStoredTheBoxIsEmptyAndOkWarns()

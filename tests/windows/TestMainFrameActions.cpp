@@ -115,6 +115,7 @@ private Q_SLOTS:
     void actionsShowTheirImages_data() { actionsHaveTheirTextsAndHelp_data(); }
     void actionsShowTheirImages();
     void thereAreFourteenActions();
+    void menusAreNamedForAssistivePrograms();
     void menuBarEndsWithASeparatorAndHelp();
     void menusHoldTheirItemsInOrder_data();
     void menusHoldTheirItemsInOrder();
@@ -179,6 +180,15 @@ void TestMainFrameActions::thereAreFourteenActions()
     for (const tActionRow& row : actionRows)
         awaited << row.name;
     QCOMPARE(names, awaited);
+}
+
+void TestMainFrameActions::menusAreNamedForAssistivePrograms()
+{
+    const CMainFrame frame;
+    QStringList names;
+    for (const QMenu* menu : frame.findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly))
+        names << menu->accessibleName();
+    QCOMPARE(names, QStringList({ "Recently used", "File", "Device", "Interface", "Windows", "Help" }));
 }
 
 void TestMainFrameActions::menuBarEndsWithASeparatorAndHelp()
