@@ -50,11 +50,8 @@ int base64_encode(const unsigned char* input, int length, char* output, int room
         if (length < 2)
             result = 2;
     }
-    if (room > 1) {
+    if (room > 1)
         output[1] = length < 1 ? base64_padding : base64[(input[0] & 0x03) << 4 | (length < 2 ? 0 : input[1] >> 4)];
-        if (length < 1)
-            result = 1;
-    }
     if (room > 0)
         output[0] = length < 1 ? base64_padding : base64[input[0] >> 2];
     return length < 1 ? 0 : result;

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void failedSocketIsNoConnection();
     void socketIsATcpSocketWithoutOptions();
     void addressAndPortAreTakenInHostByteOrder();
+    void descriptorZeroIsAConnection();
     void settingsMayBeNullAndReachNoCommand();
     void everyBitRateIsAccepted();
     void openConnectionStaysOpenWhenAnotherIsMade();
@@ -172,6 +173,20 @@ void TestTcpOpen::addressAndPortAreTakenInHostByteOrder()
     QCOMPARE(wanted.toHex(' '), QByteArray("c0 00 02 01 ea 60"));
     QCOMPARE(top_init(0x01020304, 1, nullptr, 0), notConnected);
     QCOMPARE(wanted.toHex(' '), QByteArray("01 02 03 04 00 01"));
+}
+
+void TestTcpOpen::descriptorZeroIsAConnection()
+{
+    CFakeGateway gateway;
+    const int input = ::dup(0);
+    QCOMPARE(::close(0), 0); // as in a program that was started without standard input
+    const auto setBack = qScopeGuard([input] {
+        ::dup2(input, 0);
+        ::close(input);
+    });
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    QCOMPARE(top_exit(), 0);
+    QVERIFY(gateway.awaitClosed());
 }
 
 void TestTcpOpen::settingsMayBeNullAndReachNoCommand()
