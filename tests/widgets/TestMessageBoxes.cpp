@@ -3,6 +3,7 @@
 #include "widgets/MessageBoxes.h"
 
 #include "BoxCatcher.h"
+#include "WhenShown.h"
 
 #include <QTest>
 
@@ -16,6 +17,7 @@ private Q_SLOTS:
     void aTitleNamesProductAndAction();
     void everyBoxIsPlainText_data();
     void everyBoxIsPlainText();
+    void aBoxIsWideEnoughForItsTitle();
     void aBoxOutlivesItsParentsEnd();
 };
 
@@ -46,6 +48,20 @@ void TestMessageBoxes::everyBoxIsPlainText()
     QCOMPARE(box.text, QString("can<b>0</b>\n\n\t%1 &amp; tail"));
     QCOMPARE(box.icon, icon);
     QCOMPARE(box.format, Qt::PlainText);
+}
+
+void TestMessageBoxes::aBoxIsWideEnoughForItsTitle()
+{
+    const QString title(40, 'W');
+    int width = 0;
+    const CWhenShown<QMessageBox> whenShown([&width](QMessageBox* box) {
+        width = box->width();
+        box->accept();
+    });
+    messageBox::warning(nullptr, title, "text");
+    QFont font = QApplication::font();
+    font.setBold(true);
+    QVERIFY2(width > QFontMetrics(font).horizontalAdvance(title), qPrintable(QString::number(width)));
 }
 
 void TestMessageBoxes::aBoxOutlivesItsParentsEnd()

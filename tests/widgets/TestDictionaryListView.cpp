@@ -1,0 +1,50 @@
+// How the tree of a document is painted.
+// SPDX-License-Identifier: MIT
+#include "widgets/DictionaryListView.h"
+
+#include "Patience.h"
+
+#include <QHeaderView>
+#include <QPaintEvent>
+#include <QScrollBar>
+#include <QTest>
+
+class TestDictionaryListView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void scrollingToTheSidePaintsEachNameAnew();
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            m_painted += static_cast<QPaintEvent*>(event)->region();
+        return QObject::eventFilter(object, event);
+    }
+
+private:
+    QRegion m_painted;
+};
+
+// Its ellipsis is then at another place.
+void TestDictionaryListView::scrollingToTheSidePaintsEachNameAnew()
+{
+    CDictionaryListView view(nullptr);
+    view.setColumnCount(1);
+    view.header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view.header()->setStretchLastSection(false);
+    new QTreeWidgetItem(&view, { QString(200, 'x') });
+    view.resize(200, 200);
+    view.show();
+    view.viewport()->installEventFilter(this);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_painted.isEmpty() && view.horizontalScrollBar()->maximum() > 0, patience);
+    m_painted = {};
+    view.horizontalScrollBar()->setValue(10);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_painted.isEmpty(), patience);
+    QCOMPARE(m_painted.boundingRect(), view.viewport()->rect());
+}
+
+QTEST_MAIN(TestDictionaryListView)
+#include "TestDictionaryListView.moc"
