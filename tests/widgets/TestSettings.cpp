@@ -27,6 +27,7 @@ private Q_SLOTS:
     void aForeignDisplayModeReadsAsStoredOrAsZero_data();
     void aForeignDisplayModeReadsAsStoredOrAsZero();
     void settingsOfTheWholeSystemDoNotCount();
+    void anEmptyFileIsFilled();
     void anUnwritableFileIsIgnored();
     void promotedMovesANameToTheFront_data();
     void promotedMovesANameToTheFront();
@@ -148,6 +149,13 @@ void TestSettings::settingsOfTheWholeSystemDoNotCount()
     QCOMPARE(QSettings("Brask Works").value("/CANopen Object Browser/Settings/Display").toInt(), 2); // it can be seen
     QCOMPARE(settings::recentFiles(), QStringList());
     QCOMPARE(settings::displayMode(), valueFormats::modeHex);
+}
+
+void TestSettings::anEmptyFileIsFilled()
+{
+    QVERIFY(QFile(m_store->fileName()).open(QIODevice::WriteOnly));
+    settings::setDisplayMode(valueFormats::modeOct);
+    QCOMPARE(m_store->value("Settings/Display"), QString::number(valueFormats::modeOct));
 }
 
 void TestSettings::anUnwritableFileIsIgnored()

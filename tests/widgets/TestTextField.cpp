@@ -11,6 +11,7 @@ class TestTextField : public QObject
 private Q_SLOTS:
     void aKeySelectsAllFromItsEnd_data();
     void aKeySelectsAllFromItsEnd();
+    void afterItTheCursorStepsFromTheBeginning();
     void aFieldToWriteInHasItsCursorAtTheEnd();
     void otherReasonsLeaveTheSelection_data();
     void otherReasonsLeaveTheSelection();
@@ -41,6 +42,17 @@ void TestTextField::aKeySelectsAllFromItsEnd()
     focus(&field, reason);
     QCOMPARE(field.selectedText(), field.text());
     QCOMPARE(field.cursorPosition(), 0); // shows its beginning
+}
+
+void TestTextField::afterItTheCursorStepsFromTheBeginning()
+{
+    CTextField field(nullptr);
+    field.setReadOnly(true);
+    field.setText("0x000F0191");
+    focus(&field, Qt::TabFocusReason);
+    QTest::keyClick(&field, Qt::Key_Right);
+    QCOMPARE(field.selectedText(), QString());
+    QCOMPARE(field.cursorPosition(), 1);
 }
 
 void TestTextField::aFieldToWriteInHasItsCursorAtTheEnd()

@@ -253,6 +253,7 @@ void TestMDIWindowRead::aStringIsReadUpTo256Characters()
     document.gateway.expect("[#] 5 read 0x2000 0x0 d\r\n", ("[#] " + base64(text) + "\r\n").toStdString());
     document.press("2000: Value");
     QCOMPARE(document.value(), QString(text.first(256)));
+    QCOMPARE(document.find<QLineEdit>("actual value line edit")->cursorPosition(), 0); // shows its beginning
 }
 
 void TestMDIWindowRead::aDomainIsCutToTheLine()

@@ -35,6 +35,7 @@ private Q_SLOTS:
 
     void everyMouseButtonSelects_data();
     void everyMouseButtonSelects();
+    void aSelectionChangesEachFieldOnce();
     void aPressBesideTheItemsSelectsNothing();
     void returnAndEnterSelectAndToggle_data();
     void returnAndEnterSelectAndToggle();
@@ -70,6 +71,17 @@ void TestMDIWindowSelecting::everyMouseButtonSelects()
     QFETCH(const Qt::MouseButton, button);
     m_document->press(m_document->item("1000: Device Type"), button);
     QCOMPARE(m_document->field("object name"), QString("Device Type"));
+}
+
+// A field that is cleared before it is filled is painted twice.
+void TestMDIWindowSelecting::aSelectionChangesEachFieldOnce()
+{
+    m_document->press("1000: Device Type");
+    QStringList texts;
+    connect(m_document->find<QLineEdit>("parameter name line edit"), &QLineEdit::textChanged, this,
+            [&texts](const QString& text) { texts << text; });
+    m_document->press("1018: Identity Object", " 1: Vendor Id");
+    QCOMPARE(texts, QStringList{ "Vendor Id" });
 }
 
 void TestMDIWindowSelecting::aPressBesideTheItemsSelectsNothing()
