@@ -61,6 +61,8 @@ private Q_SLOTS:
     void whatTheBrowserDoesNotReadIsNotTakenAs0();
     void countInAnotherCaseListsAnObject();
     void verdictTellsObjectsWithoutEntries();
+    void sectionThatIsThereTwiceIsTold();
+    void gapsOfPdosAreExplained();
     void mappedBitsAreThoseThatCount_data();
     void mappedBitsAreThoseThatCount();
     void entriesBeforeTheirListAreTold();
@@ -175,6 +177,32 @@ void TestSheetMends::whatTheBrowserDoesNotReadIsNotTakenAs0()
     QCOMPARE(textOf("[DeviceComissioning]\nBaudrate=fast\n"), "this is no number"); // sic
     QCOMPARE(textOf("[DummyUsage]\nDummy0005=0x10000\n"), "the number is too large");
     QCOMPARE(textOf("[OptionalObjects]\n1=none\n"), "this is no number, and the browser takes it as 0");
+    QCOMPARE(textOf("[OptionalObjects]\n1=0\n"), "no object has the index 0");
+}
+
+void TestSheetMends::sectionThatIsThereTwiceIsTold()
+{
+    const CSheetFile file("[DeviceInfo]\nVendorName=x\n[FileInfo]\nFileName=x\n[DeviceInfo]\nVendorName=y\n");
+    const auto findings = checkSheet(file.name(), tRuleSet().set(ruleDuplicateSection)).findings;
+    QCOMPARE(findings.size(), 1U);
+    QCOMPARE(findings.front().place.line, 5);
+    QCOMPARE(findings.front().advice.text, "[DeviceInfo] is there twice");
+}
+
+void TestSheetMends::gapsOfPdosAreExplained()
+{
+    const auto mapped = [](const QByteArray& target) {
+        const CSheetFile file("[1600]\nParameterName=M\nObjectType=9\nSubNumber=2\n"
+                              "[1600sub0]\nParameterName=N\nDataType=5\nAccessType=rw\nDefaultValue=1\n"
+                              "[1600sub1]\nParameterName=P\nDataType=7\nAccessType=rw\nDefaultValue=" +
+                              target + "\n[DummyUsage]\nDummy0001=1\n");
+        return checkSheet(file.name(), tRuleSet().set(ruleNotMappable).set(ruleMappingLength)).findings;
+    };
+    QVERIFY(mapped("0x00010001").empty()); // a BOOLEAN has one bit
+    const auto findings = mapped("0x00060010");
+    QCOMPARE(findings.size(), 1U);
+    QCOMPARE(findings.front().advice.text, "only a receive PDO has gaps, and only of types that [DummyUsage] allows");
+    QCOMPARE(findings.front().advice.mend, "Dummy0006=1 in [DummyUsage]");
 }
 
 void TestSheetMends::countInAnotherCaseListsAnObject()
