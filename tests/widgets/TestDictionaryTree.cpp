@@ -4,6 +4,7 @@
 
 #include "dic/CANopen.h"
 
+#include <QHeaderView>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -211,6 +212,7 @@ void TestDictionaryTree::orderIsThatInWhichTheViewSorts()
             entry(object, sub * 7 % 5 * 20, sub % 2 == 0 ? "Entry" : "entry");
     }
     const QString built = shown();
+    QCOMPARE(m_tree->header()->sortIndicatorOrder(), Qt::AscendingOrder);
     m_tree->sortItems(0, Qt::AscendingOrder);
     QCOMPARE(outline(), built);
 }

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void theHistoryIsLoadedInOrderWithDuplicates();
     void choosingTheThirdEntryMovesItToTheTop();
     void onlyTheFirstEqualEntryIsTakenAway();
+    void theTopEntryStaysThere();
     void aTypedInterfaceEntersAtTheTop();
     void spellingIsKeptAsTyped();
     void onlyTheFirstTenEntriesAreWritten();
@@ -313,6 +314,14 @@ void TestInitInterfaceDialog::onlyTheFirstEqualEntryIsTakenAway()
     interfaceBox(dialog)->setEditText("b");
     QCOMPARE(dialog.getInterface(), "b");
     QCOMPARE(items(dialog), QStringList({ "b", "a", "c", "b" }));
+}
+
+void TestInitInterfaceDialog::theTopEntryStaysThere()
+{
+    storeHistory({ "a", "b" });
+    CInitInterfaceDialog dialog;
+    QCOMPARE(dialog.getInterface(), "a");
+    QCOMPARE(items(dialog), QStringList({ "a", "b" }));
 }
 
 void TestInitInterfaceDialog::aTypedInterfaceEntersAtTheTop()
