@@ -224,6 +224,7 @@ void TestValueTypes::textsStandForValues_data()
     QTest::newRow("92 3B 1E 0C DC 02 1A") << 11 << hex("923B1E0CDC021A") << 0U;
     QTest::newRow("40 77 1B 00 0A 01") << 12 << hex("40771B000A01") << 0U;
     QTest::newRow("01") << 0x60 << hex("01") << 0U;
+    QTest::newRow("01 02") << 0x60 << hex("0102") << 0U;
 }
 
 void TestValueTypes::textsStandForValues()

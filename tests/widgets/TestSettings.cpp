@@ -28,6 +28,7 @@ private Q_SLOTS:
     void aForeignDisplayModeReadsAsStoredOrAsZero();
     void settingsOfTheWholeSystemDoNotCount();
     void anEmptyFileIsFilled();
+    void aFileWithACommentIsFilled();
     void anUnwritableFileIsIgnored();
     void promotedMovesANameToTheFront_data();
     void promotedMovesANameToTheFront();
@@ -154,6 +155,16 @@ void TestSettings::settingsOfTheWholeSystemDoNotCount()
 void TestSettings::anEmptyFileIsFilled()
 {
     QVERIFY(QFile(m_store->fileName()).open(QIODevice::WriteOnly));
+    settings::setDisplayMode(valueFormats::modeOct);
+    QCOMPARE(m_store->value("Settings/Display"), QString::number(valueFormats::modeOct));
+}
+
+void TestSettings::aFileWithACommentIsFilled()
+{
+    QFile file(m_store->fileName());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(";a=b\n");
+    file.close();
     settings::setDisplayMode(valueFormats::modeOct);
     QCOMPARE(m_store->value("Settings/Display"), QString::number(valueFormats::modeOct));
 }
