@@ -35,6 +35,7 @@ private Q_SLOTS:
     void openedFilesShowLikeNewDocuments();
     void documentsOpenInTheirSize();
     void newDocumentIsUnnamed();
+    void aDocumentOfAHiddenFrameHasItsSize();
     void documentShowsItsImage();
     void newDocumentIsActive();
     void messagesOfADocumentGoToTheStatusBar();
@@ -108,6 +109,15 @@ void TestMainFrameDocuments::documentsOpenInTheirSize()
         const QSize awaited = QSize(720, 400).expandedTo(driver.document(position)->minimumSizeHint());
         AWAIT_COMPARE(driver.document(position)->size(), awaited);
     }
+}
+
+// The workspace has no size yet that could bound it.
+void TestMainFrameDocuments::aDocumentOfAHiddenFrameHasItsSize()
+{
+    CMainFrame frame;
+    const QSize wanted = CMDIWindow(nullptr, "client window").size();
+    CMDIWindow* document = frame.newDocument();
+    QCOMPARE(document->size(), wanted);
 }
 
 void TestMainFrameDocuments::newDocumentIsUnnamed()
