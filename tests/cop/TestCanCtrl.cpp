@@ -16,6 +16,7 @@ class TestCanCtrl : public QObject
 private Q_SLOTS:
     void openingBindsARawSocketToTheInterface();
     void socketDoesNotBlock(); // for sending and reading
+    void descriptorZeroIsASocket();
     void familyTypeAndProtocolAreThoseOfTheRecord();
     void openingChecksInThisOrder();
     void socketThatFailsIsReportedAndNothingElseIsTried();
@@ -66,6 +67,22 @@ void TestCanCtrl::socketDoesNotBlock()
     bus.lowestDescriptor = 100; // also with a larger descriptor
     QCOMPARE(can_init(-1, &bus.param), 0);
     QVERIFY((fcntl(100, F_GETFL) & O_NONBLOCK) != 0);
+}
+
+void TestCanCtrl::descriptorZeroIsASocket()
+{
+    const int input = dup(0);
+    QCOMPARE(close(0), 0); // as in a program that was started without standard input
+    const auto setBack = qScopeGuard([input] {
+        dup2(input, 0);
+        close(input);
+    });
+    CFakeBus bus;
+    QCOMPARE(can_init(-1, &bus.param), 0);
+    QVERIFY(fcntl(0, F_GETFL) != -1);
+    QCOMPARE(can_exit(), 0);
+    QCOMPARE(bus.descriptors(), 0);
+    QCOMPARE(fcntl(0, F_GETFL), -1);
 }
 
 void TestCanCtrl::familyTypeAndProtocolAreThoseOfTheRecord()

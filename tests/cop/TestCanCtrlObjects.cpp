@@ -31,6 +31,7 @@ private Q_SLOTS:
     void incompleteWriteIsBusyUntilOneSucceeds_data();
     void incompleteWriteIsBusyUntilOneSucceeds();
     void pendingSendsStayAtTheirHighestNumber();
+    void theLastTransmitObjectIsBusyAsWell();
     void busyIsZeroWithoutATransmitObject();
     void failedWriteLeavesAPendingSendThatIsNoData();
 };
@@ -306,6 +307,15 @@ void TestCanCtrlObjects::pendingSendsStayAtTheirHighestNumber()
     for (int n = 0; n < tries; ++n)
         can_transmit(0, 2, bytes);
     QCOMPARE(can_busy(0), 32767);
+}
+
+void TestCanCtrlObjects::theLastTransmitObjectIsBusyAsWell()
+{
+    CStartedBus bus;
+    QCOMPARE(can_config(13, 0x123, 0x0001), 0);
+    bus.fail(CFakeBus::Write, ENOBUFS);
+    QCOMPARE(can_transmit(13, 2, bytes), -20);
+    QCOMPARE(can_busy(13), 1);
 }
 
 void TestCanCtrlObjects::busyIsZeroWithoutATransmitObject()

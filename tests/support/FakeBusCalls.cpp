@@ -52,9 +52,12 @@ struct CFakeBusCalls {
         bus.m_calls += QString("socket(%1, %2, %3)").arg(family).arg(type).arg(protocol);
         if (const auto* failure = bus.failure(CFakeBus::Socket))
             return failure->result;
-        const int opened = __real_socket(AF_UNIX, SOCK_DGRAM, 0); // stands for one of the bus; carries nothing
-        const int descriptor = __real_fcntl(opened, F_DUPFD, bus.lowestDescriptor);
-        __real_close(opened);
+        int descriptor = __real_socket(AF_UNIX, SOCK_DGRAM, 0); // stands for one of the bus; carries nothing
+        if (descriptor < bus.lowestDescriptor) {
+            const int opened = descriptor;
+            descriptor = __real_fcntl(opened, F_DUPFD, bus.lowestDescriptor);
+            __real_close(opened);
+        }
         if (descriptor >= 0)
             bus.m_sockets[descriptor] = { family, false, true };
         return descriptor;
