@@ -46,7 +46,7 @@ STATEMENT = re.compile(
     r"(?<=[;{}):\n]\n)(?P<indent> {4,})(?P<body>(?:break|continue|(?!return\b|throw\b|delete\b|else\b|using\b|case\b)"
     r"(?:\+\+|--)[^;{}]*|[*(]*[A-Za-z_][\w:]*(?:(?:->|\.|\(|\[|\+\+|--)[^;{}]*| (?:[-+*/|&^%]|<<|>>)?= [^;{}]*)));(?= *(?://[^\n]*)?\n)"
 )
-LAYOUT = re.compile(r"[lL]ayout|addWidget\(|QSpacerItem|Margin|Spacing|Stretch|[sS]izeHint|setMinimum|setMaximum|"
+LAYOUT = re.compile(r"[lL]ayout|addWidget\(|QSpacerItem|setWidth|Margin|Spacing|Stretch|[sS]izeHint|setMinimum|setMaximum|"
                     r"resize\(|Geometry|Policy|Align|setBuddy|setTabOrder|Indent|columnSpan|\brow\b.*\bcolumn\b")  # fmt: skip
 
 
