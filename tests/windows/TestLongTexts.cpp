@@ -33,6 +33,7 @@ private Q_SLOTS:
 
     void aLongMessageShowsItsBeginningAndItsEnd();
     void aLongMessageIsPaintedAsItIsShown();
+    void aLongMessageHasTheRoomOfAGripThatIsNotShown();
     void aLongMessageHasAToolTip();
     void aShortMessageIsWholeAndHasNoToolTip();
     void menusOfLongNamesStayOnTheScreen();
@@ -76,6 +77,16 @@ void TestLongTexts::aLongMessageIsPaintedAsItIsShown()
     QVERIFY(cut == bar->grab().toImage());
     bar->clearMessage();
     QVERIFY(cut != bar->grab().toImage());
+}
+
+void TestLongTexts::aLongMessageHasTheRoomOfAGripThatIsNotShown()
+{
+    const CFrameDriver driver;
+    CStatusBar* bar = barOf(driver);
+    bar->showMessage(longName("x.eds"));
+    const qsizetype shown = bar->shownText().size();
+    bar->setSizeGripEnabled(false);
+    QVERIFY(bar->shownText().size() > shown);
 }
 
 void TestLongTexts::aLongMessageHasAToolTip()
