@@ -131,5 +131,5 @@ def _closing(source: str, place: int) -> int:
 
 def _statements(source: str) -> Iterator[tuple[int, int, str]]:
     for found in STATEMENT.finditer(source):
-        if "//" not in found["body"]:
+        if "//" not in found["body"] and not found["body"].endswith(("= default", "= delete")):
             yield found.start("body"), found.end("body"), ""

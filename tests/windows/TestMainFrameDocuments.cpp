@@ -56,6 +56,7 @@ private Q_SLOTS:
     void windowsMenuForgetsClosedDocuments();
     void cascadeOverlapsTheDocuments();
     void tileKeepsTheDocumentsApart();
+    void tileLeavesMinimisedDocumentsMinimised();
 
 private:
     static QTreeWidget* treeOf(CMDIWindow* document) { return document->findChild<QTreeWidget*>(); }
@@ -367,6 +368,18 @@ void TestMainFrameDocuments::tileKeepsTheDocumentsApart()
     driver.choose("&Windows", "&Tile");
     QVERIFY(!driver.subWindow(0)->isMaximized());
     QVERIFY(!driver.subWindow(0)->geometry().intersects(driver.subWindow(1)->geometry()));
+}
+
+void TestMainFrameDocuments::tileLeavesMinimisedDocumentsMinimised()
+{
+    CFrameDriver driver;
+    for (int number = 0; number < 2; ++number)
+        driver.frame.newDocument();
+    driver.subWindow(0)->showMinimized();
+    driver.workspace()->setActiveSubWindow(driver.subWindow(1));
+    driver.choose("&Windows", "&Tile");
+    QVERIFY(driver.subWindow(0)->isMinimized());
+    QVERIFY(!driver.subWindow(1)->isMinimized());
 }
 
 QTEST_MAIN(TestMainFrameDocuments)
