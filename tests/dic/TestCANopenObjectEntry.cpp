@@ -29,6 +29,7 @@ class TestCANopenObjectEntry : public QObject
 
 private Q_SLOTS:
     void newEntryIsEmptyButForIndexAndSubIndex();
+    void entryWithoutNumbersHasZeros();
     void textsAreStoredAsTheyAre();
     void anyNumberIsStoredInEnumerationFields_data() { numberRows({ 0, 1, 5, 14, 0x60, 0xFFFF, 0x12345, -1 }); }
     void anyNumberIsStoredInEnumerationFields();
@@ -68,6 +69,13 @@ void TestCANopenObjectEntry::newEntryIsEmptyButForIndexAndSubIndex()
     QCOMPARE(int(entry.getAccess()), 0);
     QCOMPARE(int(entry.getPDOMapping()), 0);
     QCOMPARE(entry.getObjectFlags(), 0U);
+}
+
+void TestCANopenObjectEntry::entryWithoutNumbersHasZeros()
+{
+    const CCANopenObjectEntry entry;
+    QCOMPARE(int(entry.getIndex()), 0);
+    QCOMPARE(int(entry.getSubindex()), 0);
 }
 
 void TestCANopenObjectEntry::textsAreStoredAsTheyAre()

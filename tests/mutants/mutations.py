@@ -46,8 +46,9 @@ STATEMENT = re.compile(
     r"(?<=[;{}):\n]\n)(?P<indent> {4,})(?P<body>(?:break|continue|(?!return\b|throw\b|delete\b|else\b|using\b|case\b)"
     r"(?:\+\+|--)[^;{}]*|[*(]*[A-Za-z_][\w:]*(?:(?:->|\.|\(|\[|\+\+|--)[^;{}]*| (?:[-+*/|&^%]|<<|>>)?= [^;{}]*)));(?= *(?://[^\n]*)?\n)"
 )
-LAYOUT = re.compile(r"[lL]ayout|addWidget\(|QSpacerItem|setWidth|Margin|Spacing|Stretch|[sS]izeHint|setMinimum|setMaximum|"
-                    r"resize\(|Geometry|Policy|Align|setBuddy|setTabOrder|Indent|columnSpan|\brow\b.*\bcolumn\b")  # fmt: skip
+LAYOUT = re.compile(r"[lL]ayout|addWidget\(|QSpacerItem|setWidth|Margin|Spacing|Stretch|[sS]izeHint|setMinimum|"
+                    r"setMaximum|resize\(|Geometry|Policy|rowCount|Align|setBuddy|setTabOrder|Indent|columnSpan|"
+                    r"\brow\b.*\bcolumn\b")  # fmt: skip
 
 
 def mutations(path: str, source: str) -> list[Mutation]:

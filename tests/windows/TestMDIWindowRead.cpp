@@ -30,6 +30,7 @@ private Q_SLOTS:
     void aStringIsReadUpTo256Characters();
     void aDomainIsCutToTheLine();
     void selectingAnEntryReadsIt();
+    void theLowestIndexIsRead();
     void whatHasNoEntryIsNotRead_data();
     void whatHasNoEntryIsNotRead();
     void returnReadsAndCursorKeysDoNot();
@@ -299,6 +300,17 @@ void TestMDIWindowRead::selectingAnEntryReadsIt()
     QCOMPARE(document.value(), QString());
     QVERIFY2(document.gateway.finished(), qPrintable(document.difference()));
     QCOMPARE(m_boxes.count(), 0);
+}
+
+void TestMDIWindowRead::theLowestIndexIsRead()
+{
+    COnlineDocument document(sheetOf(0x0001, TEntry::typeUnsigned8));
+    document.gateway.expect("[#] 5 read 0x1 0x0 u8\r\n", "[#] 7\r\n");
+    document.press("1: Value");
+    QCOMPARE(document.value(), QString("0x07"));
+    document.gateway.expect("[#] 5 read 0x1 0x0 u8\r\n", "[#] 8\r\n");
+    document.read();
+    QCOMPARE(document.value(), QString("0x08"));
 }
 
 void TestMDIWindowRead::whatHasNoEntryIsNotRead_data()
