@@ -6,6 +6,7 @@
 #include "WhenShown.h"
 
 #include <QTest>
+#include <QTextBrowser>
 
 using tShow = void (*)(QWidget*, const QString&, const QString&);
 
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void everyBoxIsPlainText_data();
     void everyBoxIsPlainText();
     void aBoxIsWideEnoughForItsTitle();
+    void aTextThatScrollsIsNamedForAssistivePrograms();
     void aBoxOutlivesItsParentsEnd();
 };
 
@@ -62,6 +64,18 @@ void TestMessageBoxes::aBoxIsWideEnoughForItsTitle()
     QFont font = QApplication::font();
     font.setBold(true);
     QVERIFY2(width > QFontMetrics(font).horizontalAdvance(title), qPrintable(QString::number(width)));
+}
+
+void TestMessageBoxes::aTextThatScrollsIsNamedForAssistivePrograms()
+{
+    QString name;
+    const CWhenShown<QMessageBox> whenShown([&name](QMessageBox* box) {
+        if (const auto* view = box->findChild<QTextBrowser*>())
+            name = view->accessibleName();
+        box->accept();
+    });
+    messageBox::warning(nullptr, "Title", QString("line\n").repeated(1000));
+    QCOMPARE(name, QString("Title"));
 }
 
 void TestMessageBoxes::aBoxOutlivesItsParentsEnd()
