@@ -132,10 +132,8 @@ static constexpr const tcp_scan_keyword& tcp_scan_find(const char* text)
 /// No row may be hidden by a row above it.
 static constexpr bool tcp_scan_all_found()
 {
-    for (const tcp_scan_keyword& row : tcp_scan_keywords)
-        if (&tcp_scan_find(row.word) != &row)
-            return false;
-    return true;
+    return std::all_of(std::begin(tcp_scan_keywords), std::end(tcp_scan_keywords),
+                       [](const tcp_scan_keyword& row) { return &tcp_scan_find(row.word) == &row; });
 }
 
 static_assert(std::size(tcp_scan_keywords) == 73 && tcp_scan_all_found());

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace
 {
@@ -44,14 +45,14 @@ tResult sendInteger(const tParameter& to, const QString& input)
              valueFormats::integer(to.type, valueFormats::sent, static_cast<std::uint32_t>(value), to.mode) };
 }
 
-/// Reads at most `size` bytes to `data`. `length` is their number, inside the buffer whatever the facade reports.
-bool readBytes(const tParameter& from, BYTE* data, int size, int& length)
+/// Reads at most `size` bytes to `data`. @return their number, inside the buffer whatever the facade reports; none after
+/// a failure
+std::optional<int> readBytes(const tParameter& from, BYTE* data, int size)
 {
     short received = 0;
     if (!from.access.read(from.node, from.index, from.subIndex, &received, data, static_cast<short>(size)))
-        return false;
-    length = std::clamp<int>(received, 0, size);
-    return true;
+        return std::nullopt;
+    return std::clamp<int>(received, 0, size);
 }
 
 /// `data` has one readable byte after its `length` bytes.
@@ -63,8 +64,7 @@ bool sendBytes(const tParameter& to, const BYTE* data, int length)
 tResult readString(const tParameter& from)
 {
     std::array<BYTE, longestString + 1> buffer{};
-    int length = 0;
-    if (!readBytes(from, buffer.data(), longestString, length))
+    if (!readBytes(from, buffer.data(), longestString))
         return { transferFailed, {} };
     const auto* characters = reinterpret_cast<const char*>(buffer.data());
     return { transferDone, QString::fromLatin1(characters) }; // to the first zero byte
@@ -92,10 +92,10 @@ template <typename Moment, bool (*toText)(Moment, QString&)>
 tResult readMoment(const tParameter& from)
 {
     Moment moment{};
-    int length = 0;
-    if (!readBytes(from, moment.data, sizeof moment.data, length))
+    const std::optional<int> length = readBytes(from, moment.data, sizeof moment.data);
+    if (!length)
         return { transferFailed, {} };
-    return { transferDone, momentText<Moment, toText>(moment, length, from.mode) };
+    return { transferDone, momentText<Moment, toText>(moment, *length, from.mode) };
 }
 
 template <typename Moment, bool (*convert)(const char*, Moment*), bool (*toText)(Moment, QString&)>
@@ -115,10 +115,10 @@ tResult sendMoment(const tParameter& to, const QString& input)
 tResult readDomain(const tParameter& from)
 {
     std::array<BYTE, longestDomain> buffer{};
-    int length = 0;
-    if (!readBytes(from, buffer.data(), longestDomain, length))
+    const std::optional<int> length = readBytes(from, buffer.data(), longestDomain);
+    if (!length)
         return { transferFailed, {} };
-    return { transferDone, valueFormats::bytes(buffer.data(), length, from.mode) };
+    return { transferDone, valueFormats::bytes(buffer.data(), *length, from.mode) };
 }
 
 tResult sendNothing(const tParameter&, const QString&)

@@ -40,6 +40,7 @@ REPLACEMENTS = {
 }  # fmt: skip
 # A row of a table that ends with the place of a widget in its grid.
 PLACE = re.compile(r'(?:" \}, |^ +)(?:\d, )*$')
+ARRAY = re.compile(r"std::array<[\w:]+, $")
 CONDITION = re.compile(r"\b(?P<kind>if|while) \((?!constexpr)")
 # A call or an assignment on lines of its own; a declaration that is left out would not compile.
 STATEMENT = re.compile(
@@ -89,12 +90,13 @@ def _tokens(source: str) -> Iterator[tuple[int, int, str]]:
     for token in TOKEN.finditer(source):
         kind, text = token.lastgroup, token.group()
         if kind == "text" and len(text) > 2 and not text.endswith('.h"'):
-            yield token.end() - 2, token.end() - 1, _other_character(source[token.end() - 2])
+            last = source[token.end() - 2]  # not "%2" for "%1": the lowest number is replaced
+            yield token.end() - 2, token.end() - 1, "x" if source[token.end() - 3] == "%" else _other_character(last)
         elif kind == "char" and len(text) == 3:
             yield token.start() + 1, token.end() - 1, _other_character(text[1])
         elif token["number"]:
-            if source[token.end() : token.end() + 2] == "];":  # a larger array does nothing else
-                continue
+            if source[token.end() : token.end() + 2] == "];" or ARRAY.search(source[: token.start()][-80:]):
+                continue  # a larger array does nothing else
             if PLACE.search(source[source.rfind("\n", 0, token.start()) + 1 : token.start()]):
                 continue
             digits = text[: len(text) - len(token["suffix"])]

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void init() { m_store.emplace(); }
     void cleanup() { QApplication::setFont(m_font); }
 
+    void theFrameIsAsWideAsItWantsToBe() { QCOMPARE(CMainFrame().width(), 960); }
     void arrangingKeepsTheActiveDocument_data();
     void arrangingKeepsTheActiveDocument();
     void titleBarsOfCascadedDocumentsAreInView_data();

@@ -24,6 +24,21 @@ QString longName(const QString& end)
 
 } // namespace
 
+// Notes where the panel of a status bar is painted.
+class CPanelStyle : public QProxyStyle
+{
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        if (element == PE_PanelStatusBar)
+            panel = option->rect;
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+
+    mutable QRect panel;
+};
+
 class TestLongTexts : public QObject
 {
     Q_OBJECT
@@ -33,6 +48,7 @@ private Q_SLOTS:
 
     void aLongMessageShowsItsBeginningAndItsEnd();
     void aLongMessageIsPaintedAsItIsShown();
+    void aLongMessageStandsOnThePanelOfItsBar();
     void aLongMessageHasTheRoomOfAGripThatIsNotShown();
     void aLongMessageHasAToolTip();
     void aShortMessageIsWholeAndHasNoToolTip();
@@ -77,6 +93,18 @@ void TestLongTexts::aLongMessageIsPaintedAsItIsShown()
     QVERIFY(cut == bar->grab().toImage());
     bar->clearMessage();
     QVERIFY(cut != bar->grab().toImage());
+}
+
+void TestLongTexts::aLongMessageStandsOnThePanelOfItsBar()
+{
+    CPanelStyle style;
+    const CFrameDriver driver;
+    CStatusBar* bar = barOf(driver);
+    bar->setStyle(&style);
+    bar->showMessage(longName("x.eds"));
+    style.panel = {};
+    bar->grab();
+    QCOMPARE(style.panel, bar->rect());
 }
 
 void TestLongTexts::aLongMessageHasTheRoomOfAGripThatIsNotShown()
