@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <set>
 
 #include <sys/resource.h>
 
@@ -54,6 +55,7 @@ private Q_SLOTS:
     void descriptorBeyondTheReadSetDoesNoHarm();
     void descriptorsAreUsedUpToTheSizeOfTheReadSet_data();
     void descriptorsAreUsedUpToTheSizeOfTheReadSet();
+    void onlyTheConnectionIsWaitedFor();
     void pipeSignalIsIgnored();
     void gatewayThatHangsUpIsAnErrorCode();
     void sequenceNumbersGoOnOverANewConnection();
@@ -336,6 +338,23 @@ void TestTcpOpen::descriptorsAreUsedUpToTheSizeOfTheReadSet()
     QTEST(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), "result");
     top_exit();
     QCOMPARE(closed, 1);
+}
+
+void TestTcpOpen::onlyTheConnectionIsWaitedFor()
+{
+    CFakeGateway gateway;
+    gateway.expect("[#] init 7\r\n", "[#] OK\r\n");
+    CSystemCalls calls;
+    int socket = -1;
+    std::set<int> counts;
+    calls.socket = [&](auto... arguments) { return socket = __real_socket(arguments...); };
+    calls.select = [&](int count, auto... arguments) {
+        counts.insert(count);
+        return __real_select(count, arguments...);
+    };
+    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
+    QCOMPARE(top_reset(7), 0);
+    QCOMPARE(counts, std::set<int>{ socket + 1 });
 }
 
 void TestTcpOpen::pipeSignalIsIgnored()

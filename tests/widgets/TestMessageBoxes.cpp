@@ -5,6 +5,8 @@
 #include "BoxCatcher.h"
 #include "WhenShown.h"
 
+#include <QDialogButtonBox>
+#include <QPushButton>
 #include <QTest>
 #include <QTextBrowser>
 
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void everyBoxIsPlainText();
     void aBoxIsWideEnoughForItsTitle();
     void aTextThatScrollsIsNamedForAssistivePrograms();
+    void anIconThatAButtonGetsLaterStays();
     void aBoxOutlivesItsParentsEnd();
 };
 
@@ -76,6 +79,18 @@ void TestMessageBoxes::aTextThatScrollsIsNamedForAssistivePrograms()
     });
     messageBox::warning(nullptr, "Title", QString("line\n").repeated(1000));
     QCOMPARE(name, QString("Title"));
+}
+
+void TestMessageBoxes::anIconThatAButtonGetsLaterStays()
+{
+    const messageBox::CBoxCare care;
+    QDialogButtonBox buttons(QDialogButtonBox::Ok);
+    buttons.show();
+    QPixmap picture(8, 8);
+    picture.fill(Qt::red);
+    buttons.button(QDialogButtonBox::Ok)->setIcon(picture);
+    buttons.hide();
+    QVERIFY(!buttons.button(QDialogButtonBox::Ok)->icon().isNull());
 }
 
 void TestMessageBoxes::aBoxOutlivesItsParentsEnd()
