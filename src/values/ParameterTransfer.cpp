@@ -45,8 +45,8 @@ tResult sendInteger(const tParameter& to, const QString& input)
              valueFormats::integer(to.type, valueFormats::sent, static_cast<std::uint32_t>(value), to.mode) };
 }
 
-/// Reads at most `size` bytes to `data`. @return their number, inside the buffer whatever the facade reports; none after
-/// a failure
+/// Reads at most `size` bytes to `data`. @return their number, inside the buffer whatever the facade reports; none when
+/// it failed
 std::optional<int> readBytes(const tParameter& from, BYTE* data, int size)
 {
     short received = 0;
