@@ -83,10 +83,7 @@ private Q_SLOTS:
     void nullPointersAreRefusedWhenAValueArrives();
     void nullPointersDoNotMatterWithoutAValue();
     void valueClearsTheAbortCode();
-    void versionIsPinned()
-    {
-        QCOMPARE(QByteArray(tcp_eval_version()), QByteArray("Velmora gateway client, tcp_eval, 2026-11-21"));
-    }
+    void versionIsPinned() { QCOMPARE(tcp_eval_version(), "Velmora gateway client, tcp_eval, 2026-11-21"); }
 
 private:
     static int32_t run(const tEvaluator& evaluator, const QByteArray& line, bool nowhere = false)

@@ -8,9 +8,6 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
-#include <set>
-
-#include <sys/resource.h>
 
 namespace
 {
@@ -45,17 +42,12 @@ private Q_SLOTS:
     void failedSocketIsNoConnection();
     void socketIsATcpSocketWithoutOptions();
     void addressAndPortAreTakenInHostByteOrder();
-    void descriptorZeroIsAConnection();
     void settingsMayBeNullAndReachNoCommand();
     void everyBitRateIsAccepted();
     void openConnectionStaysOpenWhenAnotherIsMade();
     void failedSocketOverAnOpenConnectionLeavesNone();
     void failedConnectOverAnOpenConnectionLeavesNone();
     void noSocketLeaksOverManyConnections();
-    void descriptorBeyondTheReadSetDoesNoHarm();
-    void descriptorsAreUsedUpToTheSizeOfTheReadSet_data();
-    void descriptorsAreUsedUpToTheSizeOfTheReadSet();
-    void onlyTheConnectionIsWaitedFor();
     void pipeSignalIsIgnored();
     void gatewayThatHangsUpIsAnErrorCode();
     void sequenceNumbersGoOnOverANewConnection();
@@ -177,20 +169,6 @@ void TestTcpOpen::addressAndPortAreTakenInHostByteOrder()
     QCOMPARE(wanted.toHex(' '), QByteArray("01 02 03 04 00 01"));
 }
 
-void TestTcpOpen::descriptorZeroIsAConnection()
-{
-    CFakeGateway gateway;
-    const int input = ::dup(0);
-    QCOMPARE(::close(0), 0); // as in a program that was started without standard input
-    const auto setBack = qScopeGuard([input] {
-        ::dup2(input, 0);
-        ::close(input);
-    });
-    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
-    QCOMPARE(top_exit(), 0);
-    QVERIFY(gateway.awaitClosed());
-}
-
 void TestTcpOpen::settingsMayBeNullAndReachNoCommand()
 {
     for (const bool given : { false, true }) {
@@ -280,81 +258,6 @@ void TestTcpOpen::noSocketLeaksOverManyConnections()
     }
     QVERIFY(gateway.awaitClosed()); // now the gateway has closed its sockets, too
     QCOMPARE(openSockets(), before);
-}
-
-void TestTcpOpen::descriptorBeyondTheReadSetDoesNoHarm()
-{
-    rlimit limit = {};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    if (limit.rlim_max < FD_SETSIZE + 100)
-        QSKIP("too few descriptors for this test");
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
-    CFakeGateway gateway;
-    gateway.answerWith([](const std::string&) { return "[#] OK\r\n"; });
-    QList<int> opened;
-    while (opened.isEmpty() || opened.constLast() < FD_SETSIZE + 10)
-        opened += dup(0);
-    const int32_t result = top_init(CFakeGateway::address, gateway.port(), nullptr, 0);
-    QVERIFY(result == notConnected || top_start_remote_node(5) <= 0);
-    top_exit();
-    for (const int descriptor : opened)
-        __real_close(descriptor);
-    CGatewaySession next;
-    next.expect("[#] 5 start\r\n", "[#] OK\r\n");
-    QCOMPARE(top_start_remote_node(5), 0);
-}
-
-void TestTcpOpen::descriptorsAreUsedUpToTheSizeOfTheReadSet_data()
-{
-    QTest::addColumn<int>("descriptor");
-    QTest::addColumn<int>("result");
-    QTest::newRow("the last one") << FD_SETSIZE - 1 << 0;
-    QTest::newRow("one more") << FD_SETSIZE << int(notConnected);
-}
-
-void TestTcpOpen::descriptorsAreUsedUpToTheSizeOfTheReadSet()
-{
-    QFETCH(int, descriptor);
-    rlimit limit = {};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    if (limit.rlim_max <= FD_SETSIZE)
-        QSKIP("too few descriptors for this test");
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
-    CFakeGateway gateway;
-    CSystemCalls calls;
-    int closed = 0;
-    calls.socket = [=](auto... arguments) {
-        const int opened = __real_socket(arguments...);
-        dup2(opened, descriptor);
-        __real_close(opened);
-        return descriptor;
-    };
-    calls.close = [&](int which) {
-        closed += which == descriptor;
-        return __real_close(which);
-    };
-    QTEST(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), "result");
-    top_exit();
-    QCOMPARE(closed, 1);
-}
-
-void TestTcpOpen::onlyTheConnectionIsWaitedFor()
-{
-    CFakeGateway gateway;
-    gateway.expect("[#] init 7\r\n", "[#] OK\r\n");
-    CSystemCalls calls;
-    int socket = -1;
-    std::set<int> counts;
-    calls.socket = [&](auto... arguments) { return socket = __real_socket(arguments...); };
-    calls.select = [&](int count, auto... arguments) {
-        counts.insert(count);
-        return __real_select(count, arguments...);
-    };
-    QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
-    QCOMPARE(top_reset(7), 0);
-    QCOMPARE(counts, std::set<int>{ socket + 1 });
 }
 
 void TestTcpOpen::pipeSignalIsIgnored()

