@@ -35,7 +35,7 @@ void CDocumentSplitter::fitNames()
 // Without names before there is no document yet: those of its groups that open then are measured together.
 void CDocumentSplitter::growToNames()
 {
-    if (m_namesWidth == 0)
+    if (m_moved || m_namesWidth == 0)
         return;
     m_namesWidth = std::max(m_namesWidth, m_tree->widthOfNames());
     divide();

@@ -1,5 +1,6 @@
 // The CAN controller: opening and closing the socket, starting and stopping, its texts and its timer.
 // SPDX-License-Identifier: MIT
+#include "ClosedInput.h"
 #include "StartedBus.h"
 
 #include <QtTest>
@@ -71,12 +72,7 @@ void TestCanCtrl::socketDoesNotBlock()
 
 void TestCanCtrl::descriptorZeroIsASocket()
 {
-    const int input = dup(0);
-    QCOMPARE(close(0), 0); // as in a program that was started without standard input
-    const auto setBack = qScopeGuard([input] {
-        dup2(input, 0);
-        close(input);
-    });
+    const CClosedInput closed;
     CFakeBus bus;
     QCOMPARE(can_init(-1, &bus.param), 0);
     QVERIFY(fcntl(0, F_GETFL) != -1);

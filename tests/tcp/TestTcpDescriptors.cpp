@@ -1,5 +1,6 @@
 // The descriptor of the connection: which ones can be used, and what is waited for.
 // SPDX-License-Identifier: MIT
+#include "ClosedInput.h"
 #include "GatewaySession.h"
 #include "SystemCalls.h"
 
@@ -13,6 +14,16 @@ namespace
 {
 
 constexpr int32_t notConnected = -20000;
+
+/// How many descriptors this process can open, from now on.
+rlim_t mostDescriptors()
+{
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    return limit.rlim_max;
+}
 
 } // namespace
 
@@ -33,12 +44,7 @@ private Q_SLOTS:
 void TestTcpDescriptors::descriptorZeroIsAConnection()
 {
     CFakeGateway gateway;
-    const int input = ::dup(0);
-    QCOMPARE(::close(0), 0); // as in a program that was started without standard input
-    const auto setBack = qScopeGuard([input] {
-        ::dup2(input, 0);
-        ::close(input);
-    });
+    const CClosedInput closed;
     QCOMPARE(top_init(CFakeGateway::address, gateway.port(), nullptr, 0), 0);
     QCOMPARE(top_exit(), 0);
     QVERIFY(gateway.awaitClosed());
@@ -46,12 +52,8 @@ void TestTcpDescriptors::descriptorZeroIsAConnection()
 
 void TestTcpDescriptors::descriptorBeyondTheReadSetDoesNoHarm()
 {
-    rlimit limit = {};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    if (limit.rlim_max < FD_SETSIZE + 100)
+    if (mostDescriptors() < FD_SETSIZE + 100)
         QSKIP("too few descriptors for this test");
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
     CFakeGateway gateway;
     gateway.answerWith([](const std::string&) { return "[#] OK\r\n"; });
     QList<int> opened;
@@ -78,12 +80,8 @@ void TestTcpDescriptors::descriptorsAreUsedUpToTheSizeOfTheReadSet_data()
 void TestTcpDescriptors::descriptorsAreUsedUpToTheSizeOfTheReadSet()
 {
     QFETCH(int, descriptor);
-    rlimit limit = {};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    if (limit.rlim_max <= FD_SETSIZE)
+    if (mostDescriptors() <= FD_SETSIZE)
         QSKIP("too few descriptors for this test");
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
     CFakeGateway gateway;
     CSystemCalls calls;
     int closed = 0;
