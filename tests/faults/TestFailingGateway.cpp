@@ -11,9 +11,6 @@ namespace
 
 using tFault = CFailingClient::tFault;
 
-constexpr int32_t notConnected = -20000;
-constexpr int32_t notSent = -793;
-
 qsizetype descriptorsOfProcess()
 {
     return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();

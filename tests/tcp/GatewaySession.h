@@ -8,6 +8,10 @@
 
 #include <QByteArray>
 
+// Results of the client.
+inline constexpr int32_t notConnected = -20000;
+inline constexpr int32_t notSent = -793;
+
 /// The client is connected while an object exists.
 class CGatewaySession : public CFakeGateway
 {

@@ -8,7 +8,6 @@
 namespace
 {
 
-constexpr int32_t notSent = -793;
 constexpr int32_t noRow = 1;
 constexpr int32_t abortCode = 0x06020000;
 

@@ -13,8 +13,6 @@
 namespace
 {
 
-constexpr int32_t notConnected = -20000;
-
 /// How many descriptors this process can open, from now on.
 rlim_t mostDescriptors()
 {

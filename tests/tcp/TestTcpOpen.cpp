@@ -12,9 +12,6 @@
 namespace
 {
 
-constexpr int32_t notConnected = -20000;
-constexpr int32_t notSent = -793;
-
 /// The open sockets of this process, including those of the fake gateway.
 int openSockets()
 {
