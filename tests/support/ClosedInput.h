@@ -6,8 +6,8 @@
 
 #include <unistd.h>
 
-/// For as long as it lives, descriptor 0 is free, as in a program that was started without standard input: the next file
-/// that is opened gets it.
+/// For as long as it lives, descriptor 0 is free, as in a program that was started without standard input: the next
+/// file that is opened gets it.
 class CClosedInput
 {
 public:
