@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "CANopenTypes.h"
 
+#include "AssertionLog.h"
+
 #include <QRegularExpression>
 #include <QTest>
 
@@ -259,10 +261,7 @@ void TestCANopenTypes::blanksAndTabsMayStandAround()
 
 void TestCANopenTypes::everyReportNamesTheLineOfItsOperation()
 {
-    static QStringList lines;
-    lines.clear();
-    const QtMessageHandler before = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& message) { lines += message.section(' ', -1); });
+    const CAssertionLog log;
     CCANopenTypes::ascii2integer8(nullptr, nullptr);
     CCANopenTypes::ascii2integer16(nullptr, nullptr);
     CCANopenTypes::ascii2integer32(nullptr, nullptr);
@@ -271,15 +270,12 @@ void TestCANopenTypes::everyReportNamesTheLineOfItsOperation()
     CCANopenTypes::ascii2unsigned32(nullptr, nullptr);
     CCANopenTypes::ascii2date(nullptr, nullptr);
     CCANopenTypes::ascii2timeOfDay(nullptr, nullptr);
-    qInstallMessageHandler(before);
-
-    QCOMPARE(lines.size(), 16); // for the text and for the value, in the same line
+    QCOMPARE(log.texts().size(), 16); // for the text and for the value, in the same line
     int last = 0;
     for (int operation = 0; operation < 8; ++operation) { // in the order of the source
-        QCOMPARE(lines[2 * operation], lines[2 * operation + 1]);
-        const int line = lines[2 * operation].chopped(1).mid(1).toInt();
-        QVERIFY(line > last);
-        last = line;
+        QCOMPARE(log.line(2 * operation + 1), log.line(2 * operation));
+        QVERIFY(log.line(2 * operation) > last);
+        last = log.line(2 * operation);
     }
 }
 

@@ -1,6 +1,6 @@
 // The object store of a simulated device: access rights, widths, limits, stored values and NMT states.
-// One file, although long: all tests use the data sheet below.
 // SPDX-License-Identifier: MIT
+#include "NodeSheet.h"
 #include "SheetFile.h"
 #include "device/SimulatedNetwork.h"
 
@@ -10,131 +10,6 @@
 
 namespace
 {
-
-const char sheet[] = R"([MandatoryObjects]
-1=0x1005
-2=0x1010
-3=0x1011
-4=0x1017
-[ManufacturerObjects]
-1=0x2000
-2=0x2001
-3=0x2002
-4=0x2003
-5=0x2004
-6=0x2005
-7=0x2006
-8=0x2007
-9=0x2008
-10=0x6000
-[1005]
-ParameterName=COB-ID
-ObjectType=0x7
-DataType=0x0007
-AccessType=rw
-DefaultValue=$NODEID+0x80
-[1010]
-ParameterName=Store
-ObjectType=0x8
-[1010sub0]
-DataType=0x0005
-AccessType=ro
-DefaultValue=4
-[1010sub1]
-DataType=0x0007
-AccessType=rw
-DefaultValue=1
-[1010sub2]
-DataType=0x0007
-AccessType=rw
-DefaultValue=1
-[1010sub4]
-DataType=0x0007
-AccessType=rw
-DefaultValue=1
-[1011]
-ParameterName=Restore
-ObjectType=0x8
-[1011sub1]
-DataType=0x0007
-AccessType=rw
-DefaultValue=1
-[1017]
-ParameterName=Heartbeat
-ObjectType=0x7
-DataType=0x0006
-AccessType=rw
-DefaultValue=1000
-[2000]
-ParameterName=Read only
-ObjectType=0x7
-DataType=0x0006
-AccessType=ro
-DefaultValue=0x1234
-[2001]
-ParameterName=Write only
-ObjectType=0x7
-DataType=0x0006
-AccessType=wo
-[2002]
-ParameterName=Constant
-ObjectType=0x7
-DataType=0x0006
-AccessType=const
-DefaultValue=7
-[2003]
-ParameterName=Signed with limits
-ObjectType=0x7
-DataType=0x0002
-LowLimit=-10
-HighLimit=0x14
-AccessType=rw
-DefaultValue=5
-[2004]
-ParameterName=Unsigned with limits
-ObjectType=0x7
-DataType=0x0007
-LowLimit=0x10
-HighLimit=$NODEID+0x100
-AccessType=rwr
-DefaultValue=0x20
-[2005]
-ParameterName=Boolean
-ObjectType=0x7
-DataType=0x0001
-AccessType=rww
-[2006]
-ParameterName=Text
-ObjectType=0x7
-DataType=0x0009
-AccessType=rw
-DefaultValue=Velmora
-[2007]
-ParameterName=Real with limits
-ObjectType=0x7
-DataType=0x0008
-LowLimit=-1.5
-HighLimit=2.5
-AccessType=rw
-[2008]
-ParameterName=Array without entries
-ObjectType=0x8
-[6000]
-ParameterName=Array
-ObjectType=0x8
-[6000sub0]
-DataType=0x0005
-AccessType=ro
-DefaultValue=2
-[6000sub2]
-DataType=0x0004
-AccessType=rw
-DefaultValue=-2
-[6000sub2]
-DataType=0x0005
-AccessType=ro
-DefaultValue=9
-)";
 
 QByteArray hex(const char* digits)
 {
@@ -172,7 +47,7 @@ private Q_SLOTS:
     void listenerIsToldOfResetsStatesAndValues();
 
 private:
-    const CSheetFile m_sheet{ sheet };
+    const CSheetFile m_sheet{ nodeSheet };
     std::unique_ptr<CSimulatedNetwork> m_network;
     CSimulatedNode* m_node = nullptr;
 };
