@@ -33,14 +33,16 @@ bool isNameOfDevice(const QString& text)
 {
     constexpr qsizetype longest = 15;
     return !text.isEmpty() && text.toLocal8Bit().size() <= longest &&
-           std::none_of(text.cbegin(), text.cend(),
-                        [](QChar letter) { return letter == u'/' || letter == u':' || letter.isSpace(); });
+           std::none_of(text.cbegin(), text.cend(), [](QChar letter) { return letter == u'/' || letter == u':'; });
 }
 
 } // namespace
 
 bool isInterfaceName(const QString& text)
 {
+    // The browser takes an address with blanks for the name of a CAN interface.
+    if (std::any_of(text.cbegin(), text.cend(), [](QChar letter) { return letter.isSpace(); }))
+        return false;
     const qsizetype colon = text.indexOf(u':');
     if (colon < 0)
         return isNameOfDevice(text) && !isAddress(text); // an address without its port

@@ -34,11 +34,13 @@ std::vector<qsizetype> lineStarts(const QString& fileName, const QByteArray& byt
     return starts;
 }
 
-// The line end of the text before; that of the whole file where it has none.
+// The line end of the text before; that of the whole file where it has none. After a CR without LF it is the LF.
 QByteArray lineEndAfter(QByteArrayView before, const QByteArray& file)
 {
     if (before.endsWith('\n'))
         return before.endsWith("\r\n") ? "\r\n" : "\n";
+    if (before.endsWith('\r'))
+        return "\n";
     const qsizetype first = file.indexOf('\n');
     return first > 0 && file[first - 1] == '\r' ? "\r\n" : "\n";
 }

@@ -145,6 +145,11 @@ void TestDcfText::lineEndsAreThoseOfTheSheet_data()
                                          << QByteArray("\nParameterValue=0x07\n\n[DeviceComissioning]\nNodeID=5\n");
     QTest::newRow("CR LF, none at the end")
         << crlf.chopped(2) << QByteArray("\r\nParameterValue=0x07\r\n\r\n[DeviceComissioning]\r\nNodeID=5\r\n");
+    QTest::newRow("CR LF, half of it at the end")
+        << crlf.chopped(1) << QByteArray("\nParameterValue=0x07\r\n\r\n[DeviceComissioning]\r\nNodeID=5\r\n");
+    QTest::newRow("LF, a CR at the end") << lines.chopped(1) + '\r'
+                                         << QByteArray(
+                                                "\nParameterValue=0x07\r\n\r\n[DeviceComissioning]\r\nNodeID=5\r\n");
 }
 
 void TestDcfText::lineEndsAreThoseOfTheSheet()

@@ -68,6 +68,10 @@ void TestInterfaceName::otherTextsAreNone_data()
                               "1.2.3.4.5:60000",
                               "127.0.0.-1:60000",
                               "127..0.1:60000",
+                              "127.0.0 .1:60000",
+                              "127.0.0.1 :60000",
+                              " 127.0.0.1:60000",
+                              "localhost:60000 ",
                               "[::1]:60000" })
         QTest::addRow("\"%s\"", text) << QString(text);
 }
