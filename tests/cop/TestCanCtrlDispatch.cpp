@@ -253,7 +253,12 @@ void TestCanCtrlDispatch::withoutASocketNothingIsRead()
     can_frame frame = {};
     QCOMPARE(can_read_socket(&frame), 0);
     QCOMPARE(can_read_queue(0), 0);
+    bus.fail(CFakeBus::Bind, ENODEV); // leaves a socket, that is none to read from
+    QCOMPARE(can_init(-1, &bus.param), -10000);
+    QCOMPARE(can_read_socket(&frame), 0);
+    QCOMPARE(can_read_queue(0), 0);
     QCOMPARE(bus.count(CFakeBus::Select), 0);
+    QCOMPARE(can_exit(), 0);
 }
 
 void TestCanCtrlDispatch::readingTheSocketNeverBlocks()

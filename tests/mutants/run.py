@@ -1,13 +1,15 @@
 """Tries small changes of the sources, one at a time, and tells those that no test of their unit notices.
 
 It works in a copy of the checkout, build/mutants/tree, built without sanitizers. What came out of each mutation is
-kept in build/mutants/results.jsonl: one that was noticed is not tried again. A survivor that cannot be noticed stands
-in tests/mutants.txt, a block each:
+kept in build/mutants/results.jsonl: one that was noticed is not tried again before its source, or the test that
+noticed it, changes. A survivor that cannot be noticed stands in tests/mutants.txt, a block each:
 
     src/dic/CANopen.cpp
     - the line as it is
     + the line as it was changed
     why nobody can notice the difference
+
+Where the source has equal lines, "src/dic/CANopen.cpp #2" is the second of them.
 """
 # SPDX-License-Identifier: MIT
 import argparse
@@ -159,8 +161,30 @@ def key(mutation: Mutation) -> tuple[str, str, str, int]:
     return mutation.path, mutation.before, mutation.after, mutation.number
 
 
+def state(path: str, result: str) -> str:
+    """The hash of what the result rests on: the source, and the test that noticed."""
+    test = result.removeprefix("noticed by ") if result.startswith("noticed by ") else ""
+    places = [ROOT / path, *sources_of_tests().get(test, [])]
+    return hashlib.sha256(b"".join(place.read_bytes() for place in places if place.is_file())).hexdigest()
+
+
+@functools.cache
+def sources_of_tests() -> dict[str, list[pathlib.Path]]:
+    return {place.stem: [place] for place in (ROOT / "tests").rglob("Test*.cpp")}
+
+
+def known_results() -> dict[tuple, str]:
+    known = {}
+    for line in RESULTS.read_text().splitlines() if RESULTS.exists() else []:
+        *place, result, rests_on = json.loads(line)
+        known.pop(tuple(place), None)
+        if state(place[0], result) == rests_on:
+            known[tuple(place)] = result
+    return known
+
+
 def is_listed(mutation: Mutation) -> bool:
-    return key(mutation)[:3] in listed()
+    return key(mutation) in listed()
 
 
 def place_in_sample(mutation: Mutation, seed: int) -> bytes:
@@ -169,13 +193,14 @@ def place_in_sample(mutation: Mutation, seed: int) -> bytes:
 
 
 @functools.cache
-def listed() -> set[tuple[str, str, str]]:
+def listed() -> set[tuple[str, str, str, int]]:
     blocks = re.split(r"\n\n+", LISTED.read_text()) if LISTED.exists() else []
     found = set()
     for block in blocks:
         lines = [line for line in block.splitlines() if not line.startswith("#")]
         if len(lines) >= 4 and lines[1].startswith("- ") and lines[2].startswith("+ "):
-            found.add((lines[0], lines[1][2:], lines[2][2:]))
+            path, _, number = lines[0].partition(" #")
+            found.add((path, lines[1][2:], lines[2][2:], int(number or 1)))
         elif lines:
             sys.exit(f"mutants: {LISTED.name} has a block without path, -, + and reason: {lines[0]}")
     return found
@@ -218,11 +243,7 @@ def main() -> int:
             parser.error(f"{path} is no source below src/")
 
     WORK.mkdir(parents=True, exist_ok=True)
-    known = {}
-    if RESULTS.exists():
-        for line in RESULTS.read_text().splitlines():
-            *place, result = json.loads(line)
-            known[tuple(place)] = result
+    known = known_results()
     todo = chosen(arguments)
     workshop = Workshop()
     if todo:
@@ -242,13 +263,14 @@ def main() -> int:
             if result == "survived" and not (is_listed(mutation) and key(mutation) in known):
                 result = workshop.outcome(mutation)
                 with RESULTS.open("a") as results:
-                    print(json.dumps([*key(mutation), result]), file=results)
+                    print(json.dumps([*key(mutation), result, state(mutation.path, result)]), file=results)
             if result == "does not compile":
                 continue
             counts["survived" if result == "survived" else "noticed"] += 1
             if result == "survived" and not is_listed(mutation):
                 survivors.append(mutation)
-                print(f"{mutation.path}:{mutation.line}\n- {mutation.before}\n+ {mutation.after}\n", flush=True)
+                equal = f" #{mutation.number}" if mutation.number > 1 else ""
+                print(f"{mutation.path}{equal} (line {mutation.line})\n- {mutation.before}\n+ {mutation.after}\n", flush=True)
             elif time.monotonic() - started > 1 and counts.total() % 50 == 0:
                 print(f"({counts.total()} of {wanted})", file=sys.stderr, flush=True)
     share = 100 * counts["noticed"] / max(1, counts.total())

@@ -316,6 +316,8 @@ void TestTcpScan::compareIgnoresCase_data()
     QTest::addColumn<int>("result");
     QTest::newRow("Error: 5") << QByteArray("Error:") << 1;
     QTest::newRow("eRROR:") << QByteArray("Error:") << 1;
+    QTest::newRow("AbcXyZ") << QByteArray("aBCxYz") << 1;
+    QTest::newRow("[@]") << QByteArray("{`}") << 0;
     QTest::newRow("ERROR 5") << QByteArray("Error:") << 0;
     QTest::newRow("Error") << QByteArray("Error:") << 0;
     QTest::newRow(" error:") << QByteArray("Error:") << 0;
