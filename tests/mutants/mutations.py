@@ -48,7 +48,7 @@ STATEMENT = re.compile(
     r"(?:\+\+|--)[^;{}]*|[*(]*[A-Za-z_][\w:]*(?:(?:->|\.|\(|\[|\+\+|--)[^;{}]*| (?:[-+*/|&^%]|<<|>>)?= [^;{}]*)));(?= *(?://[^\n]*)?\n)"
 )
 LAYOUT = re.compile(r"[lL]ayout|addWidget\(|QSpacerItem|setWidth|Margin|Spacing|Stretch|[sS]izeHint|setMinimum|"
-                    r"setMaximum|(?<!\.)resize\(|Geometry|SizePolicy|AdjustPolicy|BarPolicy|Align|Indent|columnSpan|"
+                    r"setMaximum|(?<!\.)resize\(|Geometry|(?:Size|Adjust|Bar)Policy|rowCount|Align|Indent|columnSpan|"
                     r"\brow\b.*\bcolumn\b")  # fmt: skip
 
 
