@@ -284,11 +284,8 @@ void CMDIWindow::createDataAccess()
     modes->addStretch(1);
     grid->addLayout(modes, displayModes[0].row, 0, 1, columns);
 
-    // Row by row, as it is read. Elsewhere the widgets have been created in this order.
+    // Row by row, as it is read. All other widgets have been created in this order.
     setTabOrder(m_dataAccess.m_inputLineEdit, m_dataAccess.m_sendPushButton);
-    setTabOrder(m_dataAccess.m_sendPushButton, m_dataAccess.m_outputLineEdit);
-    setTabOrder(m_dataAccess.m_outputLineEdit, m_dataAccess.m_readPushButton);
-    setTabOrder(m_dataAccess.m_readPushButton, m_dataAccess.m_hexRadioButton);
 }
 
 void CMDIWindow::connectWidgets()
