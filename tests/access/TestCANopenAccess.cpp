@@ -24,6 +24,7 @@ private Q_SLOTS:
     void refusedGatewayLeavesTheObjectUnbound();
     void secondInitializeFailsWithoutTouchingTheLibrary();
     void terminatedObjectCanBeInitializedAgain();
+    void aTerminateThatFailsLeavesTheLibraryBound();
     void destructorClosesTheConnection();
     void copyrightIsCopiedUpToTheSize();
     void errorTextOfZeroIsTheLastError();
@@ -174,6 +175,19 @@ void TestCANopenAccess::terminatedObjectCanBeInitializedAgain()
     QVERIFY(on.access.initialize(gatewayLibrary, -1, &param, 8));
     on.gateway.expect("[#] 5 start\r\n", "[#] OK\r\n");
     QVERIFY(on.access.startRemoteNode(5));
+}
+
+void TestCANopenAccess::aTerminateThatFailsLeavesTheLibraryBound()
+{
+    CGatewayLink on;
+    QCOMPARE(top_exit(), 0); // without the facade, which finds nothing to close then
+    QVERIFY(!on.access.terminate());
+    QCOMPARE(on.access.getLastError(), ERR_NOT_INITIALIZED);
+    _top_param param = { CFakeGateway::address, on.gateway.port(), { 1, 1, 255 } };
+    QVERIFY(!on.access.initialize(gatewayLibrary, -1, &param, 8));
+    QCOMPARE(on.access.getLastError(), ERR_ALREADY_INITIALIZED);
+    QVERIFY(!on.access.startRemoteNode(5));
+    QCOMPARE(on.access.getLastError(), -793); // of the gateway's client
 }
 
 void TestCANopenAccess::destructorClosesTheConnection()

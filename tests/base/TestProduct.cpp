@@ -29,10 +29,13 @@ void TestProduct::buildNumberIsReadFromAKeyword_data()
                                                                                       { "$Rev: 0 $", 0 },
                                                                                       { "$Rev: 12345 $", 12345 },
                                                                                       { "$Rev:7 $", 7 },
+                                                                                      { "$Rev: 0x3D $", 61 },
+                                                                                      { "$Rev: 075 $", 61 },
                                                                                       { "$Rev$", 0 },
                                                                                       { "$Rev: $", 0 },
                                                                                       { "$Rev: x $", 0 },
                                                                                       { "$Id: 61 $", 0 },
+                                                                                      { " $Rev: 61 $", 0 },
                                                                                       { "61", 0 },
                                                                                       { "", 0 } })
         QTest::newRow(keyword) << number;
@@ -47,6 +50,7 @@ void TestProduct::namesAreFixed()
 {
     QCOMPARE(QByteArray(product::name), QByteArray("Velmora"));
     QCOMPARE(QByteArray(product::title), QByteArray("CANopen Object Browser"));
+    QCOMPARE(QByteArray(product::version), QByteArray("0.2"));
     QCOMPARE(QByteArray(product::organisation), QByteArray("Brask Works"));
 }
 

@@ -239,9 +239,10 @@ void TestCopSdoUpload::nodeIsCheckedBeforeThePointers()
 {
     QFETCH(int, node);
     CSdoBus bus;
-    short length = 0;
+    short length = 77;
     BYTE data[8] = {};
     QCOMPARE(ended(sdo_read(BYTE(node), 0x2008, 1, &length, data, 8)), QString("-90"));
+    QCOMPARE(length, short(0));
     QCOMPARE(ended(sdo_read(BYTE(node), 0x2008, 1, nullptr, nullptr, 8)), QString("-90"));
     cop_exit();
     QCOMPARE(ended(sdo_read(BYTE(node), 0x2008, 1, &length, data, 8)), QString("-90"));
@@ -251,11 +252,12 @@ void TestCopSdoUpload::nodeIsCheckedBeforeThePointers()
 void TestCopSdoUpload::nullPointersAreRefused()
 {
     CSdoBus bus;
-    short length = 0;
     BYTE data[8] = {};
     for (int turn = 0; turn < 2; ++turn) {
+        short length = 77;
         QCOMPARE(ended(sdo_read(5, 0x2008, 1, nullptr, data, 8)), QString("-99"));
         QCOMPARE(ended(sdo_read(5, 0x2008, 1, &length, nullptr, 8)), QString("-99"));
+        QCOMPARE(length, short(0));
         QCOMPARE(ended(sdo_read(5, 0x2008, 1, nullptr, nullptr, 0)), QString("-99"));
         cop_exit();
     }

@@ -5,6 +5,7 @@
 #include "GatewayLink.h"
 #include "dic/CANopenObjectEntry.h"
 
+#include <QDateTime>
 #include <QTest>
 
 using TEntry = CCANopenObjectEntry;
@@ -40,6 +41,8 @@ private Q_SLOTS:
     void aValueIsReadAsText();
     void aTextIsSentAsAValue_data();
     void aTextIsSentAsAValue();
+    void anEmptyTextIsTheCurrentMoment_data();
+    void anEmptyTextIsTheCurrentMoment();
     void longValuesAreCut();
     void aFailedTransferLeavesItsReasonToTheFacade_data();
     void aFailedTransferLeavesItsReasonToTheFacade();
@@ -83,6 +86,7 @@ void TestParameterTransfer::aValueIsReadAsText_data()
     for (const char* text : { "A", "AB", "ABC", "ABCD" }) // no zero byte after them
         row(TEntry::typeVisibleString, modeDec, "d", base64(text), text);
     row(TEntry::typeVisibleString, modeDec, "d", "=", "");
+    row(TEntry::typeVisibleString, modeDec, "d", base64(" A  B\n "), " A  B\n ");
     const QByteArray date = QByteArray::fromHex("923B1E12180C09");
     row(TEntry::typeDate, modeDec, "d", base64(date), "2009-12-24 18:30:15.250");
     row(TEntry::typeDate, modeHex, "d", base64(date), "0x92 0x3B 0x1E 0x12 0x18 0x0C 0x09 ");
@@ -129,6 +133,9 @@ void TestParameterTransfer::aTextIsSentAsAValue_data()
         "d " + base64("Br\xFC"
                       "cke"),
         "");
+    row(TEntry::typeVisibleString, modeHex, " A  B\t", "d " + base64(" A  B\t"), "");
+    row(TEntry::typeVisibleString, modeHex, "  ", "d " + base64("  "), "");
+    row(TEntry::typeVisibleString, modeHex, "", "d ", "");
     row(TEntry::typeDate, modeHex, "2009-12-24 18:30:15.250", "d " + base64(QByteArray::fromHex("92001E12180C09")),
         "0x92 0x00 0x1E 0x12 0x18 0x0C 0x09 ");
     row(TEntry::typeTimeOfDay, modeDec, "2009-12-24 18:30:15.250", "d " + base64(QByteArray::fromHex("5289C1031125")),
@@ -145,6 +152,28 @@ void TestParameterTransfer::aTextIsSentAsAValue()
     const tResult result = send(parameter(type, TDisplayMode(mode)), input);
     QCOMPARE(result.outcome, transferDone);
     QTEST(result.text, "text");
+}
+
+void TestParameterTransfer::anEmptyTextIsTheCurrentMoment_data()
+{
+    QTest::addColumn<int>("type");
+    for (const int type : { TEntry::typeDate, TEntry::typeTimeOfDay })
+        QTest::newRow(type == TEntry::typeDate ? "date" : "time of day") << type;
+}
+
+void TestParameterTransfer::anEmptyTextIsTheCurrentMoment()
+{
+    QFETCH(const int, type);
+    // In standard time: a TIME_OF_DAY is taken so, also in summer.
+    qputenv("TZ", "UTC");
+    const auto restore = qScopeGuard([] { qputenv("TZ", "Europe/Berlin"); });
+    m_link->gateway.answerWith([](auto&) { return "[#] OK\r\n"; });
+    const auto minute = [] { return QDateTime::currentDateTime().toString("yyyy-MM-dd hh:mm"); };
+    const QString before = minute();
+    const tResult result = send(parameter(type, modeDec), "");
+    const QStringList minutes{ before, minute() };
+    QCOMPARE(result.outcome, transferDone);
+    QVERIFY2(minutes.contains(result.text.left(16)), qPrintable(result.text));
 }
 
 void TestParameterTransfer::longValuesAreCut()
@@ -192,9 +221,11 @@ void TestParameterTransfer::whatIsNoValueOfTheTypeIsNotSent_data()
 void TestParameterTransfer::whatIsNoValueOfTheTypeIsNotSent()
 {
     QFETCH(const int, type);
-    const tResult result = send(parameter(type), "abc");
-    QCOMPARE(result.outcome, textInvalid);
-    QCOMPARE(result.text, QString());
+    for (const char* text : { "abc", "5\n", "\u00a05", "5\u00a0" }) { // white space other than blanks and tabs
+        const tResult result = send(parameter(type), QString::fromUtf8(text));
+        QCOMPARE(result.outcome, textInvalid);
+        QCOMPARE(result.text, QString());
+    }
     QCOMPARE(m_link->gateway.received(), std::string());
 }
 

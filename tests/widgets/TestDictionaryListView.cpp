@@ -1,4 +1,4 @@
-// How the tree of a document is painted.
+// The tree of a document: how it is painted, and its signal for the Return key.
 // SPDX-License-Identifier: MIT
 #include "widgets/DictionaryListView.h"
 
@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QPaintEvent>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 
 class TestDictionaryListView : public QObject
@@ -15,6 +16,8 @@ class TestDictionaryListView : public QObject
 
 private Q_SLOTS:
     void scrollingToTheSidePaintsEachNameAnew();
+    void theReturnKeyTellsTheCurrentItem_data();
+    void theReturnKeyTellsTheCurrentItem();
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override
@@ -44,6 +47,27 @@ void TestDictionaryListView::scrollingToTheSidePaintsEachNameAnew()
     view.horizontalScrollBar()->setValue(10);
     QTRY_VERIFY_WITH_TIMEOUT(!m_painted.isEmpty(), patience);
     QCOMPARE(m_painted.boundingRect(), view.viewport()->rect());
+}
+
+void TestDictionaryListView::theReturnKeyTellsTheCurrentItem_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("Return") << Qt::Key_Return;
+    QTest::newRow("Enter") << Qt::Key_Enter;
+}
+
+void TestDictionaryListView::theReturnKeyTellsTheCurrentItem()
+{
+    QFETCH(const Qt::Key, key);
+    CDictionaryListView view(nullptr);
+    auto* item = new QTreeWidgetItem(&view, { "Item" });
+    const QSignalSpy told(&view, &CDictionaryListView::returnPressed);
+    QTest::keyClick(&view, key); // there is no current item yet
+    view.setCurrentItem(item);
+    QTest::keyClick(&view, key);
+    QCOMPARE(told.size(), 2);
+    QCOMPARE(told[0][0].value<QTreeWidgetItem*>(), nullptr);
+    QCOMPARE(told[1][0].value<QTreeWidgetItem*>(), item);
 }
 
 QTEST_MAIN(TestDictionaryListView)

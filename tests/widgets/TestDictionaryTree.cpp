@@ -24,6 +24,7 @@ private Q_SLOTS:
     void aProfileWithoutAChapterHoldsItsObjectsDirectly();
     void sameProfileAndChapterShareOneItemEach();
     void profilesAreToldApartByTheirWholeText();
+    void aProfileThatBeginsLikeTheCommunicationProfileHasChapters();
     void aProfileNamedLikeAGroupSharesIt();
     void aChapterIsNotSearchedAmongOtherProfiles();
     void onlyTheCommunicationProfileAndTheRootAreOpen();
@@ -138,6 +139,13 @@ void TestDictionaryTree::profilesAreToldApartByTheirWholeText()
     const QStringList lines = shown().split('|');
     for (const char* group : { "- DS-401", "- ds-401x", "- DS-4", "- CiA DS-301 ", "- CiA DS-301 +" })
         QVERIFY2(lines.contains(group), group);
+}
+
+void TestDictionaryTree::aProfileThatBeginsLikeTheCommunicationProfileHasChapters()
+{
+    add(0x1000, "One", "CiA DS-301 V4.02", "General");
+    add(0x1001, "Two", "CiA DS-301", "General");
+    QCOMPARE(shown(), QString("root +|- CiA DS-301 +|-- 1001: Two|- CiA DS-301 V4.02|-- General|--- 1000: One"));
 }
 
 void TestDictionaryTree::aProfileNamedLikeAGroupSharesIt()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void aShorterListLeavesTheTailSlots();
     void whatIsWrittenAtOnceIsRead();
     void emptySlotsAreUnused();
+    void namesKeepTheirBlanks();
     void displayModeIsStoredAsANumber();
     void aForeignDisplayModeReadsAsStoredOrAsZero_data();
     void aForeignDisplayModeReadsAsStoredOrAsZero();
@@ -111,6 +112,15 @@ void TestSettings::emptySlotsAreUnused()
     m_store->setValue("Recent File List/File10", "j");
     m_store->setValue("Recent File List/File11", "k");
     QCOMPARE(settings::recentFiles(), QStringList({ "b", "j" }));
+}
+
+void TestSettings::namesKeepTheirBlanks()
+{
+    const QStringList names{ " a.eds", "a.eds ", "a  b.eds", " " };
+    settings::setRecentFiles(names);
+    QCOMPARE(settings::recentFiles(), names);
+    settings::setUsedInterfaces(names);
+    QCOMPARE(settings::usedInterfaces(), names);
 }
 
 void TestSettings::displayModeIsStoredAsANumber()

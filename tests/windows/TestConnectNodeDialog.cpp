@@ -26,6 +26,7 @@ private Q_SLOTS:
     void widgetsCarryTheirHelpTexts_data();
     void widgetsCarryTheirHelpTexts();
     void connectTakesTheNodeOfTheSpinBox();
+    void selectingANodeLeavesTheSpinBoxAlone();
     void keyboardAloneConnects();
     void doubleClickOnANodeConnectsAtOnce();
     void aForeignItemDoesNotConnect();
@@ -157,6 +158,22 @@ void TestConnectNodeDialog::connectTakesTheNodeOfTheSpinBox()
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
     QCOMPARE(dialog.getNodeId(), 42);
     QCOMPARE(dialog.getConnectFlag(), true);
+}
+
+void TestConnectNodeDialog::selectingANodeLeavesTheSpinBoxAlone()
+{
+    CConnectNodeDialog dialog;
+    dialog.show();
+    spinBox(dialog)->setValue(42);
+    const QPoint place = list(dialog)->visualItemRect(list(dialog)->item(4)).center();
+    QTest::mouseClick(list(dialog)->viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(list(dialog)->currentRow(), 4);
+    QCOMPARE(spinBox(dialog)->value(), 42);
+    QTest::keyClick(list(dialog), Qt::Key_Down);
+    QCOMPARE(list(dialog)->currentRow(), 5);
+    QTest::mouseClick(button(dialog, "connect"), Qt::LeftButton);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.getNodeId(), 42);
 }
 
 void TestConnectNodeDialog::keyboardAloneConnects()

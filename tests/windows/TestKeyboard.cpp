@@ -52,6 +52,7 @@ private Q_SLOTS:
     void f10WithAnotherKeyIsNotThatOfTheMenu_data();
     void f10WithAnotherKeyIsNotThatOfTheMenu();
     void ctrlF4ClosesTheActiveDocument();
+    void theReturnKeyTakesTheInterfaceAsItWasTyped();
     void theTableOfTheFieldsIsComplete();
     void helpInTheFrameIsAModeFirst_data();
     void helpInTheFrameIsAModeFirst();
@@ -151,6 +152,21 @@ bool TestKeyboard::helpIsShown(const QString& text)
     const QImage shown = takeHelp();
     QWhatsThis::showText({}, text, QApplication::activeWindow());
     return !shown.isNull() && shown == takeHelp();
+}
+
+// Not as it stands in the list of those used before, in other letters.
+void TestKeyboard::theReturnKeyTakesTheInterfaceAsItWasTyped()
+{
+    m_store->setValue("Used Interfaces/Interface1", "can1");
+    CInitInterfaceDialog dialog;
+    dialog.show();
+    dialog.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog, patience));
+    QTest::keyClick(dialog.focusWidget(), 'A', Qt::ControlModifier);
+    QTest::keyClicks(dialog.focusWidget(), "CAN1");
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.getInterface(), "CAN1");
 }
 
 void TestKeyboard::theTableOfTheFieldsIsComplete()

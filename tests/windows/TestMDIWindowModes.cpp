@@ -156,6 +156,9 @@ void TestMDIWindowModes::everyWindowKeepsItsOwnMode()
     QCOMPARE(first.value(), QString("10"));
     QCOMPARE(second.value(), QString("012"));
     QCOMPARE(m_settings->value("Settings/Display"), QString("2"));
+    first.choose("dec"); // its own mode, but not the one that is stored
+    QCOMPARE(m_settings->value("Settings/Display"), QString("1"));
+    QCOMPARE(second.modes(), QString("oct"));
     QVERIFY2(first.gateway.finished(), qPrintable(first.difference()));
 }
 
