@@ -173,6 +173,8 @@ void TestDateTimeTexts::datesAreReadInThreeLayouts_data()
         { "\t", "refused" },
         { "99999999999999999999", "refused" },
         { "4294967297.1.2009", "refused" },
+        { "1.1.99999999999", "refused" },
+        { "1.1.2009 0:0:0.99999999999", "refused" },
     });
 }
 

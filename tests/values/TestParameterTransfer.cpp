@@ -136,6 +136,7 @@ void TestParameterTransfer::aTextIsSentAsAValue_data()
     row(TEntry::typeVisibleString, modeHex, " A  B\t", "d " + base64(" A  B\t"), "");
     row(TEntry::typeVisibleString, modeHex, "  ", "d " + base64("  "), "");
     row(TEntry::typeVisibleString, modeHex, "", "d ", "");
+    row(TEntry::typeVisibleString, modeHex, "A\u20acB", "d " + base64("A?B"), ""); // not a character of Latin-1
     row(TEntry::typeDate, modeHex, "2009-12-24 18:30:15.250", "d " + base64(QByteArray::fromHex("92001E12180C09")),
         "0x92 0x00 0x1E 0x12 0x18 0x0C 0x09 ");
     row(TEntry::typeTimeOfDay, modeDec, "2009-12-24 18:30:15.250", "d " + base64(QByteArray::fromHex("5289C1031125")),

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void objectsShowTheirIndexInLowerCaseWithoutPadding();
     void siblingsStandInTheOrderOfTheirTexts();
     void groupsStandInTheOrderOfTheirNames();
+    void groupsThatDifferInCaseStandInTheirOrder();
     void entriesStandInTheOrderOfTheirPaddedSubIndex();
     void orderIsThatInWhichTheViewSorts();
     void whichObjectsHaveChildItems_data();
@@ -197,6 +198,13 @@ void TestDictionaryTree::groupsStandInTheOrderOfTheirNames()
     add(0xA000, "x", "(reserved)");
     QCOMPARE(shown(), QString("root +|- (reserved)|-- a000: x|- CiA DS-301 +|-- 1000: x|- Device profile|-- 6000: x"
                               "|- Manufacturer specific|-- 2001: x|- Other objects|-- 2000: x"));
+}
+
+void TestDictionaryTree::groupsThatDifferInCaseStandInTheirOrder()
+{
+    add(0x6000, "x", "a");
+    add(0x6001, "x", "B");
+    QCOMPARE(shown(), QString("root +|- B|-- 6001: x|- a|-- 6000: x"));
 }
 
 void TestDictionaryTree::entriesStandInTheOrderOfTheirPaddedSubIndex()
