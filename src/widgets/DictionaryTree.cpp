@@ -23,6 +23,11 @@ namespace
 constexpr QLatin1String communicationProfile("CiA DS-301");
 constexpr QLatin1String noProfile("Other objects");
 
+bool isBefore(const QString& text, const QString& other)
+{
+    return QString::localeAwareCompare(text, other) < 0;
+}
+
 /// Creates the items, and sorts them as the view does. Most data sheets list their objects and entries in order: then
 /// it is enough to look at the item before, as long as that is in the processor's cache.
 class CItems
@@ -31,7 +36,7 @@ public:
     QTreeWidgetItem* add(QTreeWidgetItem* parent, const QString& text)
     {
         const int count = parent->childCount();
-        if (count > 0 && text < parent->child(count - 1)->text(0))
+        if (count > 0 && isBefore(text, parent->child(count - 1)->text(0)))
             m_unsorted.insert(parent);
         auto* item = new QTreeWidgetItem(parent);
         item->setText(0, text);
@@ -41,7 +46,8 @@ public:
     {
         for (QTreeWidgetItem* parent : m_unsorted) {
             QList<QTreeWidgetItem*> items = parent->takeChildren();
-            std::stable_sort(items.begin(), items.end(), [](auto* a, auto* b) { return a->text(0) < b->text(0); });
+            std::stable_sort(items.begin(), items.end(),
+                             [](auto* a, auto* b) { return isBefore(a->text(0), b->text(0)); });
             parent->addChildren(items);
         }
     }
