@@ -1,9 +1,9 @@
-// Tests of the digits of numbers in texts.
+// The digits of numbers in texts.
 // SPDX-License-Identifier: MIT
 #include "base/Digits.h"
 
 #include <QByteArray>
-#include <QtTest>
+#include <QTest>
 
 class TestDigits : public QObject
 {
