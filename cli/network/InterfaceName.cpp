@@ -14,10 +14,12 @@
 namespace
 {
 
+// With a sign or blanks the browser would read another number, or take the whole for the name of a CAN interface.
 bool isNumberWithin(const QString& text, quint64 least, quint64 most)
 {
+    const bool plain = std::all_of(text.cbegin(), text.cend(), [](QChar letter) { return letter.isLetterOrNumber(); });
     const auto number = readNumber(text);
-    return number && !number->negative && number->bits >= least && number->bits <= most;
+    return plain && number && number->bits >= least && number->bits <= most;
 }
 
 bool isAddress(const QString& text)
@@ -33,16 +35,14 @@ bool isNameOfDevice(const QString& text)
 {
     constexpr qsizetype longest = 15;
     return !text.isEmpty() && text.toLocal8Bit().size() <= longest &&
-           std::none_of(text.cbegin(), text.cend(), [](QChar letter) { return letter == u'/' || letter == u':'; });
+           std::none_of(text.cbegin(), text.cend(),
+                        [](QChar letter) { return letter == u'/' || letter == u':' || letter.isSpace(); });
 }
 
 } // namespace
 
 bool isInterfaceName(const QString& text)
 {
-    // The browser takes an address with blanks for the name of a CAN interface.
-    if (std::any_of(text.cbegin(), text.cend(), [](QChar letter) { return letter.isSpace(); }))
-        return false;
     const qsizetype colon = text.indexOf(u':');
     if (colon < 0)
         return isNameOfDevice(text) && !isAddress(text); // an address without its port

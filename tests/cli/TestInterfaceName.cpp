@@ -72,6 +72,9 @@ void TestInterfaceName::otherTextsAreNone_data()
                               "127.0.0.1 :60000",
                               " 127.0.0.1:60000",
                               "localhost:60000 ",
+                              "localhost:+082",
+                              "localhost:+60000",
+                              "127.0.-0.1:60000",
                               "[::1]:60000" })
         QTest::addRow("\"%s\"", text) << QString(text);
 }
