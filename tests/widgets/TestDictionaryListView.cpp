@@ -42,10 +42,10 @@ void TestDictionaryListView::scrollingToTheSidePaintsEachNameAnew()
     view.resize(200, 200);
     view.show();
     view.viewport()->installEventFilter(this);
-    QTRY_VERIFY_WITH_TIMEOUT(!m_painted.isEmpty() && view.horizontalScrollBar()->maximum() > 0, patience);
+    AWAIT_VERIFY(!m_painted.isEmpty() && view.horizontalScrollBar()->maximum() > 0);
     m_painted = {};
     view.horizontalScrollBar()->setValue(10);
-    QTRY_VERIFY_WITH_TIMEOUT(!m_painted.isEmpty(), patience);
+    AWAIT_VERIFY(!m_painted.isEmpty());
     QCOMPARE(m_painted.boundingRect(), view.viewport()->rect());
 }
 
