@@ -2,25 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "dic/CANopenReader.h"
 
+#include "AssertionLog.h"
+
 #include <QList>
 #include <QRegularExpression>
 #include <QTest>
 
 #include <algorithm>
-
-namespace
-{
-
-QList<int> reportedLines; // of warnings, while `noteLine` is installed
-
-void noteLine(QtMsgType, const QMessageLogContext&, const QString& message)
-{
-    static const QRegularExpression report("^ASSERT: \"[a-zA-Z]+\" in dic/CANopenReader \\((\\d+)\\)$");
-    const QRegularExpressionMatch match = report.match(message);
-    reportedLines += match.hasMatch() ? match.captured(1).toInt() : -1;
-}
-
-} // namespace
 
 class TestEdsRefusals : public QObject
 {
@@ -72,15 +60,16 @@ void TestEdsRefusals::digitsBeforeTheFailureAreStored()
 // arguments of a number.
 void TestEdsRefusals::everyReportNamesTheLineOfItsArgument()
 {
-    const QtMessageHandler before = qInstallMessageHandler(&noteLine);
+    const CAssertionLog log;
     IsObject(nullptr, nullptr);
     IsObjectEntry(nullptr, nullptr, nullptr);
-    const QList<int> ofNames = std::exchange(reportedLines, {});
+    const QList<int> ofNames = log.lines();
     Ascii2Unsigned8(nullptr, nullptr);
     Ascii2Unsigned16(nullptr, nullptr);
     Ascii2Unsigned32(nullptr, nullptr);
-    const QList<int> ofNumbers = std::exchange(reportedLines, {});
-    qInstallMessageHandler(before);
+    const QList<int> ofNumbers = log.lines().sliced(ofNames.size());
+    const QRegularExpression report("^ASSERT: \"[a-zA-Z]+\" in dic/CANopenReader$");
+    QCOMPARE(log.texts().filter(report), log.texts());
 
     QCOMPARE(ofNames.size(), 5);
     QVERIFY(ofNames[0] > 0);

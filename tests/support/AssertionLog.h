@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -23,11 +24,15 @@ public:
         return found;
     }
 
-    /// The line of the source that the message names in parentheses as its last word; 0 where it names none.
-    [[nodiscard]] static int line(int message)
+    /// The lines of the source that the messages name in parentheses as their last words; 0 for one that names none.
+    [[nodiscard]] static QList<int> lines()
     {
-        const QString word = s_messages.value(message).section(' ', -1);
-        return word.startsWith('(') && word.endsWith(')') ? word.chopped(1).mid(1).toInt() : 0;
+        QList<int> found;
+        for (const QString& message : s_messages) {
+            const QString word = message.section(' ', -1);
+            found += word.startsWith('(') && word.endsWith(')') ? word.chopped(1).mid(1).toInt() : 0;
+        }
+        return found;
     }
 
 private:

@@ -285,9 +285,9 @@ void TestDictionaryTree::emptySlotsAreReportedAndLeftOut()
     const CAssertionLog log;
     QCOMPARE(shown(), QString("root +|- Other objects|-- 2000: Record|---  1: Entry"));
     QCOMPARE(log.texts(), QStringList({ "ASSERT: \"ptrObject\" in MDIWindow", "ASSERT: \"ptrEntry\" in MDIWindow" }));
-    QVERIFY(log.line(0) > 0);
-    QVERIFY(log.line(1) > 0);
-    QVERIFY(log.line(0) != log.line(1));
+    QVERIFY(log.lines().value(0) > 0);
+    QVERIFY(log.lines().value(1) > 0);
+    QVERIFY(log.lines().value(0) != log.lines().value(1));
 }
 
 void TestDictionaryTree::populatingReplacesWhatIsShown()
