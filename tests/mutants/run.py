@@ -164,13 +164,13 @@ def key(mutation: Mutation) -> tuple[str, str, str, int]:
 def state(path: str, result: str) -> str:
     """The hash of what the result rests on: the source, and the test that noticed."""
     test = result.removeprefix("noticed by ") if result.startswith("noticed by ") else ""
-    places = [ROOT / path, *sources_of_tests().get(test, [])]
-    return hashlib.sha256(b"".join(place.read_bytes() for place in places if place.is_file())).hexdigest()
+    places = [ROOT / path, sources_of_tests().get(test)]
+    return hashlib.sha256(b"".join(place.read_bytes() for place in places if place and place.is_file())).hexdigest()
 
 
 @functools.cache
-def sources_of_tests() -> dict[str, list[pathlib.Path]]:
-    return {place.stem: [place] for place in (ROOT / "tests").rglob("Test*.cpp")}
+def sources_of_tests() -> dict[str, pathlib.Path]:
+    return {place.stem: place for place in (ROOT / "tests").rglob("Test*.cpp")}
 
 
 def known_results() -> dict[tuple, str]:
@@ -270,7 +270,8 @@ def main() -> int:
             if result == "survived" and not is_listed(mutation):
                 survivors.append(mutation)
                 equal = f" #{mutation.number}" if mutation.number > 1 else ""
-                print(f"{mutation.path}{equal} (line {mutation.line})\n- {mutation.before}\n+ {mutation.after}\n", flush=True)
+                print(f"{mutation.path}{equal} (line {mutation.line})")
+                print(f"- {mutation.before}\n+ {mutation.after}\n", flush=True)
             elif time.monotonic() - started > 1 and counts.total() % 50 == 0:
                 print(f"({counts.total()} of {wanted})", file=sys.stderr, flush=True)
     share = 100 * counts["noticed"] / max(1, counts.total())
